@@ -1,0 +1,2 @@
+// Placeholder until the image entry is written.
+#include <Uefi.h>
