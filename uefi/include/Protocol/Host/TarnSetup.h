@@ -56,9 +56,9 @@ struct _TARN_SETUP_PROTOCOL {
   // 12
   EFI_STATUS(EFIAPI *ShowHelp)
   (HOST_PAGE_NODE *Page, const HOST_HELP_ENTRY *Entries, UINTN Count);
-  // 13: Format's "%a" takes FunctionName; the rest follow it.
-  VOID(EFIAPI *DebugPrint)
-  (UINT32 Level, const CHAR8 *Format, const CHAR8 *FunctionName, ...);
+  // 13: the first variadic argument is the caller's function name, taken by
+  // the format's leading "%a"; the format's other arguments follow it.
+  VOID(EFIAPI *DebugPrint)(UINT32 Level, const CHAR8 *Format, ...);
   // 14: the text in the current language, owned by the host; NULL when the
   // handle or the id is unknown.
   CHAR16 *(EFIAPI *GetString)(EFI_HII_HANDLE HiiHandle, EFI_STRING_ID Id);
