@@ -9,10 +9,13 @@
 
 typedef struct _TARNXML_PARSER TARNXML_PARSER;
 
-// Attributes: name, value, name, value, ..., NULL.
-typedef VOID(EFIAPI *TARNXML_START_ELEMENT)(const CHAR16 *Name,
+// UserData is the parser's user data, always NULL: the module keeps its
+// parsing state in its own globals. Attributes: name, value, name, value,
+// ..., NULL, valid until the callback returns.
+typedef VOID(EFIAPI *TARNXML_START_ELEMENT)(VOID *UserData,
+                                            const CHAR16 *Name,
                                             const CHAR16 **Attributes);
-typedef VOID(EFIAPI *TARNXML_END_ELEMENT)(const CHAR16 *Name);
+typedef VOID(EFIAPI *TARNXML_END_ELEMENT)(VOID *UserData, const CHAR16 *Name);
 
 typedef struct _EFI_TARNXML_PROTOCOL EFI_TARNXML_PROTOCOL;
 struct _EFI_TARNXML_PROTOCOL {
