@@ -1,4 +1,5 @@
 # Cross build of PE32+ images for UEFI on x86-64 with clang and lld-link.
+# Used by the efi preset; every compiled file is freestanding here.
 set(CMAKE_SYSTEM_NAME Generic)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER clang)
@@ -8,11 +9,21 @@ set(CMAKE_CXX_COMPILER_TARGET x86_64-unknown-windows)
 set(CMAKE_AR llvm-ar CACHE FILEPATH "" FORCE)
 set(CMAKE_RANLIB llvm-ranlib CACHE FILEPATH "" FORCE)
 set(CMAKE_LINKER lld-link CACHE FILEPATH "" FORCE)
+set(CMAKE_RC_COMPILER llvm-rc CACHE FILEPATH "" FORCE)
+# Compiler checks cannot link an image without an entry point.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(RAIDCFG_EFI ON CACHE BOOL "" FORCE)
 
-# Images are linked by lld-link directly; each target adds its subsystem
-# and entry point.
+# -O2 rather than CMake's -O3; no C or C++ library of the build machine.
+set(CMAKE_C_FLAGS_RELEASE_INIT "-O2 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELEASE_INIT "-O2 -DNDEBUG")
+# CMake passes CMAKE_<LANG>_COMPILER_TARGET only while detecting the compiler
+# when clang simulates MSVC, so the target goes into the flags as well.
+set(CMAKE_C_FLAGS_INIT "--target=x86_64-unknown-windows -nostdlibinc")
+set(CMAKE_CXX_FLAGS_INIT "--target=x86_64-unknown-windows -nostdlibinc -nostdinc++")
+
+# Images are linked by lld-link directly (see cmake/EfiImage.cmake); the
+# image adds its subsystem, entry point and import-library path.
 set(CMAKE_CXX_LINK_EXECUTABLE
     "<CMAKE_LINKER> /nologo /nodefaultlib /dynamicbase /machine:x64 <LINK_FLAGS> <OBJECTS> <LINK_LIBRARIES> /out:<TARGET>")
 set(CMAKE_EXECUTABLE_SUFFIX "")

@@ -19,9 +19,11 @@ if(RAIDCFG_EFI)
 endif()
 
 # add_freestanding_library(<name> <sources...>): a static library of
-# module-side code, built with the freestanding flags in either build.
+# module-side code, built with the freestanding flags in either build. In
+# the EFI build, add_efi_image() links every object of it into the image.
 function(add_freestanding_library name)
   add_library(${name} STATIC ${ARGN})
   target_compile_options(${name} PRIVATE ${RAIDCFG_FREESTANDING_FLAGS})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/uefi/include)
+  set_target_properties(${name} PROPERTIES RAIDCFG_FREESTANDING ON)
 endfunction()
