@@ -14,3 +14,41 @@ endif()
 if(RAIDCFG_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
+
+# add_fuzz_target(<name> <sources...> [LIBRARIES <libraries...>])
+# A libFuzzer executable, built only in the fuzz preset. Its path is listed
+# in <build>/fuzz-targets.txt, which scripts/test.sh runs. A seed corpus in
+# tests/fuzz/corpus/<name>/ is used when present.
+function(add_fuzz_target name)
+  if(NOT RAIDCFG_FUZZ)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 FUZZ "" "" "LIBRARIES")
+  add_executable(${name} ${FUZZ_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE ${FUZZ_LIBRARIES})
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  set_property(GLOBAL APPEND PROPERTY RAIDCFG_FUZZ_TARGETS ${name})
+endfunction()
+
+# add_benchmark_target(<name> <sources...> [LIBRARIES <libraries...>])
+# A Google Benchmark executable, built only in the release preset.
+function(add_benchmark_target name)
+  if(NOT RAIDCFG_BENCH)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 BENCH "" "" "LIBRARIES")
+  find_package(benchmark REQUIRED)
+  add_executable(${name} ${BENCH_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE ${BENCH_LIBRARIES} benchmark::benchmark_main)
+endfunction()
+
+# Writes <build>/fuzz-targets.txt: one line per fuzz target, its name, a
+# tab, and its executable's path. Called once all directories are added.
+function(write_fuzz_target_list)
+  get_property(targets GLOBAL PROPERTY RAIDCFG_FUZZ_TARGETS)
+  set(lines "")
+  foreach(target IN LISTS targets)
+    string(APPEND lines "${target}\t$<TARGET_FILE:${target}>\n")
+  endforeach()
+  file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/fuzz-targets.txt CONTENT "${lines}")
+endfunction()
