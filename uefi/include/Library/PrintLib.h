@@ -8,6 +8,11 @@
 // pad), width, '*' width; 'l'/'ll' for 64-bit arguments (%ld %lx %lu %lld
 // %016lx ...). Without 'l', %d %u %x take 32-bit arguments.
 //
+// As in EDK2: %x and %X print upper-case digits (%X also zero-pads to the
+// width), %g prints an upper-case GUID, "\n" in the format is written as
+// "\r\n", a NULL string prints "<null string>", and %r of a status without
+// a name prints its low 32 bits as %08X.
+//
 // The variadic functions use the Microsoft convention (EFIAPI) in both
 // builds, so a VA_LIST from an EFIAPI protocol function can be passed on.
 #pragma once
@@ -27,5 +32,6 @@ UINTN EFIAPI AsciiSPrint(CHAR8 *Buffer, UINTN BufferSize, const CHAR8 *Format, .
 UINTN EFIAPI AsciiVSPrint(CHAR8 *Buffer, UINTN BufferSize, const CHAR8 *Format,
                    VA_LIST Marker);
 
-// The text firmware prints for a status ("Success", "Not Found", ...).
+// The text firmware prints for a status ("Success", "Not Found", ...), or
+// NULL for a status without a name.
 const CHAR8 *StatusText(EFI_STATUS Status);
