@@ -7,7 +7,11 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/setup.sh
-[[ -f build/native/build.ninja ]] || cmake --preset native
+if [[ -f build/native/build.ninja ]]; then
+  ninja -C build/native build.ninja >/dev/null  # re-configure after CMake changes
+else
+  cmake --preset native
+fi
 
 if ! ninja -C build/native -t query raidcfg-host >/dev/null 2>&1; then
   cmake --build --preset native -j 2
