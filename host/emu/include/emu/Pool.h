@@ -1,0 +1,97 @@
+// The boot-services pool: every allocation tracked by size and sequence
+// number, so a test can list what is still outstanding, see double frees
+// and foreign pointers, and make chosen allocations fail.
+#pragma once
+
+#include <Uefi.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace emu {
+
+// One live allocation. Sequence is the number of the allocation request
+// (1 for the first request since the pool was made, failed ones counted).
+struct Allocation {
+  UINT64 Sequence;
+  UINTN Size;
+  const VOID *Address;
+  EFI_MEMORY_TYPE Type;
+};
+
+enum class PoolEventKind {
+  kInjectedFailure,  // an allocation failed because a fault was armed
+  kDoubleFree,       // FreePool of a buffer already returned
+  kForeignPointer,   // FreePool of an address the pool never handed out
+  kNullPointer,      // FreePool(NULL) at the boot-services level
+};
+
+struct PoolEvent {
+  PoolEventKind Kind;
+  const VOID *Address;  // the freed address; NULL for an injected failure
+  UINT64 Sequence;      // the allocation request for an injected failure
+};
+
+struct PoolCounters {
+  UINT64 Requests = 0;           // allocation requests, failed ones included
+  UINT64 Allocations = 0;        // successful allocations
+  UINT64 FailedAllocations = 0;  // injected or genuine failures
+  UINT64 Frees = 0;              // successful frees
+  UINT64 InvalidFrees = 0;       // double, foreign and NULL frees
+  UINTN BytesOutstanding = 0;
+  UINTN PeakBytesOutstanding = 0;
+};
+
+class Pool {
+ public:
+  Pool() = default;
+  Pool(const Pool &) = delete;
+  Pool &operator=(const Pool &) = delete;
+  // Returns whatever is still outstanding to the C heap.
+  ~Pool();
+
+  // AllocatePool: a buffer of Size bytes filled with 0xAF (firmware does
+  // not zero pool memory, and neither do we).
+  EFI_STATUS Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer);
+  // FreePool: EFI_INVALID_PARAMETER, and an event, for anything that is not
+  // a live allocation.
+  EFI_STATUS Free(VOID *Buffer);
+
+  // Fault injection. Counting starts at the next request: 1 is the next.
+  VOID FailNthAllocation(UINT64 N);
+  VOID FailAllocationsFrom(UINT64 N);
+  VOID ClearFaults();
+
+  // Live allocations in sequence order.
+  std::vector<Allocation> Outstanding() const;
+  // "N allocation(s) outstanding:" and one line per allocation; "" when
+  // nothing is outstanding.
+  std::string LeakReport() const;
+  const std::vector<PoolEvent> &Events() const { return Events_; }
+  // Events of the given kind only.
+  std::vector<PoolEvent> EventsOf(PoolEventKind Kind) const;
+  // One line per invalid free or injected failure; "" when none.
+  std::string EventReport() const;
+  VOID ClearEvents() { Events_.clear(); }
+  const PoolCounters &Counters() const { return Counters_; }
+
+  // Whether Address is the start of a live allocation, and its size.
+  bool IsLive(const VOID *Address) const;
+  UINTN SizeOf(const VOID *Address) const;
+
+ private:
+  bool FaultDue(UINT64 Request) const;
+
+  std::map<const VOID *, Allocation> Live_;
+  std::set<const VOID *> Released_;
+  std::vector<PoolEvent> Events_;
+  PoolCounters Counters_;
+  UINT64 FailOnly_ = 0;  // request number that fails, 0: none
+  UINT64 FailFrom_ = 0;  // first request number of a failing run, 0: none
+};
+
+const char *PoolEventName(PoolEventKind Kind);
+
+}  // namespace emu
