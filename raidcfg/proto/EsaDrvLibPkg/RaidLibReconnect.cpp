@@ -1,0 +1,85 @@
+// Reconnecting an adapter's UEFI driver after its configuration changed, so
+// that the firmware's view of its disks is current again.
+#include <Library/BaseLib.h>
+#include <Library/UefiBootServicesTableLib.h>
+
+#include "ProductConstants.h"
+#include "RaidLibDiscovery.h"
+#include "RaidLibTrace.h"
+
+constinit BOOLEAN greconnect = FALSE;
+constinit UINT32 gMchpCtrlCount = 0;
+
+namespace {
+
+bool HasSignature(const RAID_CONTROLLER *Controller, const CHAR8 *Signature) {
+  return RaidLibControllerFamily(Controller) ==
+         RaidLibFamilyOfSignature(Signature);
+}
+
+bool UsesTool(const RAID_CONTROLLER *Controller, const CHAR16 *ToolName) {
+  const RAID_CAPABILITY *Capability = Controller->Capability;
+  return Capability != nullptr && Capability->ToolName != nullptr &&
+         StrCmp(Capability->ToolName, ToolName) == 0;
+}
+
+bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
+  const RAID_CAPABILITY *Capability = Controller->Capability;
+  return Capability != nullptr && Capability->ControllerName != nullptr &&
+         StrStr(Capability->ControllerName, kMarvellFullReconnectBoard) !=
+             nullptr;
+}
+
+// Marvell M.2 adapters are only connected: their driver does not survive a
+// disconnect while the boot device sits behind it.
+EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] M.2 card skip the operation\n");
+  EFI_STATUS Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
+  if (EFI_ERROR(Status)) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                   "[%a]<err> Only connect the controller error, ingore %r\n",
+                   Status);
+  }
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS DisconnectAndConnect(EFI_HANDLE Handle) {
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Disconnect the controller driver\n");
+  EFI_STATUS Status = gBS->DisconnectController(Handle, nullptr, nullptr);
+  if (EFI_ERROR(Status)) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                   "[%a]<err> Cannot disconnect the controller %r\n", Status);
+  }
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Connect the controller driver\n");
+  Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
+  if (EFI_ERROR(Status)) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                   "[%a]<err> Cannot connect the controller %r\n", Status);
+  } else {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                   "[%a] Reconnect device driver successfully.\n");
+  }
+  return Status;
+}
+
+}  // namespace
+
+// Called after every successful change on an adapter.
+EFI_STATUS UpdateRaidControllerDeviceDriver(RAID_CONTROLLER *Controller) {
+  if (Controller == nullptr || Controller->Private == nullptr) {
+    return EFI_INVALID_PARAMETER;
+  }
+  // The Intel RAID engine's driver picks up changes by itself.
+  if (HasSignature(Controller, "rste")) {
+    return EFI_SUCCESS;
+  }
+  if (HasSignature(Controller, "$arc") && gMchpCtrlCount > 1) {
+    greconnect = TRUE;
+  }
+  EFI_HANDLE Handle = Controller->Private->PciIoHandle;
+  if (UsesTool(Controller, u"mvsetup.efi") &&
+      !IsFullReconnectMarvellBoard(Controller)) {
+    return ConnectOnly(Handle);
+  }
+  return DisconnectAndConnect(Handle);
+}

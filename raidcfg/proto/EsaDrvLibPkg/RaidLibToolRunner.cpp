@@ -1,0 +1,77 @@
+// The tool runner: command formatting, the shell-command service and the
+// shared output buffer.
+#include "RaidLibToolRunner.h"
+
+#include <Library/PrintLib.h>
+#include <Library/UefiBootServicesTableLib.h>
+#include <Protocol/Host/ShellCommand.h>
+
+#include "RaidLib.h"
+#include "RaidLibTrace.h"
+
+constinit CHAR16 gRaidToolOutput[RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16)] = {};
+constinit UINTN gRaidToolOutputSize = 0;
+constinit CHAR16 *gRaidToolOutputCopy = nullptr;
+constinit UINT32 gRaidCurrentCardId = RAID_CARD_ID_UNSET;
+
+namespace {
+
+constinit SHELL_COMMAND_PROTOCOL *gShellCommand = nullptr;
+
+}  // namespace
+
+// Locates the host's shell-command service once and keeps it.
+EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode) {
+  if (gShellCommand != nullptr) {
+    return EFI_SUCCESS;
+  }
+  EFI_STATUS Status = gBS->LocateProtocol(&gShellCommandProtocolGuid, nullptr,
+                                          (VOID **)&gShellCommand);
+  if (EFI_ERROR(Status) || gShellCommand == nullptr) {
+    gShellCommand = nullptr;
+    if (!EFI_ERROR(Status)) {
+      Status = EFI_NOT_FOUND;
+    }
+    *ErrorCode = RaidLibFirmwareErrorCode(Status);
+    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n", *ErrorCode);
+    return Status;
+  }
+  return EFI_SUCCESS;
+}
+
+// Runs one command line; the output (cut to OutputSize bytes) is in Output.
+EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
+                                     UINTN OutputSize, UINT32 *ErrorCode,
+                                     const CHAR16 *Format, ...) {
+  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  CHAR16 CommandLine[RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16)];
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  UnicodeVSPrint(CommandLine, sizeof(CommandLine), Format, Marker);
+  VA_END(Marker);
+
+  if (gRaidLibSetupProtocol != nullptr) {
+    gRaidLibSetupProtocol->DebugPrint(TARN_DEBUG_INFO, "[%a]Command: %S\n",
+                                      Caller, CommandLine);
+  }
+  if (OutputSize >= sizeof(CHAR16)) {
+    Output[0] = 0;
+  }
+  UINTN Size = OutputSize;
+  if (Output == gRaidToolOutput) {
+    gRaidToolOutputSize = OutputSize;
+    Status = gShellCommand->ExecuteCapture(CommandLine, Output,
+                                           &gRaidToolOutputSize);
+  } else {
+    Status = gShellCommand->ExecuteCapture(CommandLine, Output, &Size);
+  }
+  return Status;
+}
+
+VOID RaidLibResetToolRunner() {
+  gShellCommand = nullptr;
+  gRaidCurrentCardId = RAID_CARD_ID_UNSET;
+}

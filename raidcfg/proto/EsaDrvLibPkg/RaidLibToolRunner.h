@@ -1,0 +1,39 @@
+// Running a vendor's command-line tool through the host's shell-command
+// service. One command at a time: the output lands in one shared buffer and
+// is parsed before the next command runs.
+#pragma once
+
+#include <Uefi.h>
+
+// The shared output buffer: 80960 bytes of CHAR16 text.
+#define RAID_TOOL_OUTPUT_SIZE 80960
+// Command lines are formatted into 200 bytes: at most 100 characters with
+// the terminator.
+#define RAID_TOOL_COMMAND_SIZE 200
+
+extern CHAR16 gRaidToolOutput[RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16)];
+extern UINTN gRaidToolOutputSize;
+// A pool copy of tool output some backends keep between commands; freed by
+// FinalizeRaid.
+extern CHAR16 *gRaidToolOutputCopy;
+// The adapter the current command addresses, set by RaidLibGetController.
+extern UINT32 gRaidCurrentCardId;
+
+// Locates the shell-command service on first use.
+EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode);
+
+// Formats a command line (the tool name is the caller's first argument),
+// traces "[<Caller>]Command: <line>", and runs it into Output, whose size in
+// bytes the runner sets to OutputSize before the run. Output is cleared to an
+// empty string first, so a failed run leaves no stale text.
+EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
+                                     UINTN OutputSize, UINT32 *ErrorCode,
+                                     const CHAR16 *Format, ...);
+
+// The same into the shared output buffer.
+#define RAID_LIB_RUN_TOOL(ErrorCode, Format, ...)                              \
+  RaidLibRunToolInto(__func__, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE,         \
+                     (ErrorCode), (Format), ##__VA_ARGS__)
+
+// Forgets the located service (the module is being unloaded).
+VOID RaidLibResetToolRunner();
