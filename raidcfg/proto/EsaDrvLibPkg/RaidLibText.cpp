@@ -1,0 +1,284 @@
+// Text helpers the vendor backends use on their tools' output.
+#include "RaidLibText.h"
+
+#include <Library/BaseLib.h>
+#include <Library/BaseMemoryLib.h>
+#include <Library/MemoryAllocationLib.h>
+#include <Protocol/Host/TarnSetup.h>
+
+#include "RaidLibTrace.h"
+
+namespace {
+
+constexpr UINT64 kMaxUint64 = ~static_cast<UINT64>(0);
+
+// TRUE when Char is one of the NUL-terminated Delimiters.
+bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
+  if (Delimiters == nullptr) {
+    return false;
+  }
+  for (const CHAR16 *Cursor = Delimiters; *Cursor != 0; Cursor++) {
+    if (*Cursor == Char) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Skips the blanks and tabs that may precede a number.
+const CHAR16 *SkipBlanks(const CHAR16 *Text) {
+  while (*Text == u' ' || *Text == u'\t') {
+    Text++;
+  }
+  return Text;
+}
+
+bool IsDecimalDigit(CHAR16 Char) { return Char >= u'0' && Char <= u'9'; }
+
+// Value of a hexadecimal digit, or -1.
+INT32 HexDigitValue(CHAR16 Char) {
+  if (IsDecimalDigit(Char)) {
+    return Char - u'0';
+  }
+  if (Char >= u'a' && Char <= u'f') {
+    return Char - u'a' + 10;
+  }
+  if (Char >= u'A' && Char <= u'F') {
+    return Char - u'A' + 10;
+  }
+  return -1;
+}
+
+// Value * Radix + Digit, or the largest value when that overflows.
+UINT64 AppendDigit(UINT64 Value, UINT32 Radix, UINT32 Digit) {
+  if (Value > (kMaxUint64 - Digit) / Radix) {
+    return kMaxUint64;
+  }
+  return Value * Radix + Digit;
+}
+
+// Reads the run of decimal digits at *Text, moving *Text past it. Counts
+// the digits in *DigitCount when it is not NULL.
+UINT64 ReadDigits(const CHAR16 **Text, UINTN *DigitCount) {
+  UINT64 Value = 0;
+  UINTN Count = 0;
+  for (; IsDecimalDigit(**Text); (*Text)++) {
+    Value = AppendDigit(Value, 10, static_cast<UINT32>(**Text - u'0'));
+    Count++;
+  }
+  if (DigitCount != nullptr) {
+    *DigitCount = Count;
+  }
+  return Value;
+}
+
+// TRUE when the two strings are equal; NULL equals nothing.
+bool Equals(const CHAR16 *Text, const CHAR16 *Word) {
+  return Text != nullptr && StrCmp(Text, Word) == 0;
+}
+
+}  // namespace
+
+// TRUE when Line begins with Prefix.
+BOOLEAN RaidLibStartsWith(const CHAR16 *Line, const CHAR16 *Prefix) {
+  if (Line == nullptr || Prefix == nullptr) {
+    return FALSE;
+  }
+  for (UINTN Index = 0; Prefix[Index] != 0; Index++) {
+    if (Line[Index] != Prefix[Index]) {
+      return FALSE;  // Also stops at the end of a shorter line.
+    }
+  }
+  return TRUE;
+}
+
+// TRUE when Needle occurs in Line.
+BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
+  if (Line == nullptr || Needle == nullptr) {
+    return FALSE;
+  }
+  return StrStr(Line, Needle) != nullptr ? TRUE : FALSE;
+}
+
+// TRUE for the six white-space characters of C.
+BOOLEAN RaidLibIsSpace(CHAR16 Char) {
+  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
+          Char == u'\f' || Char == u'\v')
+             ? TRUE
+             : FALSE;
+}
+
+// Strips white space from both ends of Line in place.
+CHAR16 *RaidLibTrim(CHAR16 *Line) {
+  if (Line == nullptr) {
+    return nullptr;
+  }
+  UINTN Start = 0;
+  while (Line[Start] != 0 && RaidLibIsSpace(Line[Start])) {
+    Start++;
+  }
+  UINTN End = Start + StrLen(Line + Start);
+  while (End > Start && RaidLibIsSpace(Line[End - 1])) {
+    End--;
+  }
+  UINTN Length = End - Start;
+  if (Start != 0) {
+    CopyMem(Line, Line + Start, Length * sizeof(CHAR16));
+  }
+  Line[Length] = 0;
+  return Line;
+}
+
+// Returns the next token of Line (or of the text behind *SavePtr).
+CHAR16 *RaidLibTokenize(CHAR16 *Line, const CHAR16 *Delimiters,
+                        CHAR16 **SavePtr) {
+  if (SavePtr == nullptr) {
+    return nullptr;
+  }
+  CHAR16 *Cursor = Line != nullptr ? Line : *SavePtr;
+  if (Cursor == nullptr) {
+    return nullptr;
+  }
+  while (*Cursor != 0 && IsDelimiter(*Cursor, Delimiters)) {
+    Cursor++;
+  }
+  if (*Cursor == 0) {
+    *SavePtr = Cursor;
+    return nullptr;
+  }
+  CHAR16 *Token = Cursor;
+  while (*Cursor != 0 && !IsDelimiter(*Cursor, Delimiters)) {
+    Cursor++;
+  }
+  if (*Cursor != 0) {
+    *Cursor++ = 0;
+  }
+  *SavePtr = Cursor;
+  return Token;
+}
+
+// The tokens of Line in a NULL-terminated pool array.
+CHAR16 **RaidLibSplit(CHAR16 *Line, const CHAR16 *Delimiters) {
+  CHAR16 **Tokens = static_cast<CHAR16 **>(AllocateZeroPool(sizeof(CHAR16 *)));
+  if (Tokens == nullptr) {
+    return nullptr;
+  }
+  UINTN Count = 0;
+  CHAR16 *Position = nullptr;
+  for (CHAR16 *Token = RaidLibTokenize(Line, Delimiters, &Position);
+       Token != nullptr; Token = RaidLibTokenize(nullptr, Delimiters, &Position)) {
+    CHAR16 **Grown =
+        static_cast<CHAR16 **>(AllocatePool((Count + 2) * sizeof(CHAR16 *)));
+    if (Grown == nullptr) {
+      FreePool(Tokens);
+      return nullptr;
+    }
+    CopyMem(Grown, Tokens, Count * sizeof(CHAR16 *));
+    Grown[Count++] = Token;
+    Grown[Count] = nullptr;
+    FreePool(Tokens);
+    Tokens = Grown;
+  }
+  return Tokens;
+}
+
+// Releases a RaidLibSplit array.
+VOID RaidLibFreeSplit(CHAR16 **Tokens) { FreePool(Tokens); }
+
+// Reads "whole.fraction" as thousandths.
+UINT64 RaidLibReadThousandths(const CHAR16 *Text) {
+  if (Text == nullptr) {
+    return 0;
+  }
+  const CHAR16 *Cursor = SkipBlanks(Text);
+  UINT64 Whole = ReadDigits(&Cursor, nullptr);
+  UINT64 Fraction = 0;
+  if (*Cursor == u'.') {
+    Cursor++;
+    UINTN Digits = 0;
+    Fraction = ReadDigits(&Cursor, &Digits);
+    if (Digits > 3) {
+      return 0;
+    }
+    for (; Digits < 3; Digits++) {
+      Fraction *= 10;
+    }
+  }
+  if (Whole > (kMaxUint64 - Fraction) / 1000) {
+    return kMaxUint64;
+  }
+  return Whole * 1000 + Fraction;
+}
+
+// "MB" 0, "GB" 1, "TB" 2, else 3.
+UINT32 RaidLibUnitCode(const CHAR16 *Unit) {
+  if (Equals(Unit, u"MB")) {
+    return 0;
+  }
+  if (Equals(Unit, u"GB")) {
+    return 1;
+  }
+  if (Equals(Unit, u"TB")) {
+    return 2;
+  }
+  return 3;
+}
+
+// Media type code of an interface and medium pair.
+UINT32 RaidLibMediaCode(const CHAR16 *Interface, const CHAR16 *Medium) {
+  bool Hdd = Equals(Medium, u"HDD");
+  bool Ssd = Equals(Medium, u"SSD");
+  if (Equals(Interface, u"SATA")) {
+    return Hdd ? 0 : Ssd ? 1 : 5;
+  }
+  if (Equals(Interface, u"SAS")) {
+    return Hdd ? 2 : Ssd ? 3 : 5;
+  }
+  if (Equals(Interface, u"PCIe") || Equals(Interface, u"NVMe")) {
+    return Ssd ? 4 : 5;
+  }
+  return 5;
+}
+
+// Reads leading decimal digits.
+UINT64 RaidLibReadDecimal(const CHAR16 *Text) {
+  if (Text == nullptr) {
+    return 0;
+  }
+  const CHAR16 *Cursor = SkipBlanks(Text);
+  return ReadDigits(&Cursor, nullptr);
+}
+
+// Reads a hexadecimal number with an optional "0x".
+UINT64 RaidLibReadHex(const CHAR16 *Text) {
+  if (Text == nullptr) {
+    return 0;
+  }
+  const CHAR16 *Cursor = SkipBlanks(Text);
+  bool SawZero = false;
+  while (*Cursor == u'0') {
+    Cursor++;
+    SawZero = true;
+  }
+  if (SawZero && (*Cursor == u'x' || *Cursor == u'X')) {
+    Cursor++;
+  }
+  UINT64 Value = 0;
+  for (; HexDigitValue(*Cursor) >= 0; Cursor++) {
+    Value = AppendDigit(Value, 16, static_cast<UINT32>(HexDigitValue(*Cursor)));
+  }
+  return Value;
+}
+
+// A pool copy of Source.
+CHAR16 *AllocDestStr(const CHAR16 *Source) {
+  if (Source == nullptr) {
+    return nullptr;
+  }
+  CHAR16 *Copy =
+      static_cast<CHAR16 *>(AllocateCopyPool(StrSize(Source), Source));
+  if (Copy == nullptr) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Out of resource\n");
+  }
+  return Copy;
+}

@@ -1,0 +1,77 @@
+// Text helpers the vendor backends use on their tools' output (CHAR16).
+//
+// Tool output arrives as lines ending in CR LF; the helpers never read past
+// a terminator, accept NULL where a string is expected (as no text), and
+// never fail on malformed numbers: what cannot be read is 0.
+#pragma once
+
+#include <Uefi.h>
+
+// TRUE when Line is at least as long as Prefix and begins with it. An empty
+// prefix matches every line; NULL never matches.
+BOOLEAN RaidLibStartsWith(const CHAR16 *Line, const CHAR16 *Prefix);
+
+// TRUE when Needle occurs anywhere in Line (an empty needle always does);
+// NULL never matches.
+BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
+
+// TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
+BOOLEAN RaidLibIsSpace(CHAR16 Char);
+
+// Removes leading and trailing is-space characters in place; the text moves
+// to the start of the buffer so the caller's pointer stays valid for
+// FreePool. Returns Line (NULL for NULL).
+CHAR16 *RaidLibTrim(CHAR16 *Line);
+
+// Splits text on any character of Delimiters like a classic token function:
+// the first call passes the line, later calls pass NULL and continue where
+// the previous one stopped. The position lives in *SavePtr, owned by the
+// caller, so walks can nest. The line is modified (each token's end gets a
+// terminator). Runs of delimiters produce no empty tokens. Returns the next
+// token, or NULL when none is left.
+CHAR16 *RaidLibTokenize(CHAR16 *Line, const CHAR16 *Delimiters,
+                        CHAR16 **SavePtr);
+
+// The tokens of Line (as RaidLibTokenize finds them) in a NULL-terminated
+// array from the pool, grown one slot at a time. The tokens point into Line,
+// which is modified and must outlive the array. A line without tokens (or
+// NULL) gives an array holding only the NULL end mark. Returns NULL when the
+// pool is exhausted, with nothing left allocated. Release with
+// RaidLibFreeSplit.
+CHAR16 **RaidLibSplit(CHAR16 *Line, const CHAR16 *Delimiters);
+
+// Releases an array from RaidLibSplit (not the line it points into); NULL is
+// ignored.
+VOID RaidLibFreeSplit(CHAR16 **Tokens);
+
+// Reads a size figure as thousandths of its unit: the whole part times 1000
+// plus the fraction digits read as thousandths ("1.090" 1090, "5.5" 5500,
+// "2.09" 2090, "7" 7000). A fraction of four or more digits makes the value
+// 0. Leading blanks and tabs are skipped; the number ends at the first
+// character that does not belong to it (so "1.090TB" reads 1090). Values too
+// large for 64 bits give the largest value.
+UINT64 RaidLibReadThousandths(const CHAR16 *Text);
+
+// Unit code of a unit word: "MB" 0, "GB" 1, "TB" 2, anything else 3. The
+// comparison is exact and case-sensitive.
+UINT32 RaidLibUnitCode(const CHAR16 *Unit);
+
+// Media type code from the tool's interface and medium words: SATA HDD 0,
+// SATA SSD 1, SAS HDD 2, SAS SSD 3, PCIe SSD 4, NVMe SSD 4, anything else 5.
+// Exact, case-sensitive comparisons.
+UINT32 RaidLibMediaCode(const CHAR16 *Interface, const CHAR16 *Medium);
+
+// Reads the decimal digits at the start of Text after leading blanks and
+// tabs, stopping at the first non-digit. No digits give 0; values too large
+// for 64 bits give the largest value.
+UINT64 RaidLibReadDecimal(const CHAR16 *Text);
+
+// Reads a hexadecimal number: leading blanks, tabs and zeros are skipped, an
+// "x" or "X" directly after a zero is skipped ("0x1B4B", "0X1b4b"), and the
+// number stops at the first non-hex character. No digits give 0; values too
+// large for 64 bits give the largest value.
+UINT64 RaidLibReadHex(const CHAR16 *Text);
+
+// A copy of Source from the pool. NULL for a NULL source, and NULL after the
+// trace "[AllocDestStr] Out of resource" when the pool is exhausted.
+CHAR16 *AllocDestStr(const CHAR16 *Source);
