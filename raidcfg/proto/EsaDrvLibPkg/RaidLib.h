@@ -11,17 +11,11 @@
 
 #include <Uefi.h>
 
-// ---- Library version, traced by every entry point of the core -------------
-
-#define RAID_LIB_VERSION_MAJOR 0
-#define RAID_LIB_VERSION_MINOR 34
-#define RAID_LIB_VERSION_PATCH 0
-
 // ---- Error codes written through every operation's ErrorCode --------------
 
 #define RAID_ERROR_NONE 0x00000000U
 // Base of the core's codes; a failed firmware service adds its status's low
-// 12 bits (RaidErrorFromStatus).
+// 12 bits (RaidLibFirmwareErrorCode).
 #define RAID_ERROR_BASE 0x00200000U
 #define RAID_ERROR_OUT_OF_RESOURCES 0x00200009U  // from EFI_OUT_OF_RESOURCES
 #define RAID_ERROR_NOT_FOUND 0x0020000EU         // from EFI_NOT_FOUND
@@ -30,7 +24,7 @@
 #define RAID_ERROR_MISSING 0x00200021U
 
 // The error code for a firmware service that failed with Status.
-constexpr UINT32 RaidErrorFromStatus(EFI_STATUS Status) {
+constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
   return RAID_ERROR_BASE | static_cast<UINT32>(Status & 0xFFF);
 }
 
@@ -46,16 +40,16 @@ constexpr UINT32 RaidErrorFromStatus(EFI_STATUS Status) {
 #define RAID_TOOL_TYPE_MATCHED 1
 // ToolType once the backend is bound: the backend family.
 #define RAID_TOOL_TYPE_STORCLI 0
-#define RAID_TOOL_TYPE_M2 1
-#define RAID_TOOL_TYPE_RSTE 2
+#define RAID_TOOL_TYPE_MARVELL 1  // Marvell M.2
+#define RAID_TOOL_TYPE_INTEL 2    // Intel RSTe/VROC
 #define RAID_TOOL_TYPE_ARCCONF 3
 
 // Family numbers read from an operation table's signature
-// (RaidLibGetControllerFamily).
-#define RAID_FAMILY_LSI 0
-#define RAID_FAMILY_M2 1
-#define RAID_FAMILY_RSTE 2
-#define RAID_FAMILY_ARC 3
+// (RaidLibControllerFamily, RaidLibFamilyOfSignature).
+#define RAID_FAMILY_STORCLI 0  // "$lsi"
+#define RAID_FAMILY_MARVELL 1  // "$m.2"
+#define RAID_FAMILY_INTEL 2    // "rste"
+#define RAID_FAMILY_ARCCONF 3  // "$arc"
 #define RAID_FAMILY_UNKNOWN 4  // a signature of no known backend
 #define RAID_FAMILY_NONE 5     // no controller or no private record
 
@@ -424,3 +418,82 @@ struct _RAID_VOLUME_PARAMETER {
 extern LIST_ENTRY gControllerList;
 // The capability record raid.xml's parsing is building; NULL otherwise.
 extern RAID_CAPABILITY *gCapability;
+
+// ---- Releasing records (RaidLibRelease.cpp) ---------------------------------
+// Each frees every record and string exactly once and copes with partly
+// built records: NULL fields, and list heads that are empty or were never
+// initialised (both links NULL). Lists emptied by them are left initialised.
+
+// A drive with its Location, Model and Position; the caller unlinks it.
+VOID RaidLibFreePhysicalDrive(RAID_PHYSICAL_DRIVE *Drive);
+// Every drive of a drive list.
+VOID RaidLibFreeDriveList(LIST_ENTRY *DriveList);
+// A volume or free segment with its Name and Extra; the caller unlinks it.
+VOID RaidLibFreeSegment(RAID_VOLUME *Segment);
+// Every array of an array list: per array its Name, its drives, then its
+// segments, then its Extra and itself.
+VOID RaidLibFreeArrayLink(LIST_ENTRY *ArrayList);
+// A capability with all its lists and strings.
+VOID RaidLibFreeCapability(RAID_CAPABILITY *Capability);
+// A whole controller: Name, FirmwareVersion, SerialNumber, DriveTable, the
+// capability, the drives of PhysicalDriveList and SpareDriveList, the arrays,
+// the private record's strings, the private record and the controller. The
+// controller is unlinked first when it still sits in a list.
+VOID RaidLibFreeController(RAID_CONTROLLER *Controller);
+
+// ---- Segment order (RaidLibSegment.cpp) -------------------------------------
+
+// Links a free segment into its array's SegmentList by the volume it lies
+// after (Segment->State): none -> at the head; else directly ahead of the
+// first record whose Id is that number; no such record -> at the tail.
+VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment);
+
+// ---- Profile words (RaidLibWords.cpp) ---------------------------------------
+
+typedef enum {
+  RaidPolicyRead,
+  RaidPolicyWrite,
+  RaidPolicyIo,
+  RaidPolicyDiskCache,
+  RaidPolicyStripeSize,
+} RAID_POLICY_KIND;
+
+// The code of a policy or stripe-size word in its list (exact, case
+// included); the list's "other" code for any other word or NULL.
+UINT32 RaidLibPolicyValue(RAID_POLICY_KIND Kind, const CHAR16 *Word);
+// The list's "any other text" code (2, 3, 2, 3, 2049).
+UINT32 RaidLibPolicyOtherValue(RAID_POLICY_KIND Kind);
+
+// ---- Backend families and binding (RaidLibBinding.cpp) ----------------------
+
+// The family of a signature ("$lsi" 0, "$m.2" 1, "rste" 2, "$arc" 3, else
+// 4); RAID_FAMILY_NONE for NULL. The signature is read within its 8 bytes.
+UINT32 RaidLibFamilyOfSignature(const CHAR8 *Signature);
+// The family of a controller's bound backend; RAID_FAMILY_NONE without a
+// controller or private record.
+UINT32 RaidLibControllerFamily(const RAID_CONTROLLER *Controller);
+
+// Fills an operation table with one family's backend.
+typedef VOID (*RAID_BIND_BACKEND)(RAID_OPERATIONS *Operations);
+
+// One row of the backend binding table.
+typedef struct {
+  RAID_BIND_BACKEND Bind;
+  UINT16 VendorId;
+  const CHAR16 *ToolFile;
+  const CHAR8 *Signature;
+  BOOLEAN Enabled;
+} RAID_BACKEND_BINDING;
+
+#define RAID_BACKEND_BINDING_COUNT 4
+extern const RAID_BACKEND_BINDING gRaidBackendBindings[RAID_BACKEND_BINDING_COUNT];
+
+// The four families' binding operations.
+VOID LsiBindBackend(RAID_OPERATIONS *Operations);
+VOID MchpBindBackend(RAID_OPERATIONS *Operations);
+VOID M2BindBackend(RAID_OPERATIONS *Operations);
+VOID RsteBindBackend(RAID_OPERATIONS *Operations);
+
+// Applies the binding table to every controller of gControllerList that
+// matched the database, has a capability and carries the row's vendor id.
+VOID RaidLibBindBackends();

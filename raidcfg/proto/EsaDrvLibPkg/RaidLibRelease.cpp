@@ -1,0 +1,147 @@
+// Releasing the RAID model: drives, segments, arrays, capabilities and whole
+// controllers. Records may be partly built (discovery or a parse that ran
+// out of memory), so NULL fields and never-initialised list heads are fine.
+#include <Library/MemoryAllocationLib.h>
+
+#include "RaidLib.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+// A zeroed record's list head has NULL links: it holds nothing.
+bool HoldsRecords(const LIST_ENTRY *Head) {
+  return Head->ForwardLink != nullptr && !IsListEmpty(Head);
+}
+
+// Unlinks and returns the first record of a list, or NULL when it is empty.
+// The head is left initialised once the last record is gone.
+template <auto Link>
+typename uefi::LinkTraits<Link>::Type *TakeFirst(LIST_ENTRY *Head) {
+  if (!HoldsRecords(Head)) {
+    InitializeListHead(Head);
+    return nullptr;
+  }
+  LIST_ENTRY *Node = GetFirstNode(Head);
+  RemoveEntryList(Node);
+  return uefi::RecordOf<Link>(Node);
+}
+
+// Frees the string and clears the pointer, so a second release is harmless.
+template <typename T>
+VOID FreeField(T *&Field) {
+  FreePool(Field);
+  Field = nullptr;
+}
+
+VOID FreeLevelList(LIST_ENTRY *Head) {
+  while (RAID_LEVEL_CAP *Level = TakeFirst<&RAID_LEVEL_CAP::Link>(Head)) {
+    FreePool(Level->Name);
+    FreePool(Level);
+  }
+}
+
+VOID FreePolicyList(LIST_ENTRY *Head) {
+  while (RAID_POLICY_ENTRY *Entry =
+             TakeFirst<&RAID_POLICY_ENTRY::Link>(Head)) {
+    FreePool(Entry->Name);
+    FreePool(Entry);
+  }
+}
+
+VOID FreeSegmentList(LIST_ENTRY *Head) {
+  while (RAID_VOLUME *Segment = TakeFirst<&RAID_VOLUME::Link>(Head)) {
+    RaidLibFreeSegment(Segment);
+  }
+}
+
+// One array's Name, drives, segments, Extra and the record.
+VOID FreeArray(RAID_ARRAY *Array) {
+  FreePool(Array->Name);
+  RaidLibFreeDriveList(&Array->DriveList);
+  FreeSegmentList(&Array->SegmentList);
+  FreePool(Array->Extra);
+  FreePool(Array);
+}
+
+}  // namespace
+
+// Frees a drive with its strings and position.
+VOID RaidLibFreePhysicalDrive(RAID_PHYSICAL_DRIVE *Drive) {
+  if (Drive == nullptr) {
+    return;
+  }
+  FreePool(Drive->Location);
+  FreePool(Drive->Model);
+  FreePool(Drive->Position);
+  FreePool(Drive);
+}
+
+// Frees every drive of a list and leaves the list empty.
+VOID RaidLibFreeDriveList(LIST_ENTRY *DriveList) {
+  while (RAID_PHYSICAL_DRIVE *Drive =
+             TakeFirst<&RAID_PHYSICAL_DRIVE::Link>(DriveList)) {
+    RaidLibFreePhysicalDrive(Drive);
+  }
+}
+
+// Frees a volume or free segment with its Name and Extra.
+VOID RaidLibFreeSegment(RAID_VOLUME *Segment) {
+  if (Segment == nullptr) {
+    return;
+  }
+  FreePool(Segment->Name);
+  FreePool(Segment->Extra);
+  FreePool(Segment);
+}
+
+// Frees every array of a list with all it owns and leaves the list empty.
+VOID RaidLibFreeArrayLink(LIST_ENTRY *ArrayList) {
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
+  while (RAID_ARRAY *Array = TakeFirst<&RAID_ARRAY::Link>(ArrayList)) {
+    FreeArray(Array);
+  }
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] end\n");
+}
+
+// Frees a capability record with its six lists and two strings.
+VOID RaidLibFreeCapability(RAID_CAPABILITY *Capability) {
+  if (Capability == nullptr) {
+    return;
+  }
+  FreePool(Capability->ControllerName);
+  FreeLevelList(&Capability->LevelList);
+  FreePolicyList(&Capability->ReadPolicyList);
+  FreePolicyList(&Capability->WritePolicyList);
+  FreePolicyList(&Capability->IoPolicyList);
+  FreePolicyList(&Capability->DiskCachePolicyList);
+  FreePolicyList(&Capability->StripeSizeList);
+  FreePool(Capability->ToolName);
+  FreePool(Capability);
+}
+
+// Frees a controller and everything it owns, in the order of FinalizeRaid.
+// StorageId is the private record's own copy and goes with it as well.
+VOID RaidLibFreeController(RAID_CONTROLLER *Controller) {
+  if (Controller == nullptr) {
+    return;
+  }
+  if (Controller->Link.ForwardLink != nullptr) {
+    RemoveEntryList(&Controller->Link);
+  }
+  FreeField(Controller->Name);
+  FreeField(Controller->FirmwareVersion);
+  FreeField(Controller->SerialNumber);
+  FreeField(Controller->DriveTable);
+  RaidLibFreeCapability(Controller->Capability);
+  Controller->Capability = nullptr;
+  RaidLibFreeDriveList(&Controller->PhysicalDriveList);
+  RaidLibFreeDriveList(&Controller->SpareDriveList);
+  RaidLibFreeArrayLink(&Controller->ArrayList);
+  if (RAID_CONTROLLER_PRIVATE *Private = Controller->Private) {
+    FreePool(Private->ProductName);
+    FreePool(Private->AuxString);
+    FreePool(Private->StorageId);
+    FreePool(Private);
+  }
+  FreePool(Controller);
+}
