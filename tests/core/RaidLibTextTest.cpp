@@ -1,0 +1,266 @@
+// The text helpers the backends apply to tool output.
+#include <Library/BaseLib.h>
+#include <Library/MemoryAllocationLib.h>
+#include <gtest/gtest.h>
+#include <proto/EsaDrvLibPkg/RaidLibText.h>
+#include <proto/EsaDrvLibPkg/RaidLibTrace.h>
+
+#include <string>
+#include <vector>
+
+#include "TestPool.h"
+
+namespace {
+
+using Tokens = std::vector<std::u16string>;
+
+TEST(RaidLibText, ThousandthsByFractionDigits) {
+  struct Case {
+    const CHAR16 *Text;
+    UINT64 Expected;
+  } Cases[] = {
+      {u"7", 7000},         {u"5.5", 5500},        {u"2.09", 2090},
+      {u"1.090", 1090},     {u"1.0900", 0},        {u"3.14159", 0},
+      {u"0.001", 1},        {u"1.", 1000},         {u".5", 500},
+      {u"1.090TB", 1090},   {u"  \t12.5", 12500},  {u"", 0},
+      {u"abc", 0},          {u"-1.5", 0},
+      {u"18446744073709551615", ~(UINT64)0},
+  };
+  for (const Case &Row : Cases) {
+    EXPECT_EQ(RaidLibReadThousandths(Row.Text), Row.Expected)
+        << std::string(Row.Text, Row.Text + StrLen(Row.Text));
+  }
+  EXPECT_EQ(RaidLibReadThousandths(nullptr), 0u);
+}
+
+TEST(RaidLibText, DecimalRead) {
+  struct Case {
+    const CHAR16 *Text;
+    UINT64 Expected;
+  } Cases[] = {
+      {u"252", 252},       {u"252:3", 252},    {u" \t42 ", 42},
+      {u"007", 7},         {u"", 0},           {u"x1", 0},
+      {u"-5", 0},          {u"18446744073709551615", ~(UINT64)0},
+      {u"99999999999999999999999", ~(UINT64)0},
+  };
+  for (const Case &Row : Cases) {
+    EXPECT_EQ(RaidLibReadDecimal(Row.Text), Row.Expected);
+  }
+  EXPECT_EQ(RaidLibReadDecimal(nullptr), 0u);
+}
+
+TEST(RaidLibText, HexRead) {
+  struct Case {
+    const CHAR16 *Text;
+    UINT64 Expected;
+  } Cases[] = {
+      {u"1000", 0x1000},       {u"0x1B4B", 0x1B4B},  {u"0X1b4b", 0x1B4B},
+      {u"  \t0x8086", 0x8086}, {u"000079", 0x79},    {u"00x10", 0x10},
+      {u"0x", 0},              {u"x10", 0},          {u"10x", 0x10},
+      {u"9261\"", 0x9261},     {u"fg", 0xF},         {u"", 0},
+      {u"0x0000ffffffffffffffff", ~(UINT64)0},
+      {u"1ffffffffffffffff", ~(UINT64)0},
+  };
+  for (const Case &Row : Cases) {
+    EXPECT_EQ(RaidLibReadHex(Row.Text), Row.Expected)
+        << std::string(Row.Text, Row.Text + StrLen(Row.Text));
+  }
+  EXPECT_EQ(RaidLibReadHex(nullptr), 0u);
+}
+
+TEST(RaidLibText, UnitAndMediaCodes) {
+  EXPECT_EQ(RaidLibUnitCode(u"MB"), 0u);
+  EXPECT_EQ(RaidLibUnitCode(u"GB"), 1u);
+  EXPECT_EQ(RaidLibUnitCode(u"TB"), 2u);
+  EXPECT_EQ(RaidLibUnitCode(u"tb"), 3u);
+  EXPECT_EQ(RaidLibUnitCode(u"TB "), 3u);
+  EXPECT_EQ(RaidLibUnitCode(u"KB"), 3u);
+  EXPECT_EQ(RaidLibUnitCode(nullptr), 3u);
+
+  struct Case {
+    const CHAR16 *Interface;
+    const CHAR16 *Medium;
+    UINT32 Expected;
+  } Cases[] = {
+      {u"SATA", u"HDD", 0}, {u"SATA", u"SSD", 1}, {u"SAS", u"HDD", 2},
+      {u"SAS", u"SSD", 3},  {u"PCIe", u"SSD", 4}, {u"NVMe", u"SSD", 4},
+      {u"NVMe", u"HDD", 5}, {u"sata", u"HDD", 5}, {u"SATA", u"TAPE", 5},
+      {u"SCSI", u"HDD", 5}, {nullptr, u"SSD", 5}, {u"SAS", nullptr, 5},
+  };
+  for (const Case &Row : Cases) {
+    EXPECT_EQ(RaidLibMediaCode(Row.Interface, Row.Medium), Row.Expected);
+  }
+}
+
+TEST(RaidLibText, StartsWithContainsIsSpace) {
+  EXPECT_TRUE(RaidLibStartsWith(u"Bus Number = 3", u"Bus Number"));
+  EXPECT_TRUE(RaidLibStartsWith(u"Bus", u"Bus"));
+  EXPECT_FALSE(RaidLibStartsWith(u"Bu", u"Bus"));
+  EXPECT_FALSE(RaidLibStartsWith(u" Bus", u"Bus"));
+  EXPECT_TRUE(RaidLibStartsWith(u"x", u""));
+  EXPECT_FALSE(RaidLibStartsWith(nullptr, u""));
+  EXPECT_TRUE(RaidLibContains(u"Slot 12", u"Slot 1"));
+  EXPECT_FALSE(RaidLibContains(u"Slot 12", u"Slot 3"));
+  EXPECT_FALSE(RaidLibContains(nullptr, u"a"));
+  for (CHAR16 Space : std::u16string(u" \n\t\r\f\v")) {
+    EXPECT_TRUE(RaidLibIsSpace(Space));
+  }
+  EXPECT_FALSE(RaidLibIsSpace(0));
+  EXPECT_FALSE(RaidLibIsSpace(u'\u00a0'));
+  EXPECT_FALSE(RaidLibIsSpace(u'a'));
+}
+
+TEST(RaidLibText, TrimInPlace) {
+  struct Case {
+    std::u16string Text;
+    std::u16string Expected;
+  } Cases[] = {
+      {u"  Optl \r", u"Optl"}, {u"\t\v\f x y \n", u"x y"}, {u"plain", u"plain"},
+      {u" \r\n ", u""},        {u"", u""},
+  };
+  for (Case &Row : Cases) {
+    std::u16string Buffer = Row.Text;
+    CHAR16 *Start = Buffer.data();
+    EXPECT_EQ(RaidLibTrim(Start), Start);
+    EXPECT_EQ(std::u16string(Start), Row.Expected);
+  }
+  EXPECT_EQ(RaidLibTrim(nullptr), nullptr);
+}
+
+// All tokens of Text on Delimiters, by repeated RaidLibTokenize calls.
+Tokens TokenizeAll(std::u16string Text, const CHAR16 *Delimiters) {
+  Tokens Result;
+  CHAR16 *Position = nullptr;
+  for (CHAR16 *Token = RaidLibTokenize(Text.data(), Delimiters, &Position);
+       Token != nullptr; Token = RaidLibTokenize(nullptr, Delimiters, &Position)) {
+    Result.emplace_back(Token);
+  }
+  return Result;
+}
+
+struct TokenCase {
+  std::u16string Text;
+  const CHAR16 *Delimiters;
+  Tokens Expected;
+};
+
+const TokenCase kTokenCases[] = {
+    {u"252:0  5 UGood", u" ", {u"252:0", u"5", u"UGood"}},
+    {u"  a   b  ", u" ", {u"a", u"b"}},
+    {u"a::b:\r\n", u":\r\n", {u"a", u"b"}},
+    {u"\r", u"\n", {u"\r"}},
+    {u"\r", u" \r\n", {}},
+    {u"line1\r\nline2\r\n\r\n", u"\n", {u"line1\r", u"line2\r", u"\r"}},
+    {u"", u" ", {}},
+    {u"whole", u"", {u"whole"}},
+    {u"whole line", nullptr, {u"whole line"}},
+};
+
+TEST(RaidLibText, TokenizeOnDelimiterSets) {
+  for (const TokenCase &Row : kTokenCases) {
+    EXPECT_EQ(TokenizeAll(Row.Text, Row.Delimiters), Row.Expected);
+  }
+}
+
+TEST(RaidLibText, TokenizeNestsWithSeparatePositions) {
+  std::u16string Text = u"a=1,b=2";
+  CHAR16 *Outer = nullptr;
+  Tokens Seen;
+  for (CHAR16 *Pair = RaidLibTokenize(Text.data(), u",", &Outer);
+       Pair != nullptr; Pair = RaidLibTokenize(nullptr, u",", &Outer)) {
+    CHAR16 *Inner = nullptr;
+    for (CHAR16 *Part = RaidLibTokenize(Pair, u"=", &Inner); Part != nullptr;
+         Part = RaidLibTokenize(nullptr, u"=", &Inner)) {
+      Seen.emplace_back(Part);
+    }
+  }
+  EXPECT_EQ(Seen, (Tokens{u"a", u"1", u"b", u"2"}));
+  EXPECT_EQ(RaidLibTokenize(nullptr, u",", &Outer), nullptr);
+  EXPECT_EQ(RaidLibTokenize(Text.data(), u",", nullptr), nullptr);
+}
+
+// Pool-backed helpers: every test checks that nothing is left allocated.
+class RaidLibPoolTest : public ::testing::Test {
+ protected:
+  void TearDown() override { EXPECT_EQ(Pool_.Outstanding(), 0u); }
+  test::ScopedTestPool Pool_;
+};
+
+TEST_F(RaidLibPoolTest, SplitMatchesTokenize) {
+  for (const TokenCase &Row : kTokenCases) {
+    std::u16string Text = Row.Text;
+    CHAR16 **Array = RaidLibSplit(Text.data(), Row.Delimiters);
+    ASSERT_NE(Array, nullptr);
+    Tokens Result;
+    for (CHAR16 **Cursor = Array; *Cursor != nullptr; Cursor++) {
+      Result.emplace_back(*Cursor);
+    }
+    EXPECT_EQ(Result, Row.Expected);
+    RaidLibFreeSplit(Array);
+  }
+  CHAR16 **Empty = RaidLibSplit(nullptr, u" ");
+  ASSERT_NE(Empty, nullptr);
+  EXPECT_EQ(Empty[0], nullptr);
+  RaidLibFreeSplit(Empty);
+  RaidLibFreeSplit(nullptr);
+}
+
+TEST_F(RaidLibPoolTest, SplitFailureAtAnyAllocationLeaksNothing) {
+  // Three tokens take four allocations (the empty array, then one growth per
+  // token); fail each one in turn.
+  for (long Budget = 0; Budget < 4; Budget++) {
+    std::u16string Text = u"a b c";
+    Pool_.FailAfter(Budget);
+    EXPECT_EQ(RaidLibSplit(Text.data(), u" "), nullptr) << Budget;
+    EXPECT_EQ(Pool_.Outstanding(), 0u) << Budget;
+  }
+  Pool_.FailAfter(4);
+  std::u16string Text = u"a b c";
+  CHAR16 **Array = RaidLibSplit(Text.data(), u" ");
+  ASSERT_NE(Array, nullptr);
+  RaidLibFreeSplit(Array);
+}
+
+// A setup protocol whose print service records its calls.
+struct TraceCall {
+  UINT32 Level;
+  std::string Format;
+  std::string Function;
+};
+std::vector<TraceCall> gTraceCalls;
+
+VOID EFIAPI RecordDebugPrint(UINT32 Level, const CHAR8 *Format, ...) {
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  const CHAR8 *Function = VA_ARG(Marker, const CHAR8 *);
+  VA_END(Marker);
+  gTraceCalls.push_back({Level, Format, Function});
+}
+
+TEST_F(RaidLibPoolTest, AllocDestStrCopiesOrTracesOutOfResource) {
+  TARN_SETUP_PROTOCOL Setup{};
+  Setup.DebugPrint = RecordDebugPrint;
+  gRaidLibSetupProtocol = &Setup;
+  gTraceCalls.clear();
+
+  CHAR16 *Copy = AllocDestStr(u"MegaRAID 9560");
+  ASSERT_NE(Copy, nullptr);
+  EXPECT_EQ(std::u16string(Copy), u"MegaRAID 9560");
+  FreePool(Copy);
+  EXPECT_EQ(AllocDestStr(nullptr), nullptr);
+  EXPECT_TRUE(gTraceCalls.empty());
+
+  Pool_.FailAfter(0);
+  EXPECT_EQ(AllocDestStr(u"x"), nullptr);
+  ASSERT_EQ(gTraceCalls.size(), 1u);
+  EXPECT_EQ(gTraceCalls[0].Level, 0x80000000u);
+  EXPECT_EQ(gTraceCalls[0].Format, "[%a] Out of resource\n");
+  EXPECT_EQ(gTraceCalls[0].Function, "AllocDestStr");
+
+  // Without the protocol the failure is silent.
+  gRaidLibSetupProtocol = nullptr;
+  EXPECT_EQ(AllocDestStr(u"x"), nullptr);
+  EXPECT_EQ(gTraceCalls.size(), 1u);
+}
+
+}  // namespace
