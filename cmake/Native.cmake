@@ -27,7 +27,6 @@ function(add_fuzz_target name)
   add_executable(${name} ${FUZZ_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE ${FUZZ_LIBRARIES})
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-  set_property(GLOBAL APPEND PROPERTY RAIDCFG_FUZZ_TARGETS ${name})
 endfunction()
 
 # add_benchmark_target(<name> <sources...> [LIBRARIES <libraries...>])
@@ -43,12 +42,24 @@ function(add_benchmark_target name)
 endfunction()
 
 # Writes <build>/fuzz-targets.txt: one line per fuzz target, its name, a
-# tab, and its executable's path. Called once all directories are added.
+# tab, and its executable's path. A fuzz target is any executable linked
+# with -fsanitize=fuzzer, whether add_fuzz_target() made it or not. Called
+# once all directories are added.
 function(write_fuzz_target_list)
-  get_property(targets GLOBAL PROPERTY RAIDCFG_FUZZ_TARGETS)
   set(lines "")
-  foreach(target IN LISTS targets)
-    string(APPEND lines "${target}\t$<TARGET_FILE:${target}>\n")
-  endforeach()
+  set(directories ${PROJECT_SOURCE_DIR})
+  while(directories)
+    list(POP_FRONT directories directory)
+    get_property(subdirectories DIRECTORY ${directory} PROPERTY SUBDIRECTORIES)
+    list(APPEND directories ${subdirectories})
+    get_property(targets DIRECTORY ${directory} PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+      get_target_property(type ${target} TYPE)
+      get_target_property(options ${target} LINK_OPTIONS)
+      if(type STREQUAL "EXECUTABLE" AND "-fsanitize=fuzzer" IN_LIST options)
+        string(APPEND lines "${target}\t$<TARGET_FILE:${target}>\n")
+      endif()
+    endforeach()
+  endwhile()
   file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/fuzz-targets.txt CONTENT "${lines}")
 endfunction()
