@@ -1,0 +1,107 @@
+// The shell-command service and its bounded copy into CHAR16 buffers.
+#include "emu/ShellCommand.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "emu/Firmware.h"
+#include "emu/TextConversion.h"
+
+namespace emu {
+namespace {
+
+ShellCommand *gActiveShell = nullptr;
+
+}  // namespace
+
+ShellCommand::ShellCommand(Firmware &Firmware) : Firmware_(Firmware) {
+  if (gActiveShell != nullptr) {
+    std::fprintf(stderr, "emu::ShellCommand: one is already active\n");
+    std::abort();
+  }
+  Protocol_ = {Execute, ExecuteCapture};
+  Firmware_.Handles().Install(&Handle_, gShellCommandProtocolGuid, &Protocol_);
+  gActiveShell = this;
+}
+
+ShellCommand::~ShellCommand() {
+  gActiveShell = nullptr;
+  if (Firmware::CurrentOrNull() == &Firmware_) {
+    Firmware_.Handles().Uninstall(Handle_, gShellCommandProtocolGuid,
+                                  &Protocol_);
+  }
+}
+
+ShellCommand &ShellCommand::Active() {
+  if (gActiveShell == nullptr) {
+    std::fprintf(stderr, "emu::ShellCommand: called after it was removed\n");
+    std::abort();
+  }
+  return *gActiveShell;
+}
+
+std::vector<std::string> ShellCommand::CommandLines() const {
+  std::vector<std::string> Lines;
+  for (const auto &Call : Calls_) {
+    Lines.push_back(Call.CommandLine);
+  }
+  return Lines;
+}
+
+std::string ShellCommand::Run(const std::string &CommandLine, bool &Answered) {
+  Answered = static_cast<bool>(Handler_);
+  return Answered ? Handler_(CommandLine) : std::string();
+}
+
+bool ShellCommand::CopyOut(const std::u16string &Text, CHAR16 *Output,
+                           UINTN *OutputSize) {
+  const UINTN Capacity = *OutputSize / sizeof(CHAR16);
+  if (Capacity == 0) {
+    *OutputSize = 0;
+    return !Text.empty();
+  }
+  const UINTN Count = std::min<UINTN>(Text.size(), Capacity - 1);
+  std::memcpy(Output, Text.data(), Count * sizeof(CHAR16));
+  Output[Count] = 0;
+  *OutputSize = Count * sizeof(CHAR16);
+  return Count < Text.size();
+}
+
+EFI_STATUS EFIAPI ShellCommand::Execute(const CHAR16 *CommandLine) {
+  ShellCommand &Self = Active();
+  if (CommandLine == nullptr) {
+    return EFI_INVALID_PARAMETER;
+  }
+  ShellCommandCall Call{ToUtf8(CommandLine), false, false, "", 0, 0, false};
+  if (!EFI_ERROR(Self.Failure_)) {
+    Call.Output = Self.Run(Call.CommandLine, Call.Answered);
+  }
+  Self.Calls_.push_back(std::move(Call));
+  return Self.Failure_;
+}
+
+EFI_STATUS EFIAPI ShellCommand::ExecuteCapture(const CHAR16 *CommandLine,
+                                               CHAR16 *Output,
+                                               UINTN *OutputSize) {
+  ShellCommand &Self = Active();
+  if (CommandLine == nullptr || OutputSize == nullptr ||
+      (Output == nullptr && *OutputSize != 0)) {
+    return EFI_INVALID_PARAMETER;
+  }
+  ShellCommandCall Call{ToUtf8(CommandLine), true,  false, "",
+                        *OutputSize,         0,     false};
+  if (EFI_ERROR(Self.Failure_)) {
+    *OutputSize = 0;
+    Self.Calls_.push_back(std::move(Call));
+    return Self.Failure_;
+  }
+  Call.Output = Self.Run(Call.CommandLine, Call.Answered);
+  Call.Truncated = CopyOut(Utf8ToUtf16(Call.Output), Output, OutputSize);
+  Call.BytesWritten = *OutputSize;
+  Self.Calls_.push_back(std::move(Call));
+  return EFI_SUCCESS;
+}
+
+}  // namespace emu
