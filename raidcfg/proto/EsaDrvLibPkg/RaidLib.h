@@ -194,6 +194,8 @@ constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
 
 // Terminator of the drive id blocks of RAID_VOLUME_PARAMETER.
 #define RAID_DRIVE_LIST_END 0xFFFFFFFFU
+// The unit of RAID_VOLUME_PARAMETER.Size: the wizard plans in GB.
+#define RAID_VOLUME_SIZE_UNIT RAID_UNIT_GB
 
 // ---- Records ----------------------------------------------------------------
 
@@ -393,15 +395,19 @@ struct _RAID_VOLUME_PARAMETER {
   UINT8 NewArray;  // 0: the volume goes into array ArrayId
   UINT32 ControllerId;
   UINT32 ArrayId;
+  // Existing array: the Id of the chosen free segment, whose after-volume
+  // number places the new volume.
+  UINT32 FreeSegmentId;
   // Drive Ids for a new array: DriveCount of them, then RAID_DRIVE_LIST_END.
   // Ids rather than pointers, since the model is rebuilt after each change.
   UINT32 *DriveList;
   UINT32 DriveCount;  // for an existing array, its MemberDriveCount
+  UINT8 RaidLevel;    // 0, 1, 5, 6, 10, 50, 60 (a new array's level)
   // Drive Ids of the hot spares to assign, ended by RAID_DRIVE_LIST_END;
   // NULL for none.
   UINT32 *SpareList;
   CHAR16 *Name;  // buffer of MaxVolumeNameStingLength + 1 characters
-  UINT64 Size;   // thousandths of the wizard's unit
+  UINT64 Size;   // thousandths of the wizard's unit: RAID_VOLUME_SIZE_UNIT
   UINT32 Reserved;  // always 1
   UINT32 StripeSize;
   UINT32 ReadPolicy;
