@@ -261,12 +261,6 @@ VOID GiveCapability(RAID_CONTROLLER *Controller, RAID_CAPABILITY *Capability) {
 // Hands gCapability to its family: the first controller gets the record,
 // every further one a deep copy. Unclaimed, the record is freed.
 VOID HandOutCapability() {
-  if (gControllerList.ForwardLink == nullptr ||
-      IsListEmpty(&gControllerList) || gCapability == nullptr) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
-                   "[%a]IsListEmpty(&gControllerList) || gCapability == NULL\n");
-    return;
-  }
   RAID_CAPABILITY *Record = gCapability;
   gCapability = nullptr;
   bool Claimed = false;
@@ -343,6 +337,13 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name) {
     return;
   }
   if (NameIs(Name, u"CONTROLLER")) {
+    // The scopes stay as they are on this early return.
+    if (gControllerList.ForwardLink == nullptr ||
+        IsListEmpty(&gControllerList) || gCapability == nullptr) {
+      RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                     "[%a]IsListEmpty(&gControllerList) || gCapability == NULL\n");
+      return;
+    }
     HandOutCapability();
     return;
   }
