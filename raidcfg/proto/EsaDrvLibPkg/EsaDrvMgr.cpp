@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr const CHAR8 *kInitializeRaid = "InitializeRaid";
+
 // Card numbering during one InitializeRaid. The arcconf tool numbers its
 // controllers from 1, the others from 0.
 struct CardCounters {
@@ -31,15 +33,18 @@ VOID LocateSetupProtocol(UINT32 *ErrorCode) {
   if (EFI_ERROR(Status)) {
     gRaidLibSetupProtocol = nullptr;
     *ErrorCode = RaidLibFirmwareErrorCode(Status);
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n", *ErrorCode);
+    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n",
+                      *ErrorCode);
   }
 }
 
 VOID TraceFoundControllers() {
-  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]INFO: all found controllers:\n");
+  RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+                    "[%a]INFO: all found controllers:\n");
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]INFO: Controller id: %d name: %S\n",
+    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+                      "[%a]INFO: Controller id: %d name: %S\n",
                    Controller->Id, Controller->Name);
   }
 }
@@ -85,7 +90,7 @@ EFI_STATUS NumberCards(UINT32 *ErrorCode) {
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
     RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
                    "[%a]Controller Id: %d, Bus: 0x%x, Dev: 0x%x, Func: 0x%x\n",
                    Controller->Id, Private->Bus, Private->Device,
                    Private->Function);
@@ -118,7 +123,8 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
     return Status;
   }
   if (IsListEmpty(&ScanList)) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]No raid card is found on system.\n");
+    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+                      "[%a]No raid card is found on system.\n");
     *ErrorCode = 0;
     return EFI_SUCCESS;
   }
@@ -132,20 +138,21 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
   ReleasePcidbList(&PcidbList);
   if (!EFI_ERROR(Status) && *Made == 0) {
     *ErrorCode = RAID_ERROR_NOT_FOUND;
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Error: No supported card found.\n");
+    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+                      "[%a]Error: No supported card found.\n");
     return EFI_NOT_FOUND;
   }
   return Status;
 }
 
-RAID_CONTROLLER *FindController(UINT32 Id) {
+RAID_CONTROLLER *FindController(const CHAR8 *Caller, UINT32 Id) {
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
     if (Controller->Id == Id) {
       return Controller;
     }
   }
-  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Not find controller\n");
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Not find controller\n");
   return nullptr;
 }
 
@@ -217,12 +224,12 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
 
 RAID_CONTROLLER *GetController(UINT32 Id) {
   RaidLibTraceVersion();
-  return FindController(Id);
+  return FindController(__func__, Id);
 }
 
 RAID_CONTROLLER *RaidLibGetController(UINT32 Id) {
   RaidLibTraceVersion();
-  RAID_CONTROLLER *Controller = FindController(Id);
+  RAID_CONTROLLER *Controller = FindController(__func__, Id);
   if (Controller != nullptr && Controller->Private != nullptr) {
     gRaidCurrentCardId = Controller->Private->CardId;
   }

@@ -9,11 +9,12 @@ namespace {
 
 // The controller, its private record and (unless only the drive state is
 // changed) its capability must be present.
-bool ControllerUsable(const RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+bool ControllerUsable(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
+                      UINT32 *ErrorCode) {
   if (Controller == nullptr || Controller->Private == nullptr ||
       Controller->Capability == nullptr) {
-    RAID_LIB_TRACE(
-        TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(
+        Caller, TARN_DEBUG_INFO,
         "[%a]Controller/Controller->Private/Controller->Capability is NULL.\n");
     *ErrorCode = RAID_ERROR_MISSING;
     return false;
@@ -21,10 +22,11 @@ bool ControllerUsable(const RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   return true;
 }
 
-bool ControllerPresent(const RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+bool ControllerPresent(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
+                       UINT32 *ErrorCode) {
   if (Controller == nullptr || Controller->Private == nullptr) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
-                   "[%a]Controller/Controller->Private is NULL.\n");
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]Controller/Controller->Private is NULL.\n");
     *ErrorCode = RAID_ERROR_MISSING;
     return false;
   }
@@ -78,7 +80,7 @@ EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                               RAID_CONTROLLER **ControllerOut,
                               UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (!ControllerUsable(Controller, ErrorCode)) {
+  if (!ControllerUsable(Caller, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   if (Controller->Private->Operations.GetControllerInfo == nullptr) {
@@ -125,7 +127,7 @@ EFI_STATUS DeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
     return EFI_ABORTED;
   }
   RAID_CONTROLLER *Controller = Array->Controller;
-  if (!ControllerUsable(Controller, ErrorCode)) {
+  if (!ControllerUsable(__func__, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
@@ -149,7 +151,7 @@ EFI_STATUS DeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
   RAID_CONTROLLER *Controller =
       (Volume != nullptr && Volume->Array != nullptr) ? Volume->Array->Controller
                                                       : nullptr;
-  if (!ControllerUsable(Controller, ErrorCode)) {
+  if (!ControllerUsable(__func__, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
@@ -169,7 +171,7 @@ EFI_STATUS CreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN PassThrough,
   RAID_CONTROLLER *Controller =
       Parameter != nullptr ? RaidLibGetController(Parameter->ControllerId)
                            : nullptr;
-  if (!ControllerUsable(Controller, ErrorCode)) {
+  if (!ControllerUsable(__func__, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
@@ -189,7 +191,7 @@ EFI_STATUS SetPhysicalDriveState(RAID_CONTROLLER *Controller,
                                  UINT32 TargetState, UINT32 *ErrorCode) {
   RaidLibTraceVersion();
   *ErrorCode = 0;
-  if (!ControllerPresent(Controller, ErrorCode)) {
+  if (!ControllerPresent(__func__, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
@@ -210,7 +212,7 @@ EFI_STATUS SetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
                                     UINT32 TargetState, UINT32 *ErrorCode) {
   RaidLibTraceVersion();
   *ErrorCode = 0;
-  if (!ControllerPresent(Controller, ErrorCode)) {
+  if (!ControllerPresent(__func__, Controller, ErrorCode)) {
     return EFI_ABORTED;
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;

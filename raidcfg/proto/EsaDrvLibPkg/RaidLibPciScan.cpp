@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr const CHAR8 *kScanFunction = "RaidLibScanPciBus";
+
 constexpr UINT8 kClassMassStorage = 0x01;
 constexpr UINT8 kSubClassRaid = 0x04;
 constexpr UINT8 kSubClassSata = 0x06;
@@ -110,7 +112,7 @@ EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
   FillEntry(Entry, PciIo, Handle);
 
   if (ProgIf != 0) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
                    "[%a]Pci bus(SATA): 0x%x, Dev: 0x%x, Func: 0x%x\n",
                    Entry->Bus, Entry->Device, Entry->Function);
     // Only Marvell's M.2 RAID adapters present themselves as AHCI.
@@ -124,7 +126,7 @@ EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
     return EFI_SUCCESS;
   }
 
-  RAID_LIB_TRACE(TARN_DEBUG_INFO,
+  RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
                  "[%a]Pci bus(RAID): 0x%x, Dev: 0x%x, Func: 0x%x\n", Entry->Bus,
                  Entry->Device, Entry->Function);
   if (IsExcluded(Entry)) {

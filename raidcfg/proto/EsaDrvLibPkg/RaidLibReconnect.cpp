@@ -12,6 +12,8 @@ constinit UINT32 gMchpCtrlCount = 0;
 
 namespace {
 
+constexpr const CHAR8 *kUpdateDriver = "UpdateRaidControllerDeviceDriver";
+
 bool HasSignature(const RAID_CONTROLLER *Controller, const CHAR8 *Signature) {
   return RaidLibControllerFamily(Controller) ==
          RaidLibFamilyOfSignature(Signature);
@@ -33,10 +35,10 @@ bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
 // Marvell M.2 adapters are only connected: their driver does not survive a
 // disconnect while the boot device sits behind it.
 EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
-  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] M.2 card skip the operation\n");
+  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] M.2 card skip the operation\n");
   EFI_STATUS Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
                    "[%a]<err> Only connect the controller error, ingore %r\n",
                    Status);
   }
@@ -44,19 +46,19 @@ EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
 }
 
 EFI_STATUS DisconnectAndConnect(EFI_HANDLE Handle) {
-  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Disconnect the controller driver\n");
+  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] Disconnect the controller driver\n");
   EFI_STATUS Status = gBS->DisconnectController(Handle, nullptr, nullptr);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
                    "[%a]<err> Cannot disconnect the controller %r\n", Status);
   }
-  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Connect the controller driver\n");
+  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] Connect the controller driver\n");
   Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
                    "[%a]<err> Cannot connect the controller %r\n", Status);
   } else {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
                    "[%a] Reconnect device driver successfully.\n");
   }
   return Status;

@@ -19,3 +19,14 @@ extern TARN_SETUP_PROTOCOL *gRaidLibSetupProtocol;
                                         __func__ __VA_OPT__(, ) __VA_ARGS__); \
     }                                                                        \
   } while (0)
+
+// The same for a helper that traces on behalf of the function named
+// Function, so the line carries the name the log reader knows.
+#define RAID_LIB_TRACE_AS(Function, Level, Format, ...)                      \
+  do {                                                                       \
+    if (gRaidLibSetupProtocol != nullptr &&                                  \
+        gRaidLibSetupProtocol->DebugPrint != nullptr) {                      \
+      gRaidLibSetupProtocol->DebugPrint((Level), (Format),                   \
+                                        (Function)__VA_OPT__(, ) __VA_ARGS__); \
+    }                                                                        \
+  } while (0)

@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr const CHAR8 *kParseXml = "RaidLibParseXml";
 constexpr UINTN kXmlChunkSize = 8192;
 
 constinit EFI_TARNXML_PROTOCOL *gTarnXml = nullptr;
@@ -22,7 +23,7 @@ EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
       gBS->LocateProtocol(&gEfiTarnXmlProtocolGuid, nullptr, (VOID **)&gTarnXml);
   if (EFI_ERROR(Status) || gTarnXml == nullptr) {
     gTarnXml = nullptr;
-    RAID_LIB_TRACE(TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_INFO,
                    "[%a]LocateProtocol(EFI_TARNXML_PROTOCOL): %r.\n", Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
     return EFI_ERROR(Status) ? Status : EFI_NOT_FOUND;
@@ -36,7 +37,7 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
   EFI_STATUS Status = gBS->HandleProtocol(
       gImageHandle, &gEfiLoadedImageProtocolGuid, (VOID **)&LoadedImage);
   if (EFI_ERROR(Status) || LoadedImage == nullptr) {
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_ERROR,
                    "[%a]ERROR: HandleProtocol(gEfiLoadedImageProtocolGuid) %r.\n",
                    Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
@@ -47,7 +48,7 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
                                &gEfiSimpleFileSystemProtocolGuid,
                                (VOID **)&FileSystem);
   if (EFI_ERROR(Status) || FileSystem == nullptr) {
-    RAID_LIB_TRACE(
+    RAID_LIB_TRACE_AS(kParseXml, 
         TARN_DEBUG_ERROR,
         "[%a]ERROR: HandleProtocol(gEfiSimpleFileSystemProtocolGuid) %r.\n",
         Status);
@@ -56,7 +57,7 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
   }
   Status = FileSystem->OpenVolume(FileSystem, Root);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_ERROR,
                    "[%a]ERROR: SimpleFileSystemProtocol OpenVolume %r.\n",
                    Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;

@@ -1,0 +1,75 @@
+// A small emulated server for the core's start-up tests: PCI functions, an
+// optional SMBIOS table and slot inventory, a volume holding pcidb.xml and
+// raid.xml, and the host's setup and XML protocols.
+#pragma once
+
+#include <Library/UefiBootServicesTableLib.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "emu/Emulator.h"
+#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+
+namespace core_test {
+
+struct PciFunction {
+  UINT8 Bus;
+  UINT8 Device;
+  UINT8 Function;
+  UINT16 VendorId;
+  UINT16 DeviceId;
+  UINT16 SubVendorId;
+  UINT16 SubDeviceId;
+  UINT8 SubClass = 0x04;  // RAID
+  UINT8 ProgIf = 0x00;
+  UINT8 BaseClass = 0x01;  // mass storage
+};
+
+// One storage element of pcidb.xml, attributes in their usual order.
+std::string StorageElement(const std::string &Id, UINT16 Vendor,
+                           UINT16 Device, UINT16 SubVendor, UINT16 SubDevice,
+                           const std::string &Name);
+std::string PcidbXml(const std::vector<std::string> &Elements);
+
+// A raid.xml CONTROLLER block naming a family's tool and one RAID level.
+std::string ControllerBlock(const std::string &Id, const std::string &Tool);
+std::string RaidXml(const std::vector<std::string> &Blocks);
+
+class CoreWorld : public ::testing::Test {
+ public:
+  CoreWorld();
+  ~CoreWorld() override;
+
+  VOID AddFunction(const PciFunction &Function);
+  VOID SetSlots(const std::vector<emu::SmbiosSlot> &Slots);
+  VOID SetSlotInventory(std::vector<emu::SlotInventoryEntry> Entries);
+  VOID WriteFile(const std::string &Name, const std::string &Text);
+
+  // InitializeRaid with the module's globals set up as the image entry
+  // leaves them.
+  EFI_STATUS Initialize(UINT32 *ErrorCode);
+  // FinalizeRaid; the pool must be empty afterwards.
+  VOID Finalize();
+
+  std::vector<RAID_CONTROLLER *> Controllers();
+  std::vector<std::string> Trace() const;
+  bool TraceHas(const std::string &Line) const;
+
+  std::unique_ptr<emu::Firmware> Firmware_;
+  std::unique_ptr<emu::SetupProtocol> Setup_;
+  std::unique_ptr<emu::XmlParser> Xml_;
+  std::unique_ptr<emu::ShellCommand> Shell_;
+  std::unique_ptr<emu::SlotInventory> Inventory_;
+  std::unique_ptr<emu::SmbiosTable> Smbios_;
+  std::unique_ptr<emu::HostVolume> Volume_;
+  std::vector<std::unique_ptr<emu::PciDevice>> Devices_;
+  std::filesystem::path Directory_;
+  bool Finalized_ = false;
+};
+
+}  // namespace core_test
