@@ -1,0 +1,75 @@
+// What raidcfg-host does with its options.
+#include "native/HostRun.h"
+
+#include <fstream>
+
+#include "native/ModuleSession.h"
+
+namespace host {
+namespace {
+
+Scenario ChosenScenario(const Options &Options) {
+  return Options.Scenario ? LoadScenarioFile(*Options.Scenario)
+                          : DemoScenario();
+}
+
+// Sends the module's trace lines to Path as they are printed. Without a
+// setup protocol there are none, and the file stays empty.
+bool StartTrace(Server &Server, const std::filesystem::path &Path) {
+  if (Server.Setup() != nullptr) {
+    return Server.Setup()->WriteTraceTo(Path.string());
+  }
+  return static_cast<bool>(std::ofstream(Path, std::ios::trunc));
+}
+
+}  // namespace
+
+ModelJson RunModuleForModel(Server &Server) {
+  ModuleSession Module(Server);
+  EFI_STATUS Status = Module.Load();
+  if (EFI_ERROR(Status)) {
+    return nullptr;
+  }
+  DiscoveryResult Discovery = Module.Discover();
+  ModelJson Model =
+      DumpModel(Discovery.Status, Discovery.ErrorCode, gControllerList);
+  Module.Unload();
+  return Model;
+}
+
+int RunHost(const Options &Options, std::ostream &Out, std::ostream &Err) {
+  if (Options.Script) {
+    Err << "raidcfg-host: --script is not available yet\n";
+    return 1;
+  }
+  try {
+    Scenario Chosen = ChosenScenario(Options);
+    Server Machine(Chosen, {Options.Replay, Options.Record});
+    if (Options.Trace && !StartTrace(Machine, *Options.Trace)) {
+      Err << "raidcfg-host: cannot write " << Options.Trace->string() << "\n";
+      return 1;
+    }
+    // Until the interactive wizard exists, every run prints the model.
+    ModelJson Model = RunModuleForModel(Machine);
+    if (Model.is_null()) {
+      Err << "raidcfg-host: the module's image entry failed\n";
+      return 1;
+    }
+    Out << Model.dump(2, ' ', false, ModelJson::error_handler_t::replace)
+        << "\n";
+    const std::string Leaks = Machine.Firmware().Memory().LeakReport();
+    if (!Leaks.empty()) {
+      Err << "raidcfg-host: pool memory still allocated after unload: "
+          << Leaks;
+    }
+    for (const std::string &Problem : Machine.Problems()) {
+      Err << "raidcfg-host: " << Problem << "\n";
+    }
+    return Machine.Problems().empty() ? 0 : 1;
+  } catch (const std::exception &Error) {
+    Err << "raidcfg-host: " << Error.what() << "\n";
+    return 1;
+  }
+}
+
+}  // namespace host

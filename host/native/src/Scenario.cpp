@@ -1,0 +1,437 @@
+// Reading a scenario: JSON to the description the server is built from.
+#include "native/Scenario.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "emu/TextConversion.h"
+#include "native/EmbeddedFiles.h"
+
+namespace host {
+namespace {
+
+using nlohmann::json;
+
+// The product files every volume carries unless the scenario says otherwise.
+constexpr const char *kProductFiles[] = {"pcidb.xml", "raid.xml"};
+
+[[noreturn]] void Fail(const std::string &Where, const std::string &What) {
+  throw ScenarioError(Where + ": " + What);
+}
+
+// Rejects keys other than Allowed, so a misspelt key does not pass unseen.
+void CheckKeys(const json &Object, const std::string &Where,
+               std::initializer_list<std::string_view> Allowed) {
+  if (!Object.is_object()) {
+    Fail(Where, "expected an object");
+  }
+  for (const auto &Item : Object.items()) {
+    if (std::find(Allowed.begin(), Allowed.end(), Item.key()) ==
+        Allowed.end()) {
+      Fail(Where, "unknown key \"" + Item.key() + "\"");
+    }
+  }
+}
+
+// A hexadecimal text with an optional "0x"; false when it is not one.
+bool ParseHex(std::string_view Text, std::uint64_t &Value) {
+  if (Text.size() > 2 && Text[0] == '0' && (Text[1] == 'x' || Text[1] == 'X')) {
+    Text.remove_prefix(2);
+  }
+  if (Text.empty() || Text.size() > 16) {
+    return false;
+  }
+  Value = 0;
+  for (char C : Text) {
+    if (!std::isxdigit(static_cast<unsigned char>(C))) {
+      return false;
+    }
+    int Digit = std::isdigit(static_cast<unsigned char>(C))
+                    ? C - '0'
+                    : std::tolower(static_cast<unsigned char>(C)) - 'a' + 10;
+    Value = Value * 16 + static_cast<std::uint64_t>(Digit);
+  }
+  return true;
+}
+
+// A number given as a JSON number or as a hexadecimal string, at most Max.
+std::uint64_t ReadNumber(const json &Value, const std::string &Where,
+                         std::uint64_t Max) {
+  std::uint64_t Number = 0;
+  if (Value.is_number_unsigned()) {
+    Number = Value.get<std::uint64_t>();
+  } else if (Value.is_string()) {
+    if (!ParseHex(Value.get_ref<const std::string &>(), Number)) {
+      Fail(Where, "not a hexadecimal number");
+    }
+  } else {
+    Fail(Where, "expected a number or a hexadecimal string");
+  }
+  if (Number > Max) {
+    Fail(Where, "out of range");
+  }
+  return Number;
+}
+
+// Object[Key] as a number, or Default when the key is absent.
+std::uint64_t NumberOr(const json &Object, const char *Key,
+                       const std::string &Where, std::uint64_t Max,
+                       std::uint64_t Default) {
+  auto It = Object.find(Key);
+  if (It == Object.end()) {
+    return Default;
+  }
+  return ReadNumber(*It, Where + "." + Key, Max);
+}
+
+std::uint64_t RequiredNumber(const json &Object, const char *Key,
+                             const std::string &Where, std::uint64_t Max) {
+  if (!Object.contains(Key)) {
+    Fail(Where, std::string("missing \"") + Key + "\"");
+  }
+  return ReadNumber(Object.at(Key), Where + "." + Key, Max);
+}
+
+std::string StringOr(const json &Object, const char *Key,
+                     const std::string &Where, const std::string &Default) {
+  auto It = Object.find(Key);
+  if (It == Object.end()) {
+    return Default;
+  }
+  if (!It->is_string()) {
+    Fail(Where + "." + Key, "expected a string");
+  }
+  return It->get<std::string>();
+}
+
+// "[segment:]bus:device.function", hexadecimal as lspci prints it.
+emu::PciLocation ParseLocation(const std::string &Text,
+                               const std::string &Where) {
+  std::vector<std::string> Parts;
+  std::string Part;
+  for (char C : Text) {
+    if (C == ':' || C == '.') {
+      Parts.push_back(Part);
+      Part.clear();
+    } else {
+      Part += C;
+    }
+  }
+  Parts.push_back(Part);
+  if (Parts.size() == 3) {
+    Parts.insert(Parts.begin(), "0");
+  }
+  std::uint64_t Values[4] = {};
+  constexpr std::uint64_t kMax[4] = {0xFFFF, 0xFF, 0x1F, 0x7};
+  for (std::size_t I = 0; Parts.size() == 4 && I < 4; I++) {
+    if (!ParseHex(Parts[I], Values[I]) || Values[I] > kMax[I]) {
+      Parts.clear();
+    }
+  }
+  if (Parts.size() != 4) {
+    Fail(Where, "\"" + Text + "\" is not a PCI location like \"3b:00.0\"");
+  }
+  return {static_cast<UINT16>(Values[0]), static_cast<UINT8>(Values[1]),
+          static_cast<UINT8>(Values[2]), static_cast<UINT8>(Values[3])};
+}
+
+PciFunction ParsePciFunction(const json &Object, const std::string &Where) {
+  CheckKeys(Object, Where,
+            {"name", "location", "vendorId", "deviceId", "subVendorId",
+             "subDeviceId", "baseClass", "subClass", "progIf", "revision"});
+  PciFunction Function;
+  Function.Name = StringOr(Object, "name", Where, "");
+  if (!Object.contains("location") || !Object["location"].is_string()) {
+    Fail(Where, "missing \"location\" string");
+  }
+  Function.Location =
+      ParseLocation(Object["location"].get<std::string>(), Where + ".location");
+  emu::PciIdentity &Id = Function.Identity;
+  Id.VendorId = RequiredNumber(Object, "vendorId", Where, 0xFFFF);
+  Id.DeviceId = RequiredNumber(Object, "deviceId", Where, 0xFFFF);
+  Id.SubVendorId = NumberOr(Object, "subVendorId", Where, 0xFFFF, 0);
+  Id.SubDeviceId = NumberOr(Object, "subDeviceId", Where, 0xFFFF, 0);
+  // A RAID controller unless told otherwise.
+  Id.BaseClass = NumberOr(Object, "baseClass", Where, 0xFF, 0x01);
+  Id.SubClass = NumberOr(Object, "subClass", Where, 0xFF, 0x04);
+  Id.ProgInterface = NumberOr(Object, "progIf", Where, 0xFF, 0x00);
+  Id.RevisionId = NumberOr(Object, "revision", Where, 0xFF, 0x00);
+  return Function;
+}
+
+std::vector<PciFunction> ParsePciFunctions(const json &List) {
+  if (!List.is_array()) {
+    Fail("pciFunctions", "expected an array");
+  }
+  std::vector<PciFunction> Functions;
+  std::set<std::string> Names;
+  std::set<std::tuple<int, int, int, int>> Locations;
+  for (std::size_t I = 0; I < List.size(); I++) {
+    const std::string Where = "pciFunctions[" + std::to_string(I) + "]";
+    PciFunction Function = ParsePciFunction(List[I], Where);
+    const emu::PciLocation &L = Function.Location;
+    if (!Locations.insert({L.Segment, L.Bus, L.Device, L.Function}).second) {
+      Fail(Where, "a second function at the same location");
+    }
+    if (!Function.Name.empty() && !Names.insert(Function.Name).second) {
+      Fail(Where, "the name \"" + Function.Name + "\" is taken");
+    }
+    Functions.push_back(std::move(Function));
+  }
+  return Functions;
+}
+
+emu::SmbiosSlot ParseSmbiosSlot(const json &Object, const std::string &Where) {
+  CheckKeys(Object, Where, {"slotId", "segment", "bus", "devfn", "designation"});
+  emu::SmbiosSlot Slot;
+  Slot.SlotId = RequiredNumber(Object, "slotId", Where, 0xFFFF);
+  Slot.Segment = NumberOr(Object, "segment", Where, 0xFFFF, 0);
+  Slot.Bus = RequiredNumber(Object, "bus", Where, 0xFF);
+  Slot.DevFn = NumberOr(Object, "devfn", Where, 0xFF, 0);
+  Slot.Designation = StringOr(Object, "designation", Where, "");
+  return Slot;
+}
+
+emu::SmbiosDescription ParseSmbios(const json &Object) {
+  CheckKeys(Object, "smbios",
+            {"biosVendor", "biosVersion", "biosReleaseDate", "slots"});
+  emu::SmbiosDescription Smbios;
+  Smbios.BiosVendor = StringOr(Object, "biosVendor", "smbios", Smbios.BiosVendor);
+  Smbios.BiosVersion =
+      StringOr(Object, "biosVersion", "smbios", Smbios.BiosVersion);
+  Smbios.BiosReleaseDate =
+      StringOr(Object, "biosReleaseDate", "smbios", Smbios.BiosReleaseDate);
+  if (Object.contains("slots")) {
+    const json &Slots = Object["slots"];
+    if (!Slots.is_array()) {
+      Fail("smbios.slots", "expected an array");
+    }
+    for (std::size_t I = 0; I < Slots.size(); I++) {
+      Smbios.Slots.push_back(ParseSmbiosSlot(
+          Slots[I], "smbios.slots[" + std::to_string(I) + "]"));
+    }
+  }
+  return Smbios;
+}
+
+std::vector<emu::SlotInventoryEntry> ParseSlotInventory(const json &List) {
+  if (!List.is_array()) {
+    Fail("slotInventory", "expected an array");
+  }
+  std::vector<emu::SlotInventoryEntry> Entries;
+  for (std::size_t I = 0; I < List.size(); I++) {
+    const std::string Where = "slotInventory[" + std::to_string(I) + "]";
+    const json &Object = List[I];
+    CheckKeys(Object, Where, {"slot", "device"});
+    emu::SlotInventoryEntry Entry;
+    if (Object.contains("slot") && !Object["slot"].is_null()) {
+      Entry.SlotText = emu::Utf8ToUtf16(StringOr(Object, "slot", Where, ""));
+    }
+    Entry.DeviceText = emu::Utf8ToUtf16(StringOr(Object, "device", Where, ""));
+    Entries.push_back(std::move(Entry));
+  }
+  return Entries;
+}
+
+std::string ReadHostFile(const std::filesystem::path &Path,
+                         const std::string &Where) {
+  std::ifstream In(Path, std::ios::binary);
+  if (!In) {
+    Fail(Where, "cannot read " + Path.string());
+  }
+  std::ostringstream Contents;
+  Contents << In.rdbuf();
+  return Contents.str();
+}
+
+// One file's contents: {"text": ...}, {"path": ...} or {"product": ...}.
+std::string ParseFileSource(const json &Source, const std::string &Where,
+                            const std::filesystem::path &BaseDirectory) {
+  CheckKeys(Source, Where, {"text", "path", "product"});
+  if (Source.size() != 1) {
+    Fail(Where, "give exactly one of \"text\", \"path\", \"product\"");
+  }
+  const std::string Kind = Source.items().begin().key();
+  const json &Value = Source.items().begin().value();
+  if (!Value.is_string()) {
+    Fail(Where + "." + Kind, "expected a string");
+  }
+  const std::string &Text = Value.get_ref<const std::string &>();
+  if (Kind == "text") {
+    return Text;
+  }
+  if (Kind == "path") {
+    return ReadHostFile(BaseDirectory / Text, Where + ".path");
+  }
+  std::optional<std::string_view> Product = FindEmbeddedFile(Text);
+  if (!Product || Text == "demo.json") {
+    Fail(Where + ".product", "no product file \"" + Text + "\"");
+  }
+  return std::string(*Product);
+}
+
+bool IsPlainFileName(const std::string &Name) {
+  return !Name.empty() && Name != "." && Name != ".." &&
+         Name.find_first_of("/\\:") == std::string::npos;
+}
+
+// The product files, then the scenario's changes: null removes a file, a
+// source adds or replaces one.
+std::vector<VolumeFile> ParseVolumeFiles(
+    const json *Object, const std::filesystem::path &BaseDirectory) {
+  std::vector<VolumeFile> Files;
+  for (const char *Name : kProductFiles) {
+    Files.push_back({Name, std::string(*FindEmbeddedFile(Name))});
+  }
+  if (Object == nullptr) {
+    return Files;
+  }
+  if (!Object->is_object()) {
+    Fail("volumeFiles", "expected an object");
+  }
+  for (const auto &Item : Object->items()) {
+    const std::string &Name = Item.key();
+    const json &Source = Item.value();
+    const std::string Where = "volumeFiles." + Name;
+    if (!IsPlainFileName(Name)) {
+      Fail(Where, "a file name in the volume's root is expected");
+    }
+    std::erase_if(Files, [&](const VolumeFile &F) { return F.Name == Name; });
+    if (!Source.is_null()) {
+      Files.push_back({Name, ParseFileSource(Source, Where, BaseDirectory)});
+    }
+  }
+  return Files;
+}
+
+HostProtocols ParseProtocols(const json &Object) {
+  CheckKeys(Object, "protocols",
+            {"setup", "guiDriver", "xmlParser", "shellCommand",
+             "slotInventory", "qolCommands"});
+  HostProtocols Protocols;
+  auto Read = [&](const char *Key, bool &Flag) {
+    if (Object.contains(Key)) {
+      if (!Object[Key].is_boolean()) {
+        Fail(std::string("protocols.") + Key, "expected true or false");
+      }
+      Flag = Object[Key].get<bool>();
+    }
+  };
+  Read("setup", Protocols.Setup);
+  Read("guiDriver", Protocols.GuiDriver);
+  Read("xmlParser", Protocols.XmlParser);
+  Read("shellCommand", Protocols.ShellCommand);
+  Read("slotInventory", Protocols.SlotInventory);
+  Read("qolCommands", Protocols.QolCommands);
+  return Protocols;
+}
+
+// The PCI function an adapter names, by its name or its location.
+std::size_t FindPciFunction(const std::vector<PciFunction> &Functions,
+                            const std::string &Reference,
+                            const std::string &Where) {
+  for (std::size_t I = 0; I < Functions.size(); I++) {
+    if (!Functions[I].Name.empty() && Functions[I].Name == Reference) {
+      return I;
+    }
+  }
+  emu::PciLocation Wanted = ParseLocation(Reference, Where);
+  for (std::size_t I = 0; I < Functions.size(); I++) {
+    const emu::PciLocation &L = Functions[I].Location;
+    if (L.Segment == Wanted.Segment && L.Bus == Wanted.Bus &&
+        L.Device == Wanted.Device && L.Function == Wanted.Function) {
+      return I;
+    }
+  }
+  Fail(Where, "no PCI function \"" + Reference + "\"");
+}
+
+std::vector<AdapterDescription> ParseAdapters(
+    const json &List, const std::vector<PciFunction> &Functions) {
+  if (!List.is_array()) {
+    Fail("adapters", "expected an array");
+  }
+  std::vector<AdapterDescription> Adapters;
+  std::set<std::size_t> Used;
+  for (std::size_t I = 0; I < List.size(); I++) {
+    const std::string Where = "adapters[" + std::to_string(I) + "]";
+    const json &Object = List[I];
+    if (!Object.is_object()) {
+      Fail(Where, "expected an object");
+    }
+    AdapterDescription Adapter;
+    Adapter.Family = StringOr(Object, "family", Where, "");
+    const std::string Reference = StringOr(Object, "pciFunction", Where, "");
+    if (Adapter.Family.empty() || Reference.empty()) {
+      Fail(Where, "\"family\" and \"pciFunction\" are required");
+    }
+    Adapter.PciIndex =
+        FindPciFunction(Functions, Reference, Where + ".pciFunction");
+    if (!Used.insert(Adapter.PciIndex).second) {
+      Fail(Where, "a second adapter on PCI function \"" + Reference + "\"");
+    }
+    Adapter.Description = Object;
+    Adapters.push_back(std::move(Adapter));
+  }
+  return Adapters;
+}
+
+const json *Find(const json &Object, const char *Key) {
+  auto It = Object.find(Key);
+  return It == Object.end() ? nullptr : &*It;
+}
+
+}  // namespace
+
+Scenario ParseScenario(const json &Json,
+                       const std::filesystem::path &BaseDirectory) {
+  CheckKeys(Json, "scenario",
+            {"name", "description", "pciFunctions", "smbios", "slotInventory",
+             "volumeFiles", "protocols", "adapters"});
+  Scenario Result;
+  Result.Name = StringOr(Json, "name", "scenario", "");
+  if (const json *Pci = Find(Json, "pciFunctions")) {
+    Result.Pci = ParsePciFunctions(*Pci);
+  }
+  if (const json *Smbios = Find(Json, "smbios")) {
+    Result.Smbios = ParseSmbios(*Smbios);
+  }
+  if (const json *Inventory = Find(Json, "slotInventory")) {
+    Result.SlotInventory = ParseSlotInventory(*Inventory);
+  }
+  Result.Files = ParseVolumeFiles(Find(Json, "volumeFiles"), BaseDirectory);
+  if (const json *Protocols = Find(Json, "protocols")) {
+    Result.Protocols = ParseProtocols(*Protocols);
+  }
+  if (const json *Adapters = Find(Json, "adapters")) {
+    Result.Adapters = ParseAdapters(*Adapters, Result.Pci);
+  }
+  return Result;
+}
+
+Scenario ParseScenarioText(std::string_view Text, std::string_view Origin,
+                           const std::filesystem::path &BaseDirectory) {
+  json Json = json::parse(Text, nullptr, false);
+  if (Json.is_discarded()) {
+    throw ScenarioError(std::string(Origin) + ": not valid JSON");
+  }
+  try {
+    return ParseScenario(Json, BaseDirectory);
+  } catch (const ScenarioError &Error) {
+    throw ScenarioError(std::string(Origin) + ": " + Error.what());
+  }
+}
+
+Scenario LoadScenarioFile(const std::filesystem::path &Path) {
+  std::string Text = ReadHostFile(Path, Path.string());
+  return ParseScenarioText(Text, Path.string(), Path.parent_path());
+}
+
+Scenario DemoScenario() {
+  return ParseScenarioText(*FindEmbeddedFile("demo.json"), "demo.json", ".");
+}
+
+}  // namespace host
