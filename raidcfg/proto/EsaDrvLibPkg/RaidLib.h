@@ -499,6 +499,8 @@ VOID LsiBindBackend(RAID_OPERATIONS *Operations);
 VOID MchpBindBackend(RAID_OPERATIONS *Operations);
 VOID M2BindBackend(RAID_OPERATIONS *Operations);
 VOID RsteBindBackend(RAID_OPERATIONS *Operations);
+// The backends' own table fills, called by the binding operations above.
+VOID LsiBindOperations(RAID_OPERATIONS *Operations);  // LsiBackend.cpp
 
 // Applies the binding table to every controller of gControllerList that
 // matched the database, has a capability and carries the row's vendor id.

@@ -66,7 +66,7 @@ constinit const RAID_BACKEND_BINDING
 
 // Broadcom/LSI MegaRAID through storcli.
 VOID LsiBindBackend(RAID_OPERATIONS *Operations) {
-  BindPlaceholder(Operations, RAID_SIGNATURE_LSI);
+  LsiBindOperations(Operations);
 }
 
 // Microchip (Adaptec) SmartRAID/SmartHBA through arcconf.

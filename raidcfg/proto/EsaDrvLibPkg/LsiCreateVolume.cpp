@@ -1,0 +1,285 @@
+// Creating a volume with storcli's "add vd", in a new array (with optional
+// hot spares) or in the free space of an existing one. Every word of the
+// command has its own buffer; a word left blank holds one blank, so the
+// command keeps its blanks.
+#include <Library/PrintLib.h>
+#include <Protocol/Host/TarnSetup.h>
+
+#include "EsaDrvMgr.h"
+#include "LsiBackend.h"
+#include "RaidLibToolRunner.h"
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
+
+constinit UINT32 gLsiCommandForm = 0;
+
+namespace {
+
+typedef CHAR16 WORD_BUFFER[LSI_CREATE_WORD_CHARS];
+
+// The words of the command that come from the parameter record.
+struct CreateWords {
+  WORD_BUFFER Size;
+  WORD_BUFFER Name;
+  WORD_BUFFER Span;
+  WORD_BUFFER DiskCache;
+  WORD_BUFFER Io;
+  WORD_BUFFER Write;
+  WORD_BUFFER Read;
+  WORD_BUFFER After;
+  CHAR16 Drives[LSI_DRIVE_LIST_CHARS];
+};
+
+VOID SetWord(WORD_BUFFER Word, const CHAR16 *Text) {
+  UnicodeSPrint(Word, sizeof(WORD_BUFFER), u"%s", Text);
+}
+
+// The unit text of the size word; storcli's default unit for others.
+const CHAR16 *UnitText(UINT32 Unit) {
+  switch (Unit) {
+    case RAID_UNIT_GB:
+      return u"GB";
+    case RAID_UNIT_TB:
+      return u"TB";
+    default:
+      return u"MB";
+  }
+}
+
+// The size, name and policy words.
+VOID BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
+                         CreateWords *Words) {
+  UINT64 Whole = Parameter->Size / 1000;
+  if (Whole == 0) {
+    SetWord(Words->Size, u" ");  // The tool then takes all the space.
+  } else {
+    UnicodeSPrint(Words->Size, sizeof(WORD_BUFFER), u"size=%d.%03d%S",
+                  static_cast<UINT32>(Whole),
+                  static_cast<UINT32>(Parameter->Size % 1000),
+                  UnitText(RAID_VOLUME_SIZE_UNIT));
+  }
+  if (Parameter->Name == nullptr || Parameter->Name[0] == 0) {
+    SetWord(Words->Name, u" ");
+  } else {
+    UnicodeSPrint(Words->Name, sizeof(WORD_BUFFER), u"name=%S",
+                  Parameter->Name);
+  }
+  SetWord(Words->DiskCache,
+          Parameter->DiskCachePolicy == RAID_DISK_CACHE_POLICY_OFF  ? u"off"
+          : Parameter->DiskCachePolicy == RAID_DISK_CACHE_POLICY_ON ? u"on"
+                                                                   : u"default");
+  SetWord(Words->Io, Parameter->IoPolicy == RAID_IO_POLICY_CACHED   ? u"cached"
+                     : Parameter->IoPolicy == RAID_IO_POLICY_DIRECT ? u"direct"
+                                                                    : u"");
+  SetWord(Words->Write,
+          Parameter->WritePolicy == RAID_WRITE_POLICY_WRITE_THROUGH ? u"wt"
+          : Parameter->WritePolicy == RAID_WRITE_POLICY_WRITE_BACK  ? u"wb"
+          : Parameter->WritePolicy == RAID_WRITE_POLICY_ALWAYS_WRITE_BACK
+              ? u"awb"
+              : u"");
+  SetWord(Words->Read,
+          Parameter->ReadPolicy == RAID_READ_POLICY_ALWAYS_READ_AHEAD ? u"ra"
+          : Parameter->ReadPolicy == RAID_READ_POLICY_NO_READ_AHEAD   ? u"nora"
+                                                                      : u"");
+  SetWord(Words->After, u"");
+}
+
+// "pdperarray=N" for the nested levels, blank for the others.
+VOID BuildSpanWord(UINT32 RaidLevel, UINT32 DriveCount, CreateWords *Words) {
+  if (RaidLevel == 10 || RaidLevel == 50 || RaidLevel == 60) {
+    UnicodeSPrint(Words->Span, sizeof(WORD_BUFFER), u"pdperarray=%d",
+                  LsiDrivesPerSpan(RaidLevel, DriveCount));
+  } else {
+    SetWord(Words->Span, u" ");
+  }
+}
+
+// TRUE when Id is in the id block, which ends at RAID_DRIVE_LIST_END or
+// after Limit entries.
+bool IdListed(const UINT32 *Ids, UINTN Limit, UINT32 Id) {
+  for (UINTN Index = 0; Ids != nullptr && Index < Limit; Index++) {
+    if (Ids[Index] == RAID_DRIVE_LIST_END) {
+      return false;
+    }
+    if (Ids[Index] == Id) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A drive id block with the most entries a controller can list.
+struct IdBlock {
+  const UINT32 *Ids;
+  UINTN Limit;
+};
+
+BOOLEAN TakeListedDrive(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
+  const IdBlock *Block = static_cast<const IdBlock *>(Context);
+  return IdListed(Block->Ids, Block->Limit, Drive->Id) ? TRUE : FALSE;
+}
+
+BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
+  return Drive->Role != RAID_ROLE_HOT_SPARE ? TRUE : FALSE;
+}
+
+// Longest id block read without its own count (hot spares).
+constexpr UINTN kMaxListedDrives = 1024;
+
+// Runs "add vd" in the module's command form.
+VOID RunCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
+               const RAID_VOLUME_PARAMETER *Parameter,
+               const CreateWords *Words, UINT32 *ErrorCode) {
+  const CHAR16 *Tool = Controller->Capability->ToolName;
+  UINT32 CardId = Controller->Private->CardId;
+  if (gLsiCommandForm == 0) {
+    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
+                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+                   u"%S strip=%d %S mronly nolog",
+                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
+                   Words->Drives, Words->Span, Words->DiskCache, Words->Io,
+                   Words->Write, Words->Read, Parameter->StripeSize,
+                   Words->After);
+  } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
+    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
+                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+                   u"mronly nolog",
+                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
+                   Words->Drives, Words->Span, Words->DiskCache, Words->Write,
+                   Words->Read);
+  } else {
+    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
+                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S "
+                   u"mronly nolog",
+                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
+                   Words->Drives, Words->Span, Words->DiskCache);
+  }
+}
+
+// Assigns the new array's hot spares. Only the first enclosure is named:
+// the slots piece runs up to the next ":" of the list.
+VOID RunAddHotSpares(RAID_CONTROLLER *Controller,
+                     const RAID_VOLUME_PARAMETER *Parameter,
+                     UINT32 *ErrorCode) {
+  CHAR16 Spares[LSI_DRIVE_LIST_CHARS];
+  IdBlock Block = {Parameter->SpareList, kMaxListedDrives};
+  LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Block,
+                    Spares, LSI_DRIVE_LIST_CHARS);
+  CHAR16 *Position = nullptr;
+  CHAR16 *Enclosure = RaidLibTokenize(Spares, u":", &Position);
+  CHAR16 *Slots = RaidLibTokenize(nullptr, u":", &Position);
+  UINT32 NewArrayNumber = static_cast<UINT32>(
+      CountListEntries(&Controller->ArrayList));
+  LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
+                 u"%S /c%d/e%S/s%S add hotsparedrive dgs=%d mronly nolog",
+                 Controller->Capability->ToolName, Controller->Private->CardId,
+                 Enclosure != nullptr ? Enclosure : u"",
+                 Slots != nullptr ? Slots : u"", NewArrayNumber);
+}
+
+// A new array from the parameter's member drives, then its hot spares.
+// Returns FALSE (with the error code set) when nothing could be run.
+bool CreateInNewArray(RAID_CONTROLLER *Controller,
+                      const RAID_VOLUME_PARAMETER *Parameter,
+                      CreateWords *Words, UINT32 *ErrorCode) {
+  IdBlock Members = {Parameter->DriveList, Parameter->DriveCount};
+  if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
+      Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
+    *ErrorCode = LSI_ERROR_NO_FREE_DRIVES;
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]No Free Physical Drives!\n");
+    return false;
+  }
+  LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Members,
+                    Words->Drives, LSI_DRIVE_LIST_CHARS);
+  BuildSpanWord(Parameter->RaidLevel, Parameter->DriveCount, Words);
+  RunCreate(Controller, Parameter->RaidLevel, Parameter, Words, ErrorCode);
+  if (Parameter->SpareList != nullptr &&
+      Parameter->SpareList[0] != RAID_DRIVE_LIST_END) {
+    RunAddHotSpares(Controller, Parameter, ErrorCode);
+  }
+  return true;
+}
+
+// A volume in the chosen free segment of an existing array.
+bool CreateInExistingArray(RAID_CONTROLLER *Controller,
+                           const RAID_VOLUME_PARAMETER *Parameter,
+                           CreateWords *Words, UINT32 *ErrorCode) {
+  RAID_ARRAY *Array = nullptr;
+  for (RAID_ARRAY *Candidate :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+    if (Candidate->Id == Parameter->ArrayId) {
+      Array = Candidate;
+      break;
+    }
+  }
+  if (Array == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Array %d is empty!\n",
+                   Parameter->ArrayId);
+    return false;
+  }
+  LsiBuildDriveList(&Array->DriveList, TakeArrayMember, nullptr, Words->Drives,
+                    LSI_DRIVE_LIST_CHARS);
+  for (RAID_VOLUME *Segment :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    if (Segment->IsVolume == 0 && Segment->Id == Parameter->FreeSegmentId) {
+      if (Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME) {
+        SetWord(Words->After, u" ");
+      } else {
+        UnicodeSPrint(Words->After, sizeof(WORD_BUFFER), u"AfterVd=%d",
+                      Segment->State);
+      }
+      break;
+    }
+  }
+  if (Words->After[0] == 0) {
+    SetWord(Words->After, u" ");  // No such segment: no placement asked.
+  }
+  BuildSpanWord(Array->RaidLevel, Array->MemberDriveCount, Words);
+  RunCreate(Controller, Array->RaidLevel, Parameter, Words, ErrorCode);
+  return true;
+}
+
+}  // namespace
+
+// Creates the volume, judges the last command's output and re-reads the
+// controller, whose refresh status is returned.
+EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
+                           UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  RAID_CONTROLLER *Controller =
+      Parameter != nullptr ? RaidLibGetController(Parameter->ControllerId)
+                           : nullptr;
+  if (Controller == nullptr || Controller->Private == nullptr ||
+      Controller->Capability == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Not find controller.\n");
+    return EFI_NOT_FOUND;
+  }
+  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  if (!EFI_ERROR(Status)) {
+    gRaidToolOutput[0] = 0;
+    if (Controller->Private->CardId == RAID_CARD_ID_UNSET) {
+      *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
+    } else {
+      CreateWords Words;
+      BuildParameterWords(Parameter, &Words);
+      bool Ran = Parameter->NewArray != 0
+                     ? CreateInNewArray(Controller, Parameter, &Words, ErrorCode)
+                     : CreateInExistingArray(Controller, Parameter, &Words,
+                                             ErrorCode);
+      if (Ran && EFI_ERROR(ParseErrCd(gRaidToolOutput, ErrorCode))) {
+        RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Parse error code error\n");
+      }
+    }
+  }
+  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
+  UINT32 RefreshError = 0;
+  Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
+  if (*ErrorCode == 0) {
+    *ErrorCode = RefreshError;
+  }
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Error code: 0x%x, Status: %r\n",
+                 *ErrorCode, Status);
+  return Status;
+}

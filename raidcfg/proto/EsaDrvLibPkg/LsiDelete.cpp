@@ -1,0 +1,113 @@
+// Deleting volumes with storcli ("/cN/vM del force"): one volume, or every
+// volume of an array, which removes the array with its last volume.
+#include <Protocol/Host/TarnSetup.h>
+
+#include "LsiBackend.h"
+#include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+// The controller behind an array, complete enough to build commands.
+RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
+  if (Array == nullptr || Array->Controller == nullptr) {
+    return nullptr;
+  }
+  RAID_CONTROLLER *Controller = Array->Controller;
+  if (Controller->Private == nullptr || Controller->Capability == nullptr ||
+      Controller->Capability->ToolName == nullptr) {
+    return nullptr;
+  }
+  return Controller;
+}
+
+// Deletes one volume; the verdict lands in *ErrorCode.
+EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+                     UINT32 VolumeId, UINT32 *ErrorCode) {
+  RaidLibRunToolInto(Caller, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE, ErrorCode,
+                     u"%S /c%d/v%d del force mronly nolog",
+                     Controller->Capability->ToolName,
+                     Controller->Private->CardId, VolumeId);
+  EFI_STATUS Status = ParseErrCd(gRaidToolOutput, ErrorCode);
+  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
+  return Status;
+}
+
+// Re-reads the controller after deletions; its error code stands only when
+// the deletions left none.
+VOID RefreshAfterDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+                        UINT32 *ErrorCode) {
+  UINT32 RefreshError = 0;
+  EFI_STATUS Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
+  if ((EFI_ERROR(Status) || RefreshError != 0) &&
+      gRaidLibSetupProtocol != nullptr &&
+      gRaidLibSetupProtocol->DebugPrint != nullptr) {
+    gRaidLibSetupProtocol->DebugPrint(
+        TARN_DEBUG_ERROR,
+        "[%a] Failed to refresh controller information, Status: %r, Error "
+        "code: 0x%x\n",
+        Caller, Status, RefreshError);
+  }
+  if (*ErrorCode == 0) {
+    *ErrorCode = RefreshError;
+  }
+}
+
+// Checks what every deletion needs: the tool runner and a card number.
+EFI_STATUS PrepareDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  if (Controller->Private->CardId == RAID_CARD_ID_UNSET) {
+    *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
+    return EFI_ABORTED;
+  }
+  return EFI_SUCCESS;
+}
+
+}  // namespace
+
+// Deletes every volume of the array, in list order, even after a failure;
+// the error code holds the last verdict.
+EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  RAID_CONTROLLER *Controller = UsableController(Array);
+  if (Controller == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return EFI_ABORTED;
+  }
+  EFI_STATUS Status = PrepareDelete(Controller, ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  for (RAID_VOLUME *Volume :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    if (Volume->IsVolume == 1) {
+      Status = DeleteOne(__func__, Controller, Volume->Id, ErrorCode);
+    }
+  }
+  // The refresh frees Array: it is not touched after this point.
+  RefreshAfterDelete(__func__, Controller, ErrorCode);
+  return Status;
+}
+
+// Deletes one volume.
+EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  RAID_CONTROLLER *Controller =
+      Volume != nullptr ? UsableController(Volume->Array) : nullptr;
+  if (Controller == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return EFI_ABORTED;
+  }
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Controller id: %d, Array id: %d\n",
+                 Controller->Id, Volume->Array->Id);
+  EFI_STATUS Status = PrepareDelete(Controller, ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  Status = DeleteOne(__func__, Controller, Volume->Id, ErrorCode);
+  RefreshAfterDelete(__func__, Controller, ErrorCode);
+  return Status;
+}

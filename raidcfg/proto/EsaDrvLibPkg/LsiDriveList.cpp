@@ -1,0 +1,95 @@
+// Drive lists of storcli's create and hot-spare commands, and the number of
+// drives per span of the nested RAID levels.
+#include <Library/PrintLib.h>
+
+#include "LsiBackend.h"
+
+namespace {
+
+// Appends formatted text at *Used within Buffer, cutting it to fit.
+VOID Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
+            const CHAR16 *Format, UINT32 Number) {
+  if (*Used + 1 >= BufferChars) {
+    return;
+  }
+  *Used += UnicodeSPrint(Buffer + *Used, (BufferChars - *Used) * sizeof(CHAR16),
+                         Format, Number);
+}
+
+// TRUE when Drive is taken and an earlier taken drive of the list shares its
+// enclosure (so its enclosure's group is already written).
+bool EnclosureSeenBefore(LIST_ENTRY *List, RAID_PHYSICAL_DRIVE *Drive,
+                         LSI_DRIVE_FILTER Filter, const VOID *Context) {
+  for (RAID_PHYSICAL_DRIVE *Earlier :
+       uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
+    if (Earlier == Drive) {
+      return false;
+    }
+    if (Earlier->Position != nullptr && Filter(Earlier, Context) &&
+        Earlier->Position->EnclosureId == Drive->Position->EnclosureId) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+// Groups the taken drives by enclosure: "E:s,s,E2:s".
+VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
+                       const VOID *Context, CHAR16 *Buffer,
+                       UINTN BufferChars) {
+  if (BufferChars == 0) {
+    return;
+  }
+  Buffer[0] = 0;
+  if (List == nullptr || List->ForwardLink == nullptr) {
+    return;
+  }
+  UINTN Used = 0;
+  for (RAID_PHYSICAL_DRIVE *First :
+       uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
+    if (First->Position == nullptr || !Filter(First, Context) ||
+        EnclosureSeenBefore(List, First, Filter, Context)) {
+      continue;
+    }
+    UINT32 Enclosure = First->Position->EnclosureId;
+    Append(Buffer, BufferChars, &Used, Used == 0 ? u"%d:" : u",%d:", Enclosure);
+    bool FirstSlot = true;
+    bool Reached = false;
+    for (RAID_PHYSICAL_DRIVE *Drive :
+         uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
+      Reached = Reached || Drive == First;
+      if (!Reached || Drive->Position == nullptr || !Filter(Drive, Context) ||
+          Drive->Position->EnclosureId != Enclosure) {
+        continue;
+      }
+      Append(Buffer, BufferChars, &Used, FirstSlot ? u"%d" : u",%d",
+             Drive->Position->SlotNumber);
+      FirstSlot = false;
+    }
+  }
+}
+
+// RAID 10: the smallest even span size from 2 to n/2 that divides n into at
+// most eight spans. RAID 50 and 60: two spans.
+UINT32 LsiDrivesPerSpan(UINT32 RaidLevel, UINT32 DriveCount) {
+  if (RaidLevel == 10) {
+    if (DriveCount < 4 || DriveCount % 2 != 0) {
+      return 0;
+    }
+    for (UINT32 PerSpan = 2; PerSpan <= DriveCount / 2; PerSpan += 2) {
+      if (DriveCount % PerSpan == 0 && DriveCount / PerSpan < 9) {
+        return PerSpan;
+      }
+    }
+    return 0;
+  }
+  if (RaidLevel == 50 || RaidLevel == 60) {
+    if (DriveCount < 6 || DriveCount % 2 != 0) {
+      return 0;
+    }
+    return DriveCount / 2;
+  }
+  return 0;
+}

@@ -1,0 +1,232 @@
+// Changing drive states with storcli: one drive (the model is edited in
+// place, without a re-read) or every drive at once (followed by a re-read).
+// A drive is addressed by its enclosure and slot.
+#include <Protocol/Host/TarnSetup.h>
+
+#include "LsiBackend.h"
+#include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+constexpr const CHAR8 *kCaller = "LsiSetPhysicalDriveState";
+
+// Runs "<tool> /cN/eE/sS <Action> mronly nolog"; TRUE when the tool said
+// success.
+bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                const CHAR16 *Action, UINT32 *ErrorCode) {
+  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
+                 u"%S /c%d/e%d/s%d %s mronly nolog",
+                 Controller->Capability->ToolName, Controller->Private->CardId,
+                 Drive->Position->EnclosureId, Drive->Position->SlotNumber,
+                 Action);
+  UINT32 Result = LSI_ACTION_FAILED;
+  ParseActionStatus(gRaidToolOutput, Controller, &Result);
+  return Result == LSI_ACTION_SUCCEEDED;
+}
+
+// Clears the adapter's foreign configuration ("/fall delete").
+bool RunForeignDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
+                 u"%S /c%d/fall delete mronly nolog",
+                 Controller->Capability->ToolName, Controller->Private->CardId);
+  UINT32 Result = LSI_ACTION_FAILED;
+  ParseActionStatus(gRaidToolOutput, Controller, &Result);
+  return Result == LSI_ACTION_SUCCEEDED;
+}
+
+// A global hot spare that is no longer one: back to the unconfigured list.
+VOID MoveSpareToUnconfigured(RAID_CONTROLLER *Controller,
+                             RAID_PHYSICAL_DRIVE *Drive) {
+  RemoveEntryList(&Drive->Link);
+  InsertTailList(&Controller->PhysicalDriveList, &Drive->Link);
+  Drive->Owner = Controller;
+  Drive->Role = RAID_ROLE_UNCONFIGURED;
+  Drive->State = RAID_STATE_UGOOD;
+  Controller->UnconfiguredDriveCount++;
+  if (Controller->GlobalSpareCount > 0) {
+    Controller->GlobalSpareCount--;
+  }
+}
+
+// A drive that became a global hot spare.
+VOID MoveToSpares(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
+  RemoveEntryList(&Drive->Link);
+  InsertTailList(&Controller->SpareDriveList, &Drive->Link);
+  Drive->Owner = Controller;
+  Drive->Role = RAID_ROLE_HOT_SPARE;
+  Drive->State = RAID_STATE_GHS;
+  if (Controller->UnconfiguredDriveCount > 0) {
+    Controller->UnconfiguredDriveCount--;
+  }
+  Controller->GlobalSpareCount++;
+}
+
+// To unconfigured good, by the drive's current state.
+VOID MakeUnconfiguredGood(RAID_CONTROLLER *Controller,
+                          RAID_PHYSICAL_DRIVE *Drive, UINT32 *ErrorCode) {
+  switch (Drive->State) {
+    case RAID_STATE_GHS:
+      if (!RunOnDrive(Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
+        *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
+        return;
+      }
+      MoveSpareToUnconfigured(Controller, Drive);
+      return;
+    case RAID_STATE_UGOOD_FOREIGN:
+      if (!RunForeignDelete(Controller, ErrorCode)) {
+        *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
+        return;
+      }
+      break;
+    case RAID_STATE_UBAD_FOREIGN:
+      if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode) ||
+          !RunForeignDelete(Controller, ErrorCode)) {
+        *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
+        return;
+      }
+      break;
+    default:
+      if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode)) {
+        *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
+        return;
+      }
+      break;
+  }
+  Drive->State = RAID_STATE_UGOOD;
+}
+
+// To JBOD; a global hot spare is released first. The model shows JBOD
+// even when that release fails.
+VOID MakeJbod(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+              UINT32 *ErrorCode) {
+  if (Drive->State == RAID_STATE_GHS) {
+    if (!RunOnDrive(Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
+      Drive->Role = RAID_ROLE_UNCONFIGURED;
+      Drive->State = RAID_STATE_JBOD;
+      *ErrorCode = LSI_ERROR_DELETE_HOT_SPARE;
+      return;
+    }
+    MoveSpareToUnconfigured(Controller, Drive);
+  }
+  RunOnDrive(Controller, Drive, u"set jbod", ErrorCode);  // Not judged.
+  Drive->Role = RAID_ROLE_UNCONFIGURED;
+  Drive->State = RAID_STATE_JBOD;
+}
+
+// To global hot spare; a JBOD drive becomes unconfigured good first.
+VOID MakeGlobalSpare(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                     UINT32 *ErrorCode) {
+  if (Drive->State == RAID_STATE_JBOD) {
+    if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode)) {
+      *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
+      return;
+    }
+    Drive->State = RAID_STATE_UGOOD;
+  }
+  if (!RunOnDrive(Controller, Drive, u"add hotsparedrive", ErrorCode)) {
+    *ErrorCode = LSI_ERROR_ADD_HOT_SPARE;
+    return;
+  }
+  MoveToSpares(Controller, Drive);
+}
+
+// Missing, online, offline: the state changes only when the tool agrees,
+// and a refusal is not reported.
+VOID SetSimpleState(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                    const CHAR16 *Action, UINT32 NewState) {
+  UINT32 RunError = 0;
+  if (RunOnDrive(Controller, Drive, Action, &RunError)) {
+    Drive->State = NewState;
+  }
+}
+
+}  // namespace
+
+// Changes one drive's state and edits the model to match. On a failure the
+// status is the error code's low byte, without the error bit: callers judge
+// by the error code.
+EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
+                                    RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
+                                    UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  if (Controller == nullptr || Controller->Private == nullptr ||
+      Controller->Capability == nullptr || Drive == nullptr ||
+      Drive->Position == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return EFI_ABORTED;
+  }
+  switch (State) {
+    case RAID_STATE_UGOOD:
+      MakeUnconfiguredGood(Controller, Drive, ErrorCode);
+      break;
+    case RAID_STATE_MISSING:
+      SetSimpleState(Controller, Drive, u"set missing", RAID_STATE_MISSING);
+      break;
+    case RAID_STATE_JBOD:
+      MakeJbod(Controller, Drive, ErrorCode);
+      break;
+    case RAID_STATE_GHS:
+      MakeGlobalSpare(Controller, Drive, ErrorCode);
+      break;
+    case RAID_STATE_ONLINE:
+      SetSimpleState(Controller, Drive, u"set online", RAID_STATE_ONLINE);
+      break;
+    case RAID_STATE_OFFLINE:
+      SetSimpleState(Controller, Drive, u"set offline", RAID_STATE_OFFLINE);
+      break;
+    default:
+      *ErrorCode = LSI_ERROR_INVALID_STATE;
+      break;
+  }
+  EFI_STATUS Status =
+      *ErrorCode == 0 ? EFI_SUCCESS : static_cast<EFI_STATUS>(*ErrorCode & 0xFF);
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] ErrorCode: 0x%x, Status = %r.\n",
+                 *ErrorCode, Status);
+  return Status;
+}
+
+// Changes every drive to unconfigured good or JBOD, then re-reads the
+// controller; the tool's verdict is not judged.
+EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
+                                       UINT32 State, UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  if (Controller == nullptr || Controller->Private == nullptr ||
+      Controller->Capability == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return EFI_ABORTED;
+  }
+  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  const CHAR16 *Tool = Controller->Capability->ToolName;
+  UINT32 CardId = Controller->Private->CardId;
+  if (State == RAID_STATE_UGOOD) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_UGOOD \n");
+    LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
+                 u"%S /c%d/eall/sall del jbod force mronly nolog", Tool,
+                 CardId);
+  } else if (State == RAID_STATE_JBOD) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_JBOD \n");
+    LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
+                 u"%S /c%d/eall/sall set jbod mronly nolog", Tool, CardId);
+  } else {
+    *ErrorCode = LSI_ERROR_INVALID_STATE;
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a] execute the default INVALID_RAID_STATE \n");
+  }
+  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
+  UINT32 RefreshError = 0;
+  Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
+  if (EFI_ERROR(Status) || RefreshError != 0) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a] Failed to refresh controller information\n");
+  }
+  if (*ErrorCode == 0) {
+    *ErrorCode = RefreshError;
+  }
+  RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Error code: 0x%x, status = %r.\n",
+                 *ErrorCode, Status);
+  return Status;
+}

@@ -1,0 +1,275 @@
+// Building arrays, volumes and drives from the rows of storcli's tables.
+#include "LsiModel.h"
+
+#include <Library/BaseLib.h>
+#include <Library/MemoryAllocationLib.h>
+#include <Library/PrintLib.h>
+
+#include "LsiBackend.h"
+#include "RaidLibText.h"
+
+namespace {
+
+// Owned blocks the backend hangs on arrays and volumes.
+constexpr UINTN kArrayExtraSize = 3;
+constexpr UINTN kVolumeExtraSize = 4;
+// Longest drive model kept.
+constexpr UINTN kModelChars = 100;
+
+// State word to state code and role, for one kind of DG column.
+struct StateRule {
+  const CHAR16 *Word;
+  UINT32 State;
+  UINT32 Role;
+};
+
+// A drive in no array ("-" in the DG column).
+constexpr StateRule kUnassignedRules[] = {
+    {u"UGood", RAID_STATE_UGOOD, RAID_ROLE_UNCONFIGURED},
+    {u"UBad", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED},
+    {u"UBUnsp", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED},
+    {u"Onln", RAID_STATE_JBOD, RAID_ROLE_UNCONFIGURED},
+    {u"JBOD", RAID_STATE_JBOD, RAID_ROLE_UNCONFIGURED},
+    {u"GHS", RAID_STATE_GHS, RAID_ROLE_HOT_SPARE},
+};
+// A drive with a foreign configuration ("F").
+constexpr StateRule kForeignRules[] = {
+    {u"UBad", RAID_STATE_UBAD_FOREIGN, RAID_ROLE_UNCONFIGURED},
+    {u"UGood", RAID_STATE_UGOOD_FOREIGN, RAID_ROLE_UNCONFIGURED},
+};
+// A drive of an array (a DG number).
+constexpr StateRule kMemberRules[] = {
+    {u"Onln", RAID_STATE_ONLINE, RAID_ROLE_MEMBER},
+    {u"Rbld", RAID_STATE_REBUILD, RAID_ROLE_MEMBER},
+    {u"Offln", RAID_STATE_OFFLINE, RAID_ROLE_MEMBER},
+    {u"DHS", RAID_STATE_DHS, RAID_ROLE_HOT_SPARE},
+};
+
+// A foreign drive in another state keeps the state its record started with.
+constexpr UINT32 kStateUnset = 0xFFFFFFFEU;
+
+template <UINTN N>
+StateRule Classify(const StateRule (&Rules)[N], const CHAR16 *Word,
+                   StateRule Otherwise) {
+  for (const StateRule &Rule : Rules) {
+    if (LsiWordIs(Word, Rule.Word)) {
+      return Rule;
+    }
+  }
+  return Otherwise;
+}
+
+// A pool copy of a formatted name ("Array%d", "FreeCapacity%d").
+CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
+  CHAR16 Name[32];
+  UnicodeSPrint(Name, sizeof(Name), Format, Number);
+  return AllocDestStr(Name);
+}
+
+// The digits after "RAID" in a type word ("RAID10" gives 10).
+UINT8 LevelOfType(const CHAR16 *Type) {
+  if (Type == nullptr || StrLen(Type) <= 4) {
+    return 0;
+  }
+  return static_cast<UINT8>(RaidLibReadDecimal(Type + 4));
+}
+
+// The number behind the first Separator of Word; 0 without one.
+UINT32 NumberAfter(const CHAR16 *Word, CHAR16 Separator) {
+  if (Word == nullptr) {
+    return 0;
+  }
+  for (; *Word != 0; Word++) {
+    if (*Word == Separator) {
+      return static_cast<UINT32>(RaidLibReadDecimal(Word + 1));
+    }
+  }
+  return 0;
+}
+
+UINT32 ReadNumber(const CHAR16 *Word) {
+  return static_cast<UINT32>(RaidLibReadDecimal(Word));
+}
+
+// Fills the drive's own fields from its row.
+EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const LSI_ROW *Row) {
+  Drive->Location = LsiCopyStripped(Row->Words[0], 0);
+  Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
+  Drive->Model = LsiCopyStripped(Row->Words[11] != nullptr ? Row->Words[11]
+                                                           : u"",
+                                 kModelChars);
+  if (Drive->Location == nullptr || Drive->Position == nullptr ||
+      Drive->Model == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Drive->Position->EnclosureId = ReadNumber(Row->Words[0]);
+  Drive->Position->SlotNumber = NumberAfter(Row->Words[0], u':');
+  Drive->Id = ReadNumber(Row->Words[1]);
+  Drive->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
+  Drive->SizeUnit = LsiUnitCode(Row->Words[5]);
+  Drive->MediaType = RaidLibMediaCode(Row->Words[6], Row->Words[7]);
+  return EFI_SUCCESS;
+}
+
+// Links an unassigned or foreign drive into the controller's lists.
+VOID PlaceUnassigned(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                     StateRule Rule) {
+  if (Rule.State != kStateUnset) {
+    Drive->State = Rule.State;
+  }
+  Drive->Role = Rule.Role;
+  Drive->Owner = Controller;
+  if (Rule.State == RAID_STATE_GHS) {
+    InsertTailList(&Controller->SpareDriveList, &Drive->Link);
+    Controller->GlobalSpareCount++;
+  } else {
+    InsertTailList(&Controller->PhysicalDriveList, &Drive->Link);
+    Controller->UnconfiguredDriveCount++;
+  }
+}
+
+// Links a drive of an array into that array's DriveList.
+VOID PlaceMember(RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Drive,
+                 StateRule Rule) {
+  Drive->State = Rule.State;
+  Drive->Role = Rule.Role;
+  Drive->Owner = Array;
+  InsertTailList(&Array->DriveList, &Drive->Link);
+  if (Rule.State == RAID_STATE_DHS) {
+    Array->DedicatedSpareCount++;
+  } else {
+    Array->MemberDriveCount++;
+  }
+}
+
+}  // namespace
+
+EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count) {
+  FreePool(Controller->DriveTable);
+  Controller->DriveTable = static_cast<RAID_PHYSICAL_DRIVE **>(
+      AllocateZeroPool((static_cast<UINTN>(Count) + 1) *
+                       sizeof(RAID_PHYSICAL_DRIVE *)));
+  return Controller->DriveTable == nullptr ? EFI_OUT_OF_RESOURCES
+                                           : EFI_SUCCESS;
+}
+
+RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+    if (Array->Id == Id) {
+      return Array;
+    }
+  }
+  return nullptr;
+}
+
+UINT32 LsiVolumeStateCode(const CHAR16 *Word) {
+  if (LsiWordIs(Word, u"Optl")) {
+    return RAID_STATE_OPTIMAL;
+  }
+  if (LsiWordIs(Word, u"Dgrd")) {
+    return RAID_STATE_DEGRADED;
+  }
+  if (LsiWordIs(Word, u"Pdgd")) {
+    return RAID_STATE_PARTIALLY_DEGRADED;
+  }
+  if (LsiWordIs(Word, u"OfLn")) {
+    return RAID_STATE_OFFLINE;
+  }
+  return RAID_STATE_INVALID;
+}
+
+EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+  RAID_ARRAY *Array = uefi::AllocateRecord<RAID_ARRAY>();
+  if (Array == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  InitializeListHead(&Array->DriveList);
+  InitializeListHead(&Array->SegmentList);
+  Array->Controller = Controller;
+  Array->Id = ReadNumber(Row->Words[0]);
+  Array->Name = NewNumberedName(u"Array%d", Array->Id);
+  Array->Extra = AllocateZeroPool(kArrayExtraSize);
+  if (Array->Name == nullptr || Array->Extra == nullptr) {
+    FreePool(Array->Name);
+    FreePool(Array->Extra);
+    FreePool(Array);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Array->RaidLevel = LevelOfType(Row->Words[5]);
+  Array->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
+  Array->SizeUnit = LsiUnitCode(Row->Words[9]);
+  InsertTailList(&Controller->ArrayList, &Array->Link);
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+  RAID_ARRAY *Array = LsiFindArray(Controller, ReadNumber(Row->Words[0]));
+  if (Array == nullptr) {
+    return EFI_SUCCESS;  // A row of no array read: a fault of the output.
+  }
+  RAID_VOLUME *Volume = uefi::AllocateRecord<RAID_VOLUME>();
+  if (Volume == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  // Only the name's first word is in the row's eleventh word.
+  Volume->Name = LsiCopyStripped(
+      Row->Words[9] != nullptr && Row->Words[10] != nullptr ? Row->Words[10]
+                                                            : u"",
+      0);
+  Volume->Extra = AllocateZeroPool(kVolumeExtraSize);
+  if (Volume->Name == nullptr || Volume->Extra == nullptr) {
+    RaidLibFreeSegment(Volume);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Volume->Array = Array;
+  Volume->Id = NumberAfter(Row->Words[0], u'/');
+  Volume->IsVolume = 1;
+  Volume->State = LsiVolumeStateCode(Row->Words[2]);
+  Volume->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
+  Volume->SizeUnit = LsiUnitCode(Row->Words[9]);
+  InsertTailList(&Array->SegmentList, &Volume->Link);
+  Array->VolumeCount++;
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
+                       RAID_PHYSICAL_DRIVE **Drive) {
+  *Drive = nullptr;
+  const CHAR16 *Group = Row->Words[3];
+  const CHAR16 *StateWord = Row->Words[2];
+  RAID_ARRAY *Array = nullptr;
+  bool Unassigned = LsiWordIs(Group, u"-");
+  bool Foreign = LsiWordIs(Group, u"F");
+  if (!Unassigned && !Foreign) {
+    Array = Group == nullptr ? nullptr
+                             : LsiFindArray(Controller, ReadNumber(Group));
+    if (Array == nullptr) {
+      return EFI_SUCCESS;  // No DG column, or a DG of no array read.
+    }
+  }
+  RAID_PHYSICAL_DRIVE *Record = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();
+  if (Record == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  if (EFI_ERROR(FillDrive(Record, Row))) {
+    RaidLibFreePhysicalDrive(Record);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  if (Unassigned) {
+    PlaceUnassigned(Controller, Record,
+                    Classify(kUnassignedRules, StateWord,
+                             {nullptr, RAID_STATE_INVALID,
+                              RAID_ROLE_UNCONFIGURED}));
+  } else if (Foreign) {
+    PlaceUnassigned(Controller, Record,
+                    Classify(kForeignRules, StateWord,
+                             {nullptr, kStateUnset, RAID_ROLE_UNCONFIGURED}));
+  } else {
+    PlaceMember(Array, Record,
+                Classify(kMemberRules, StateWord,
+                         {nullptr, RAID_STATE_INVALID, RAID_ROLE_OTHER}));
+  }
+  *Drive = Record;
+  return EFI_SUCCESS;
+}

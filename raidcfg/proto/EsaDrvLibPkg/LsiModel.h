@@ -1,0 +1,34 @@
+// Building the controller's records from the rows of storcli's tables.
+// Each function leaves the model consistent: a record is either fully
+// linked in or freed again.
+#pragma once
+
+#include <Uefi.h>
+
+#include "LsiText.h"
+#include "RaidLib.h"
+
+// Replaces DriveTable by a zeroed table of Count + 1 entries.
+EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count);
+
+// The array with drive-group number Id, or NULL.
+RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
+
+// An array from a TOPOLOGY row (DG, -, -, -, -, RAIDn, ..., size, unit),
+// appended to ArrayList.
+EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const LSI_ROW *Row);
+
+// A volume from a VD LIST row (DG/VD, TYPE, State, Access, Consist, Cache,
+// Cac, sCC, size, unit, name), appended to its array's SegmentList. A row
+// naming no known array is skipped.
+EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const LSI_ROW *Row);
+
+// A drive from a PD LIST row (EID:Slt, DID, State, DG, size, unit, Intf,
+// Med, SED, PI, SeSz, Model), linked where its DG and State put it. *Drive
+// is the new record, or NULL when the row was skipped (a DG of no known
+// array).
+EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
+                       RAID_PHYSICAL_DRIVE **Drive);
+
+// The volume state code of a VD LIST State word.
+UINT32 LsiVolumeStateCode(const CHAR16 *Word);

@@ -1,0 +1,216 @@
+// The controller summary ("storcli /cN show"): the adapter's names, then
+// three tables, each announced by a "<title> = <count>" line and starting
+// eight lines further on (blank lines of CR LF output count):
+//   Drive Groups    -> arrays (rows of the TOPOLOGY table with Arr "-")
+//   Virtual Drives  -> volumes, appended to their array's SegmentList
+//   Physical Drives -> drives, classified by their DG and State columns
+// Tables are read through a copy of the line walk, so the walk itself still
+// sees every line and a table the tool left out costs no later line.
+#include <Library/BaseLib.h>
+#include <Library/MemoryAllocationLib.h>
+#include <Library/PrintLib.h>
+#include <Protocol/Host/TarnSetup.h>
+
+#include "LsiBackend.h"
+#include "LsiModel.h"
+#include "LsiText.h"
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+// Lines from a table's title line to its first row.
+constexpr UINTN kTableRowOffset = 8;
+// The most rows a count line can announce: every row needs a character and
+// a line feed of the output.
+constexpr UINT64 kMaxTableRows = LSI_OUTPUT_CHARS / 2;
+
+// Title and text of the box shown for a dedicated spare without a DG.
+constexpr EFI_STRING_ID kWarningTitleId = 866;
+constexpr UINT8 kWarningBoxStyle = 0;
+
+// "Status = Failure" before the tables: the summary is traced and marked.
+VOID CheckSummaryStatus(CHAR16 *Output, UINT32 *ErrorCode) {
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
+       Line = LsiNextLine(&Lines)) {
+    if (RaidLibStartsWith(Line, u"Status")) {
+      LSI_ROW Scratch;
+      if (LsiWordIs(LsiTrimmedValue(Line, &Scratch), u"Failure")) {
+        LsiTraceAllLines("ParseControllerShow", Output, Lines.End);
+        *ErrorCode = LSI_ERROR_SUMMARY_FAILURE;
+      }
+      return;
+    }
+  }
+}
+
+// Drops the model the previous summary built.
+EFI_STATUS ResetModel(RAID_CONTROLLER *Controller) {
+  RaidLibFreeArrayLink(&Controller->ArrayList);
+  RaidLibFreeDriveList(&Controller->PhysicalDriveList);
+  RaidLibFreeDriveList(&Controller->SpareDriveList);
+  Controller->UnconfiguredDriveCount = 0;
+  Controller->GlobalSpareCount = 0;
+  Controller->DiskDriveCount = 0;
+  return LsiNewDriveTable(Controller, 0);
+}
+
+// Stores the stripped value of a name line in *Field, or traces Missing and
+// keeps the old value when the tool printed a blank value.
+EFI_STATUS StoreName(const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
+  LSI_ROW Scratch;
+  CHAR16 *Value = LsiSecondPiece(Line, &Scratch);
+  if (Value == nullptr || StrCmp(Value, u" \r") == 0) {
+    RAID_LIB_TRACE(TARN_DEBUG_INFO, Missing);
+    return EFI_SUCCESS;
+  }
+  FreePool(*Field);
+  *Field = LsiCopyStripped(Value, 0);
+  return *Field == nullptr ? EFI_OUT_OF_RESOURCES : EFI_SUCCESS;
+}
+
+// The TOPOLOGY table: one array per disk-group row ("-" in the Arr column,
+// a RAID type rather than DRIVE).
+EFI_STATUS ReadDriveGroups(LSI_LINES Lines, RAID_CONTROLLER *Controller) {
+  for (CHAR16 *Line = LsiSkipLines(&Lines, kTableRowOffset);
+       Line != nullptr && !RaidLibStartsWith(Line, u"----");
+       Line = LsiNextLine(&Lines)) {
+    LSI_ROW Row;
+    LsiSplitRow(Line, &Row);
+    if (!LsiWordIs(Row.Words[1], u"-") || Row.Words[5] == nullptr ||
+        LsiWordIs(Row.Words[5], u"DRIVE")) {
+      continue;
+    }
+    EFI_STATUS Status = LsiAddArray(Controller, &Row);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
+  }
+  return EFI_SUCCESS;
+}
+
+// The VD LIST table: RowCount volumes.
+EFI_STATUS ReadVirtualDrives(LSI_LINES Lines, UINT64 RowCount,
+                             RAID_CONTROLLER *Controller) {
+  CHAR16 *Line = RowCount == 0 ? nullptr : LsiSkipLines(&Lines, kTableRowOffset);
+  for (UINT64 Index = 0; Index < RowCount && Line != nullptr;
+       Index++, Line = LsiNextLine(&Lines)) {
+    LSI_ROW Row;
+    LsiSplitRow(Line, &Row);
+    EFI_STATUS Status = LsiAddVolume(Controller, &Row);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
+  }
+  return EFI_SUCCESS;
+}
+
+// Warns the operator of a dedicated spare whose DG column is empty, which
+// slides the size into the DG column.
+VOID WarnSlidColumns(const LSI_ROW &Row) {
+  if (gRaidLibSetupProtocol == nullptr ||
+      gRaidLibSetupProtocol->MessageBox == nullptr) {
+    return;
+  }
+  CHAR16 Text[LSI_ROW_CHARS];
+  UnicodeSPrint(Text, sizeof(Text),
+                u"Hot spare DG is null, the disk is %s.\r\n Please recreate "
+                u"raid valume.\r\n",
+                Row.Words[0]);
+  gRaidLibSetupProtocol->MessageBox(kWarningBoxStyle, kWarningTitleId, 0,
+                                    Text);
+}
+
+// The PD LIST table: RowCount drives; DriveTable gets RowCount + 1 entries.
+EFI_STATUS ReadPhysicalDrives(LSI_LINES Lines, UINT64 RowCount,
+                              RAID_CONTROLLER *Controller) {
+  if (RowCount > kMaxTableRows) {
+    RowCount = kMaxTableRows;
+  }
+  UINT32 Count = static_cast<UINT32>(RowCount);
+  EFI_STATUS Status = LsiNewDriveTable(Controller, Count);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  Controller->DiskDriveCount = Count;
+  UINT32 Filled = 0;
+  CHAR16 *Line = Count == 0 ? nullptr : LsiSkipLines(&Lines, kTableRowOffset);
+  for (UINT32 Index = 0; Index < Count && Line != nullptr;
+       Index++, Line = LsiNextLine(&Lines)) {
+    LSI_ROW Row;
+    if (LsiSplitRow(Line, &Row) == 0) {
+      continue;
+    }
+    if (Row.Words[4] != nullptr && RaidLibContains(Row.Words[4], u"B")) {
+      WarnSlidColumns(Row);
+    }
+    RAID_PHYSICAL_DRIVE *Drive = nullptr;
+    Status = LsiAddDrive(Controller, &Row, &Drive);
+    if (EFI_ERROR(Status)) {
+      Controller->DiskDriveCount = Filled;
+      return Status;
+    }
+    if (Drive != nullptr) {
+      Controller->DriveTable[Filled++] = Drive;
+    }
+  }
+  // A cut or faulty table leaves fewer drives than announced; the count
+  // follows the table so that no reader meets an empty entry early.
+  Controller->DiskDriveCount = Filled;
+  return EFI_SUCCESS;
+}
+
+// Acts on one line of the summary; Lines stands just behind it.
+EFI_STATUS ReadSummaryLine(const CHAR16 *Line, const LSI_LINES &Lines,
+                           RAID_CONTROLLER *Controller) {
+  RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
+  if (RaidLibStartsWith(Line, u"Product Name")) {
+    return StoreName(Line, &Private->ProductName,
+                     "[%a]Controller Device Name: NULL\n");
+  }
+  if (RaidLibStartsWith(Line, u"Serial Number")) {
+    return StoreName(Line, &Controller->SerialNumber,
+                     "[%a]Controller Serial Number: NULL\n");
+  }
+  if (RaidLibStartsWith(Line, u"FW Package Build")) {
+    return StoreName(Line, &Controller->FirmwareVersion,
+                     "[%a]Controller FW Version: NULL\n");
+  }
+  if (RaidLibStartsWith(Line, u"Drive Groups")) {
+    return ReadDriveGroups(Lines, Controller);
+  }
+  if (RaidLibStartsWith(Line, u"Virtual Drives")) {
+    return ReadVirtualDrives(Lines, LsiNumberAfterEquals(Line), Controller);
+  }
+  if (RaidLibStartsWith(Line, u"Physical Drives")) {
+    return ReadPhysicalDrives(Lines, LsiNumberAfterEquals(Line), Controller);
+  }
+  return EFI_SUCCESS;
+}
+
+}  // namespace
+
+// Rebuilds the controller's names, arrays, volumes and drives from the
+// summary. Allocation failures stop the parse with what was built so far.
+EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
+                               UINT32 *ErrorCode) {
+  if (Output == nullptr || Controller == nullptr ||
+      Controller->Private == nullptr) {
+    return EFI_ABORTED;
+  }
+  CheckSummaryStatus(Output, ErrorCode);
+  EFI_STATUS Status = ResetModel(Controller);
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines);
+       Line != nullptr && !EFI_ERROR(Status); Line = LsiNextLine(&Lines)) {
+    Status = ReadSummaryLine(Line, Lines, Controller);
+  }
+  if (EFI_ERROR(Status)) {
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+    return EFI_OUT_OF_RESOURCES;
+  }
+  return EFI_SUCCESS;
+}

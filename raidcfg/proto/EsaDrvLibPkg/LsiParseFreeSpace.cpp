@@ -1,0 +1,177 @@
+// The free-space report ("storcli /cN show freespace"): one row per free
+// segment (ID, DG, AftrVD, size, unit). Each segment joins its array's
+// SegmentList right ahead of the volume it follows, which is the order the
+// wizard shows, and its size adds to the array's free capacity.
+#include <Library/MemoryAllocationLib.h>
+#include <Library/PrintLib.h>
+#include <Protocol/Host/TarnSetup.h>
+
+#include "LsiBackend.h"
+#include "LsiModel.h"
+#include "LsiText.h"
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+constexpr UINTN kSegmentExtraSize = 4;
+// Free capacity is kept in MB until it reaches this many thousandths.
+constexpr UINT64 kNextUnitThreshold = 102400;
+constexpr const CHAR16 *kUnitText[] = {u"MB", u"GB", u"TB"};
+
+// A segment's size in thousandths of a MB.
+UINT64 ThousandthsOfMb(UINT64 Figure, UINT32 Unit) {
+  switch (Unit) {
+    case RAID_UNIT_TB:
+      return Figure * 1048576;
+    case RAID_UNIT_GB:
+      return Figure * 1024;
+    default:
+      return Figure;
+  }
+}
+
+// TRUE when some record of the list carries Id.
+bool ListHasId(RAID_ARRAY *Array, UINT32 Id) {
+  for (RAID_VOLUME *Record :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    if (Record->Id == Id) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A free segment from one row, linked into its array.
+EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+  RAID_ARRAY *Array = LsiFindArray(
+      Controller, static_cast<UINT32>(RaidLibReadDecimal(Row->Words[1])));
+  if (Array == nullptr) {
+    return EFI_ABORTED;
+  }
+  RAID_VOLUME *Segment = uefi::AllocateRecord<RAID_VOLUME>();
+  if (Segment == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Segment->Id = static_cast<UINT32>(RaidLibReadDecimal(Row->Words[0]));
+  CHAR16 Name[32];
+  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%d", Segment->Id);
+  Segment->Name = AllocDestStr(Name);
+  Segment->Extra = AllocateZeroPool(kSegmentExtraSize);
+  if (Segment->Name == nullptr || Segment->Extra == nullptr) {
+    RaidLibFreeSegment(Segment);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Segment->Array = Array;
+  Segment->IsVolume = 0;
+  Segment->State =
+      LsiWordIs(Row->Words[2], u"-")
+          ? RAID_SEGMENT_AFTER_NO_VOLUME
+          : static_cast<UINT32>(RaidLibReadDecimal(Row->Words[2]));
+  Segment->SizeFigure = RaidLibReadThousandths(Row->Words[3]);
+  Segment->SizeUnit = LsiUnitCode(Row->Words[4]);
+  Array->FreeCapacity += ThousandthsOfMb(Segment->SizeFigure, Segment->SizeUnit);
+  Array->FreeSegmentCount++;
+
+  bool Placed = Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME ||
+                ListHasId(Array, Segment->State);
+  // A segment after no listed record still joins the list (at its tail), so
+  // the array owns it, but the report is refused.
+  RaidLibInsertFreeSegment(Array, Segment);
+  return Placed ? EFI_SUCCESS : EFI_ABORTED;
+}
+
+// The rows of one free-space table, up to its closing ruler. Row KB sizes
+// are too small to use.
+EFI_STATUS ReadFreeSpaceRows(LSI_LINES *Lines, CHAR16 *FirstRow,
+                             RAID_CONTROLLER *Controller) {
+  for (CHAR16 *Line = FirstRow;
+       Line != nullptr && !RaidLibStartsWith(Line, u"----");
+       Line = LsiNextLine(Lines)) {
+    LSI_ROW Row;
+    LsiSplitRow(Line, &Row);
+    if (Row.Words[4] != nullptr && LsiWordIs(RaidLibTrim(Row.Words[4]), u"KB")) {
+      RAID_LIB_TRACE(TARN_DEBUG_INFO,
+                     "[%a] Free Capacity in KB, so ignore it: %d\n",
+                     static_cast<UINT32>(RaidLibReadDecimal(Row.Words[3])));
+      continue;
+    }
+    EFI_STATUS Status = AddFreeSegment(Controller, &Row);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
+  }
+  return EFI_SUCCESS;
+}
+
+// Brings each array's free capacity to MB, GB or TB.
+VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+    Array->FreeCapacityUnit = RAID_UNIT_MB;
+    if (Array->FreeCapacity >= kNextUnitThreshold) {
+      Array->FreeCapacity /= 1024;
+      Array->FreeCapacityUnit = RAID_UNIT_GB;
+      if (Array->FreeCapacity >= kNextUnitThreshold) {
+        Array->FreeCapacity /= 1024;
+        Array->FreeCapacityUnit = RAID_UNIT_TB;
+      }
+    }
+    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Array Freecapacity : %d %S\n",
+                   static_cast<UINT32>(Array->FreeCapacity),
+                   kUnitText[Array->FreeCapacityUnit]);
+  }
+}
+
+// The trimmed value of the report's first "Status" line, or NULL.
+CHAR16 *FindStatus(CHAR16 *Output, LSI_ROW *Scratch) {
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
+       Line = LsiNextLine(&Lines)) {
+    if (RaidLibStartsWith(Line, u"Status")) {
+      return LsiTrimmedValue(Line, Scratch);
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// Adds the free segments of the report to the arrays the summary built.
+EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
+                                 UINT32 *ErrorCode) {
+  if (Output == nullptr || Controller == nullptr) {
+    return EFI_ABORTED;
+  }
+  LSI_ROW Scratch;
+  CHAR16 *Status = FindStatus(Output, &Scratch);
+  if (LsiWordIs(Status, u"Failure")) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Status: %S\n", Status);
+    LSI_LINES All;
+    LsiLinesStart(&All, Output);
+    LsiTraceAllLines(__func__, Output, All.End);
+    return EFI_ABORTED;
+  }
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
+       Line = LsiNextLine(&Lines)) {
+    if (!RaidLibStartsWith(Line, u"ID DG AftrVD")) {
+      continue;
+    }
+    CHAR16 *FirstRow = LsiSkipLines(&Lines, 2);
+    if (FirstRow == nullptr || RaidLibStartsWith(FirstRow, u"----")) {
+      continue;  // An empty table.
+    }
+    EFI_STATUS RowStatus = ReadFreeSpaceRows(&Lines, FirstRow, Controller);
+    if (RowStatus == EFI_OUT_OF_RESOURCES) {
+      *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+    }
+    if (EFI_ERROR(RowStatus)) {
+      return RowStatus;
+    }
+  }
+  NormaliseFreeCapacity(Controller);
+  return EFI_SUCCESS;
+}

@@ -1,0 +1,101 @@
+// The verdicts of storcli's change commands: volume commands are judged by
+// their "Status" word and error-code table, drive commands by "Status =".
+#include <Protocol/Host/TarnSetup.h>
+
+#include "LsiBackend.h"
+#include "LsiText.h"
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
+
+namespace {
+
+// The tool's error number from the row two lines below an "ErrorCode"
+// line: the third word when the first reads as a non-zero number, else the
+// second. NULL words read as 0.
+UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
+  LSI_ROW Row;
+  LsiSplitRow(Line, &Row);
+  const CHAR16 *Number =
+      RaidLibReadDecimal(Row.Words[0]) != 0 ? Row.Words[2] : Row.Words[1];
+  return static_cast<UINT32>(RaidLibReadDecimal(Number));
+}
+
+// After a "Failure" status: every following line must be an "ErrorCode"
+// line for the last number read to stand; the first other line makes the
+// verdict "failed without an error code".
+VOID JudgeFailure(LSI_LINES *Lines, UINT32 *ErrorCode) {
+  for (CHAR16 *Line = LsiNextLine(Lines); Line != nullptr;
+       Line = LsiNextLine(Lines)) {
+    if (!RaidLibStartsWith(Line, u"ErrorCode")) {
+      *ErrorCode = LSI_ERROR_ACTION_NO_CODE;
+      RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Not with an Error Code!\n");
+      return;
+    }
+    LSI_LINES Ahead = *Lines;
+    CHAR16 *Row = LsiSkipLines(&Ahead, 2);
+    if (Row != nullptr) {
+      *ErrorCode = LSI_ERROR_ACTION_BASE | (ErrorNumberOfRow(Row) & 0xFFF);
+    }
+  }
+}
+
+}  // namespace
+
+// Walks the "Status" lines: "Success" clears the code, "Failure" sets it
+// from the lines that follow.
+EFI_STATUS ParseErrCd(CHAR16 *Output, UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
+       Line = LsiNextLine(&Lines)) {
+    if (!RaidLibStartsWith(Line, u"Status")) {
+      continue;
+    }
+    LSI_ROW Row;
+    LsiSplitRow(Line, &Row);
+    if (LsiWordIs(Row.Words[2], u"Success\r")) {
+      *ErrorCode = 0;
+      return EFI_SUCCESS;
+    }
+    if (LsiWordIs(Row.Words[2], u"Failure\r")) {
+      RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]State is Failure!\n");
+      LsiTraceAllLines(__func__, Output, Lines.End);
+      JudgeFailure(&Lines, ErrorCode);
+      return EFI_SUCCESS;
+    }
+  }
+  return EFI_SUCCESS;
+}
+
+// Reads "JBOD" lines and the first "Status =" line into *Result.
+EFI_STATUS ParseActionStatus(CHAR16 *Output, RAID_CONTROLLER *Controller,
+                             UINT32 *Result) {
+  if (Output == nullptr) {
+    return EFI_ABORTED;
+  }
+  LSI_LINES Lines;
+  LsiLinesStart(&Lines, Output);
+  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
+       Line = LsiNextLine(&Lines)) {
+    if (RaidLibStartsWith(Line, u"JBOD")) {
+      LSI_ROW Row;
+      LsiSplitRow(Line, &Row);
+      *Result = LsiWordIs(RaidLibTrim(Row.Words[1]), u"OFF")
+                    ? LSI_ACTION_JBOD_OFF
+                    : LSI_ACTION_SUCCEEDED;
+      continue;
+    }
+    if (RaidLibStartsWith(Line, u"Status =")) {
+      LSI_ROW Scratch;
+      if (LsiWordIs(LsiTrimmedValue(Line, &Scratch), u"Failure")) {
+        *Result = LSI_ACTION_FAILED;
+        LsiTraceAllLines(__func__, Output, Lines.End);
+      } else {
+        *Result = LSI_ACTION_SUCCEEDED;
+      }
+      return EFI_SUCCESS;
+    }
+  }
+  return EFI_SUCCESS;
+}
