@@ -1,0 +1,27 @@
+// JSON form of a virtual MegaRAID adapter's state (docs/scenario.md,
+// "MegaRAID adapters"): loading for scenarios, dumping for tests and for
+// the final state printed after a scripted run.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "sim/megaraid/MegaRaidAdapter.h"
+
+namespace sim::megaraid {
+
+// Builds an adapter from its JSON object. Throws std::runtime_error naming
+// the offending field when the object is malformed or the state is not one
+// the firmware could hold.
+Adapter AdapterFromJson(const nlohmann::json &Object);
+std::vector<Adapter> AdaptersFromJson(const nlohmann::json &Array);
+
+// Every field explicit, so that loading the dump gives the same state.
+nlohmann::json AdapterToJson(const Adapter &State);
+
+// The dump as indented text with sorted keys: equal states give equal text.
+std::string CanonicalState(const Adapter &State);
+
+}  // namespace sim::megaraid
