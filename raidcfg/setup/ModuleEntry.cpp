@@ -6,6 +6,10 @@
 #include <Library/UefiBootServicesTableLib.h>
 #include <Protocol/LoadedImage.h>
 
+#include "setup/RaidServiceLayer.h"
+#include "setup/RaidcfgSetup.h"
+#include "wizard/RaidWizard.h"
+
 constinit EFI_HII_STRING_PROTOCOL *gHiiString = nullptr;
 constinit EFI_HII_DATABASE_PROTOCOL *gHiiDatabase = nullptr;
 constinit VOID *gHiiConfigRouting = nullptr;
@@ -44,8 +48,12 @@ VOID ProcessLibraryConstructorList(EFI_HANDLE ImageHandle,
 }
 
 // Library destructors: the constructors acquired nothing that needs
-// releasing, so this only forgets the located protocols.
+// releasing, so this only forgets the located protocols and the module's
+// state, as the firmware's fresh load of the image would find it.
 VOID ProcessLibraryDestructorList() {
+  RaidcfgSetupResetGlobals();
+  RaidWizardResetGlobals();
+  gCurrentRaidController = nullptr;
   gHiiString = nullptr;
   gHiiDatabase = nullptr;
   gHiiConfigRouting = nullptr;

@@ -1,0 +1,28 @@
+// The retry of a failed adapter discovery, armed as page 0's page-enter
+// callback by the first page.
+#include "setup/RaidServiceLayer.h"
+#include "setup/RaidcfgSetup.h"
+#include "wizard/RaidWizard.h"
+
+// Runs the discovery again ("B" and "A" time stamps around it). On a
+// failure with a non-zero error code the error box is shown once more; else
+// the wizard is built again over the new model.
+UINTN EFIAPI Init_Raid() {
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] B TimeStamp: %016llx\n",
+             RaidReadTimeStamp());
+  UINT32 ErrorCode = 0;
+  EFI_STATUS Status = InitializeRaidService(&ErrorCode);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] A TimeStamp: %016lx\n",
+             RaidReadTimeStamp());
+  gRaidInitializeStatus = Status;
+  gRaidInitializeErrorCode = ErrorCode;
+  if (EFI_ERROR(Status) && ErrorCode != 0) {
+    ShowRaidErrorBox(ErrorCode);
+    return 0;
+  }
+  // Page 1 exists since the failed run, so the wizard keeps it; the count of
+  // adapters is the new model's.
+  gRaidControllerCount = GetRaidControllerList(nullptr);
+  InitializeRaidSetupWizards();
+  return 0;
+}

@@ -1,0 +1,196 @@
+// The service layer's operations: each wraps one call of the RAID core for
+// the wizard, resolving the records from the ids the pages hold, and traces
+// what it did.
+#include "setup/RaidServiceLayer.h"
+
+#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "setup/RaidcfgTrace.h"
+
+constinit RAID_CONTROLLER *gCurrentRaidController = nullptr;
+
+namespace {
+
+// The controller with Id in the list at Head, or NULL.
+RAID_CONTROLLER *FindControllerInList(LIST_ENTRY *Head, UINT32 Id) {
+  if (Head == nullptr || Head->ForwardLink == nullptr) {
+    return nullptr;
+  }
+  for (RAID_CONTROLLER *Controller :
+       uefi::ListOf<&RAID_CONTROLLER::Link>(*Head)) {
+    if (Controller->Id == Id) {
+      return Controller;
+    }
+  }
+  return nullptr;
+}
+
+// The current controller's array with Id, or NULL.
+RAID_ARRAY *FindCurrentArray(UINT32 ArrayId) {
+  if (gCurrentRaidController == nullptr ||
+      gCurrentRaidController->ArrayList.ForwardLink == nullptr) {
+    return nullptr;
+  }
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(gCurrentRaidController->ArrayList)) {
+    if (Array->Id == ArrayId) {
+      return Array;
+    }
+  }
+  return nullptr;
+}
+
+// The first volume (not free segment) of Array with Id, or NULL.
+RAID_VOLUME *FindVolume(RAID_ARRAY *Array, UINT32 VolumeId) {
+  if (Array->SegmentList.ForwardLink == nullptr) {
+    return nullptr;
+  }
+  for (RAID_VOLUME *Segment :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    if (Segment->IsVolume == 1 && Segment->Id == VolumeId) {
+      return Segment;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// Releases a model an earlier run left (a failed discovery can leave
+// controllers behind: InitializeRaid would otherwise drop them unfreed), then
+// runs discovery.
+EFI_STATUS InitializeRaidService(UINT32 *ErrorCode) {
+  if (gControllerList.ForwardLink != nullptr && !IsListEmpty(&gControllerList)) {
+    UINT32 ReleaseCode = 0;
+    FinalizeRaid(&ReleaseCode);
+  }
+  return InitializeRaid(ErrorCode);
+}
+
+UINT32 GetRaidControllerList(LIST_ENTRY **Head) {
+  if (Head != nullptr) {
+    *Head = &gControllerList;
+  }
+  if (gControllerList.ForwardLink == nullptr) {
+    return 0;
+  }
+  return static_cast<UINT32>(CountListEntries(&gControllerList));
+}
+
+RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level) {
+  if (gCurrentRaidController != nullptr &&
+      gCurrentRaidController->Capability != nullptr &&
+      gCurrentRaidController->Capability->LevelList.ForwardLink != nullptr) {
+    for (RAID_LEVEL_CAP *Cap : uefi::ListOf<&RAID_LEVEL_CAP::Link>(
+             gCurrentRaidController->Capability->LevelList)) {
+      if (Cap->Level == Level) {
+        return Cap;
+      }
+    }
+  }
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Cannot find the RAID level %d\n",
+             Level);
+  return nullptr;
+}
+
+EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                 RAID_CONTROLLER **Controller,
+                                 UINT32 *ErrorCode) {
+  RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
+  if (Found == nullptr) {
+    return EFI_SUCCESS;
+  }
+  EFI_STATUS Status = GetControllerInfo(Found, Controller, ErrorCode);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
+  return Status;
+}
+
+EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                     RAID_CONTROLLER **Controller,
+                                     UINT32 *ErrorCode) {
+  RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
+  if (Found == nullptr) {
+    return EFI_SUCCESS;
+  }
+  EFI_STATUS Status = RefreshControllerInfo(Found, Controller, ErrorCode);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
+  return Status;
+}
+
+// The drive is looked up within the table's DiskDriveCount entries; an index
+// beyond them reaches the core as a missing drive, which it refuses.
+EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
+                                     UINT32 State, UINT32 *ErrorCode) {
+  (void)Unused;
+  RAID_CONTROLLER *Controller = gCurrentRaidController;
+  RAID_PHYSICAL_DRIVE *Drive = nullptr;
+  if (Controller != nullptr && Controller->DriveTable != nullptr &&
+      DriveIndex < Controller->DiskDriveCount) {
+    Drive = Controller->DriveTable[DriveIndex];
+  }
+  EFI_STATUS Status = SetPhysicalDriveState(Controller, Drive, State, ErrorCode);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Errorcode = %x\n", *ErrorCode);
+  if (Drive != nullptr) {
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Disk drive state = %d\n",
+               Drive->State);
+  }
+  return Status;
+}
+
+EFI_STATUS SetAllRaidPhysicalDriveState(LIST_ENTRY *Head, UINT32 Id,
+                                        UINT32 State, UINT32 *ErrorCode) {
+  if (Head == nullptr || Head->ForwardLink == nullptr) {
+    return EFI_SUCCESS;
+  }
+  for (RAID_CONTROLLER *Controller :
+       uefi::ListOf<&RAID_CONTROLLER::Link>(*Head)) {
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Controller index = %d\n", Id);
+    if (Controller->Id != Id) {
+      continue;
+    }
+    EFI_STATUS Status = SetAllPhysicalDriveState(Controller, State, ErrorCode);
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Errorcode = %x\n", *ErrorCode);
+    return Status;
+  }
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS DeleteRaidArray(UINT32 ArrayId, UINT32 Unused, UINT32 *ErrorCode) {
+  (void)Unused;
+  RAID_ARRAY *Array = FindCurrentArray(ArrayId);
+  if (Array == nullptr) {
+    return EFI_SUCCESS;
+  }
+  return DeleteArray(Array, ErrorCode);
+}
+
+EFI_STATUS DeleteRaidVolume(UINT32 ArrayId, UINT32 Unused, UINT32 VolumeId,
+                            UINT32 *ErrorCode) {
+  (void)Unused;
+  EFI_STATUS Status = EFI_SUCCESS;
+  RAID_ARRAY *Array = FindCurrentArray(ArrayId);
+  RAID_VOLUME *Volume = Array == nullptr ? nullptr : FindVolume(Array, VolumeId);
+  if (Volume != nullptr) {
+    Status = DeleteVolume(Volume, ErrorCode);
+  }
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] end\n");
+  return Status;
+}
+
+EFI_STATUS CreateRaidVolume(RAID_VOLUME_PARAMETER *Parameter,
+                            UINTN PassThrough, UINT32 *ErrorCode) {
+  return CreateVolume(Parameter, PassThrough, ErrorCode);
+}
+
+UINT32 GetVolumeCount(const RAID_CONTROLLER *Controller) {
+  RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS];
+  UINT32 ArrayCount =
+      RaidCollectArrays(Controller, Arrays, RAID_SERVICE_MAX_ARRAYS);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Array count is %d\n", ArrayCount);
+  UINT32 Volumes = 0;
+  for (UINT32 Index = 0; Index < ArrayCount; Index++) {
+    Volumes += Arrays[Index]->VolumeCount;
+  }
+  return Volumes;
+}

@@ -1,0 +1,135 @@
+// The wizard's view of the RAID model: the calls through which pages read
+// and change the configuration, the record collectors tables are built
+// from, the queue of planned volumes, and the conversions between the
+// model's codes and the words shown on screen.
+//
+// The per-controller calls work on gCurrentRaidController, which the
+// wizard sets before it calls them.
+#pragma once
+
+#include <Uefi.h>
+
+#include "proto/EsaDrvLibPkg/RaidLib.h"
+
+// The controller the operator selected; NULL until the wizard sets it.
+extern RAID_CONTROLLER *gCurrentRaidController;
+
+// Most arrays the layer collects when it lists them itself.
+#define RAID_SERVICE_MAX_ARRAYS 128
+
+// ---- Collectors ---------------------------------------------------------------
+// Each fills Out with at most Max record pointers (or copies) in list order
+// and returns how many it wrote; a NULL source or an empty list gives 0.
+
+UINT32 RaidCollectLevels(const RAID_CAPABILITY *Capability,
+                         RAID_LEVEL_CAP **Out, UINT32 Max);
+UINT32 RaidCollectReadPolicies(const RAID_CAPABILITY *Capability,
+                               RAID_POLICY_ENTRY **Out, UINT32 Max);
+UINT32 RaidCollectWritePolicies(const RAID_CAPABILITY *Capability,
+                                RAID_POLICY_ENTRY **Out, UINT32 Max);
+UINT32 RaidCollectIoPolicies(const RAID_CAPABILITY *Capability,
+                             RAID_POLICY_ENTRY **Out, UINT32 Max);
+UINT32 RaidCollectDiskCachePolicies(const RAID_CAPABILITY *Capability,
+                                    RAID_POLICY_ENTRY **Out, UINT32 Max);
+UINT32 RaidCollectStripeSizes(const RAID_CAPABILITY *Capability,
+                              RAID_POLICY_ENTRY **Out, UINT32 Max);
+UINT32 RaidCollectArrays(const RAID_CONTROLLER *Controller, RAID_ARRAY **Out,
+                         UINT32 Max);
+UINT32 RaidCollectArrayDrives(const RAID_ARRAY *Array,
+                              RAID_PHYSICAL_DRIVE **Out, UINT32 Max);
+// Copies each drive record whole; the copies share the drives' strings.
+UINT32 RaidCopyArrayDrives(const RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Out,
+                           UINT32 Max);
+// SegmentList entries with IsVolume 1.
+UINT32 RaidCollectVolumes(const RAID_ARRAY *Array, RAID_VOLUME **Out,
+                          UINT32 Max);
+// SegmentList entries with IsVolume 0.
+UINT32 RaidCollectFreeSegments(const RAID_ARRAY *Array, RAID_VOLUME **Out,
+                               UINT32 Max);
+
+// ---- Operations ---------------------------------------------------------------
+
+// Runs adapter discovery. A model left by an earlier run (a failed one may
+// leave controllers behind) is released first, so a retry cannot leak it.
+EFI_STATUS InitializeRaidService(UINT32 *ErrorCode);
+// *Head = gControllerList; returns the number of controllers in it.
+UINT32 GetRaidControllerList(LIST_ENTRY **Head);
+// The current controller's level record for Level, or NULL (traced).
+RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level);
+// Reads the information of the controller Id of the list. No such
+// controller: EFI_SUCCESS with nothing done.
+EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                 RAID_CONTROLLER **Controller,
+                                 UINT32 *ErrorCode);
+// The same, with the tool run again.
+EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                     RAID_CONTROLLER **Controller,
+                                     UINT32 *ErrorCode);
+// Changes entry DriveIndex of the current controller's DriveTable to State.
+EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
+                                     UINT32 State, UINT32 *ErrorCode);
+// Changes every eligible drive of the controller Id of the list. No such
+// controller: EFI_SUCCESS with nothing done.
+EFI_STATUS SetAllRaidPhysicalDriveState(LIST_ENTRY *Head, UINT32 Id,
+                                        UINT32 State, UINT32 *ErrorCode);
+// Deletes the current controller's array ArrayId; EFI_SUCCESS with nothing
+// done when there is none.
+EFI_STATUS DeleteRaidArray(UINT32 ArrayId, UINT32 Unused, UINT32 *ErrorCode);
+// Deletes volume VolumeId of array ArrayId; a free segment with that Id is
+// not a volume. EFI_SUCCESS with nothing done when either is missing.
+EFI_STATUS DeleteRaidVolume(UINT32 ArrayId, UINT32 Unused, UINT32 VolumeId,
+                            UINT32 *ErrorCode);
+// Creates one planned volume.
+EFI_STATUS CreateRaidVolume(RAID_VOLUME_PARAMETER *Parameter,
+                            UINTN PassThrough, UINT32 *ErrorCode);
+// The volumes of the controller's first 128 arrays.
+UINT32 GetVolumeCount(const RAID_CONTROLLER *Controller);
+
+// ---- Planned volumes ------------------------------------------------------------
+
+// Frees *Parameter with its name and drive lists and sets it to NULL.
+VOID FreeVolumeParameter(RAID_VOLUME_PARAMETER **Parameter);
+// Appends Parameter at the tail of the queue.
+VOID RaidEnqueueVolumeParameter(RAID_VOLUME_PARAMETER *Parameter);
+// Unlinks Parameter from the queue and frees it; ignored when not queued.
+VOID RaidDequeueVolumeParameter(RAID_VOLUME_PARAMETER *Parameter);
+// The first queued record, or NULL.
+RAID_VOLUME_PARAMETER *RaidVolumeParameterQueue();
+// Frees every queued record.
+VOID RaidFreeVolumeParameterQueue();
+
+// ---- Words and codes -------------------------------------------------------------
+// Word to code compares the whole word and gives the list's "other" code for
+// any other word (or NULL); code to word gives "N/A" for an unknown code.
+
+UINT32 RaidStripeSizeCode(const CHAR16 *Word);
+const CHAR16 *RaidStripeSizeWord(UINT32 Code);
+UINT32 RaidReadPolicyCode(const CHAR16 *Word);
+const CHAR16 *RaidReadPolicyWord(UINT32 Code);
+UINT32 RaidWritePolicyCode(const CHAR16 *Word);
+const CHAR16 *RaidWritePolicyWord(UINT32 Code);
+UINT32 RaidIoPolicyCode(const CHAR16 *Word);
+const CHAR16 *RaidIoPolicyWord(UINT32 Code);
+UINT32 RaidDiskCachePolicyCode(const CHAR16 *Word);
+const CHAR16 *RaidDiskCachePolicyWord(UINT32 Code);
+
+// What RaidLevelNumber gives for a word that names no level.
+#define RAID_LEVEL_NONE 0xFFFFFFFFU
+// "RAID 5" -> 5.
+UINT32 RaidLevelNumber(const CHAR16 *Word);
+// The display text of a drive or volume state code.
+const CHAR16 *GetStateText(UINT32 State);
+
+// ---- Size texts --------------------------------------------------------------------
+
+// Writes "%ld GB" for a size given as figure, fraction and unit code (MB,
+// GB, TB) into Buffer of BufferSize bytes; another unit writes nothing.
+// Returns the characters written.
+UINTN RaidFormatSizeText(CHAR16 *Buffer, UINTN BufferSize, UINT64 Figure,
+                         UINT64 Fraction, UINT32 Unit);
+// Appends " (%ld GB free)" the same way; " (0 GB free)" for figure and
+// fraction 0.
+VOID RaidAppendFreeSizeText(CHAR16 *Buffer, UINTN BufferSize, UINT64 Figure,
+                            UINT64 Fraction, UINT32 Unit);
+// Text after its leading blanks.
+const CHAR16 *RaidSkipLeadingBlanks(const CHAR16 *Text);

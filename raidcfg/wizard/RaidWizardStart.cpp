@@ -1,0 +1,113 @@
+// The wizard's start: the host's module words, and the first page's
+// construction, which runs the adapter discovery behind a progress box.
+#include <Library/UefiBootServicesTableLib.h>
+#include <Protocol/Host/PageFramework.h>
+
+#include "setup/RaidServiceLayer.h"
+#include "setup/RaidcfgSetup.h"
+#include "setup/RaidcfgStringIds.h"
+#include "wizard/RaidHostUi.h"
+#include "wizard/RaidWizard.h"
+
+namespace {
+
+// Progress of the loading box at each stage of the discovery.
+constexpr UINT8 kProgressDiscovering = 10;
+constexpr UINT8 kProgressReadingList = 30;
+constexpr UINT8 kProgressDone = 100;
+
+// Hands the host the three module words it fills.
+VOID FetchModuleWords() {
+  if (TarnSetupProtocol == nullptr) {
+    return;
+  }
+  TarnSetupProtocol->GetModuleRoot(&gRaidModuleRoot);
+  TarnSetupProtocol->GetModuleIdentity(&gRaidModuleIdentity);
+  TarnSetupProtocol->GetFirstPageId(&gRaidFirstPageId);
+}
+
+// After a failed discovery: the error box, and page 0 registered so that
+// entering it runs the discovery again.
+VOID ArmDiscoveryRetry(EFI_STATUS Status, UINT32 ErrorCode) {
+  RAID_TRACE(TARN_DEBUG_ERROR,
+             "[%a]<err> Failed to initialize RAID info, Status %r, Errorcode "
+             "%x\n",
+             Status, ErrorCode);
+  RaidSetProgress(kProgressDone);
+  RaidRedrawScreen();
+  ShowRaidErrorBox(ErrorCode);
+  if (TarnSetupProtocol != nullptr) {
+    TarnSetupProtocol->RegisterPage(gImageHandle, gHiiHandle, RAID_PAGE_RETRY,
+                                    Init_Raid, nullptr, RaidSetupLangCallBack);
+  }
+  gRaidControllerCount = 0;
+}
+
+// The state every fresh adapter page starts from.
+VOID ResetWizardSelections() {
+  gRaidConfigType = 0;
+  gRaidAdvancedMode = 0;
+  gRaidCurrentPage = RAID_PAGE_CONTROLLER_SELECTION;
+  RaidSetAllReInitFlags();
+}
+
+}  // namespace
+
+VOID InitializeRaidSetupWizards() {
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Start \n");
+  FetchModuleWords();
+  InitRaidControllerSelectionPage();
+}
+
+VOID InitRaidControllerSelectionPage() {
+  gRaidCurrentPage = RAID_PAGE_CONTROLLER_SELECTION;
+  if (gRaidPageRoots[RAID_PAGE_CONTROLLER_SELECTION] != nullptr) {
+    return;
+  }
+  RAID_TRACE(TARN_DEBUG_INFO,
+             "RAID: [%a] Construct the RAID controller select page\n");
+  gRaidPageRoots[RAID_PAGE_CONTROLLER_SELECTION] =
+      RaidCreatePageRoot(RAID_PAGE_CONTROLLER_SELECTION);
+  if (gRaidPageRoots[RAID_PAGE_CONTROLLER_SELECTION] == nullptr) {
+    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    return;
+  }
+
+  RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
+                 nullptr);
+  RaidSetProgress(kProgressDiscovering);
+  RaidRedrawScreen();
+
+  UINT32 ErrorCode = 0;
+  EFI_STATUS Status = InitializeRaidService(&ErrorCode);
+  gRaidInitializeStatus = Status;
+  gRaidInitializeErrorCode = ErrorCode;
+  RAID_TRACE(TARN_DEBUG_INFO,
+             "RAID: [%a] Return status of Initialize Raid = %r\n", Status);
+  // An error status with error code 0 counts as success.
+  if (EFI_ERROR(Status) && ErrorCode != 0) {
+    ArmDiscoveryRetry(Status, ErrorCode);
+    return;
+  }
+
+  ResetWizardSelections();
+  RaidSetProgress(kProgressReadingList);
+  RaidRedrawScreen();
+
+  LIST_ENTRY *Controllers = nullptr;
+  gRaidControllerCount = GetRaidControllerList(&Controllers);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Controller Count = %x\n",
+             gRaidControllerCount);
+  if (gRaidControllerCount == 0) {
+    RaidSetProgress(kProgressDone);
+    RaidRedrawScreen();
+  }
+}
+
+// Every page must be reset on its next entry, since its texts were formatted
+// in the old language.
+VOID EFIAPI RaidSetupLangCallBack() {
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Current page %d\n",
+             gRaidCurrentPage);
+  RaidSetAllReInitFlags();
+}
