@@ -7,6 +7,7 @@
 
 #include "EsaDrvMgr.h"
 #include "LsiBackend.h"
+#include "LsiText.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
@@ -186,7 +187,8 @@ bool CreateInNewArray(RAID_CONTROLLER *Controller,
   if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
       Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
     *ErrorCode = LSI_ERROR_NO_FREE_DRIVES;
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]No Free Physical Drives!\n");
+    LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+                 "[%a]No Free Physical Drives!\n");
     return false;
   }
   LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Members,
@@ -214,8 +216,8 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
   }
   if (Array == nullptr) {
     *ErrorCode = LSI_ERROR_NOT_FOUND;
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Array %d is empty!\n",
-                   Parameter->ArrayId);
+    LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+                 "[%a]Array %d is empty!\n", Parameter->ArrayId);
     return false;
   }
   LsiBuildDriveList(&Array->DriveList, TakeArrayMember, nullptr, Words->Drives,

@@ -30,9 +30,7 @@ constexpr EFI_STRING_ID kWarningTitleId = 866;
 constexpr UINT8 kWarningBoxStyle = 0;
 
 // "Status = Failure" before the tables: the summary is traced and marked.
-VOID CheckSummaryStatus(CHAR16 *Output, UINT32 *ErrorCode) {
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
+VOID CheckSummaryStatus(CHAR16 *Output, LSI_LINES Lines, UINT32 *ErrorCode) {
   for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
        Line = LsiNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {
@@ -63,7 +61,7 @@ EFI_STATUS StoreName(const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
   LSI_ROW Scratch;
   CHAR16 *Value = LsiSecondPiece(Line, &Scratch);
   if (Value == nullptr || StrCmp(Value, u" \r") == 0) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, Missing);
+    LSI_TRACE_AS("ParseControllerShow", TARN_DEBUG_INFO, Missing);
     return EFI_SUCCESS;
   }
   FreePool(*Field);
@@ -200,10 +198,12 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
       Controller->Private == nullptr) {
     return EFI_ABORTED;
   }
-  CheckSummaryStatus(Output, ErrorCode);
-  EFI_STATUS Status = ResetModel(Controller);
+  // The walks share one end: lines terminated by one walk are still
+  // lines to the next.
   LSI_LINES Lines;
   LsiLinesStart(&Lines, Output);
+  CheckSummaryStatus(Output, Lines, ErrorCode);
+  EFI_STATUS Status = ResetModel(Controller);
   for (CHAR16 *Line = LsiNextLine(&Lines);
        Line != nullptr && !EFI_ERROR(Status); Line = LsiNextLine(&Lines)) {
     Status = ReadSummaryLine(Line, Lines, Controller);

@@ -91,8 +91,8 @@ EFI_STATUS ReadFreeSpaceRows(LSI_LINES *Lines, CHAR16 *FirstRow,
     LSI_ROW Row;
     LsiSplitRow(Line, &Row);
     if (Row.Words[4] != nullptr && LsiWordIs(RaidLibTrim(Row.Words[4]), u"KB")) {
-      RAID_LIB_TRACE(TARN_DEBUG_INFO,
-                     "[%a] Free Capacity in KB, so ignore it: %d\n",
+      LSI_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+                   "[%a] Free Capacity in KB, so ignore it: %d\n",
                      static_cast<UINT32>(RaidLibReadDecimal(Row.Words[3])));
       continue;
     }
@@ -117,16 +117,15 @@ VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
         Array->FreeCapacityUnit = RAID_UNIT_TB;
       }
     }
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Array Freecapacity : %d %S\n",
+    LSI_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+                 "[%a]Array Freecapacity : %d %S\n",
                    static_cast<UINT32>(Array->FreeCapacity),
                    kUnitText[Array->FreeCapacityUnit]);
   }
 }
 
 // The trimmed value of the report's first "Status" line, or NULL.
-CHAR16 *FindStatus(CHAR16 *Output, LSI_ROW *Scratch) {
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
+CHAR16 *FindStatus(LSI_LINES Lines, LSI_ROW *Scratch) {
   for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
        Line = LsiNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {
@@ -144,17 +143,17 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Output == nullptr || Controller == nullptr) {
     return EFI_ABORTED;
   }
-  LSI_ROW Scratch;
-  CHAR16 *Status = FindStatus(Output, &Scratch);
-  if (LsiWordIs(Status, u"Failure")) {
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Status: %S\n", Status);
-    LSI_LINES All;
-    LsiLinesStart(&All, Output);
-    LsiTraceAllLines(__func__, Output, All.End);
-    return EFI_ABORTED;
-  }
+  // The walks share one end: lines terminated by one walk are still
+  // lines to the next.
   LSI_LINES Lines;
   LsiLinesStart(&Lines, Output);
+  LSI_ROW Scratch;
+  CHAR16 *Status = FindStatus(Lines, &Scratch);
+  if (LsiWordIs(Status, u"Failure")) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Status: %S\n", Status);
+    LsiTraceAllLines(__func__, Output, Lines.End);
+    return EFI_ABORTED;
+  }
   for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
        Line = LsiNextLine(&Lines)) {
     if (!RaidLibStartsWith(Line, u"ID DG AftrVD")) {

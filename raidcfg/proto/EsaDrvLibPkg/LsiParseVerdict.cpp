@@ -28,7 +28,8 @@ VOID JudgeFailure(LSI_LINES *Lines, UINT32 *ErrorCode) {
        Line = LsiNextLine(Lines)) {
     if (!RaidLibStartsWith(Line, u"ErrorCode")) {
       *ErrorCode = LSI_ERROR_ACTION_NO_CODE;
-      RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Not with an Error Code!\n");
+      LSI_TRACE_AS("ParseErrCd", TARN_DEBUG_ERROR,
+                   "[%a]Not with an Error Code!\n");
       return;
     }
     LSI_LINES Ahead = *Lines;

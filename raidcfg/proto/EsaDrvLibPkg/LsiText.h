@@ -4,6 +4,19 @@
 
 #include <Uefi.h>
 
+#include "RaidLibTrace.h"
+
+// RAID_LIB_TRACE under a given function's name, for helpers that trace on
+// behalf of the parser or operation they serve.
+#define LSI_TRACE_AS(Caller, Level, Format, ...)                            \
+  do {                                                                      \
+    if (gRaidLibSetupProtocol != nullptr &&                                 \
+        gRaidLibSetupProtocol->DebugPrint != nullptr) {                     \
+      gRaidLibSetupProtocol->DebugPrint((Level), (Format),                  \
+                                        (Caller)__VA_OPT__(, ) __VA_ARGS__); \
+    }                                                                       \
+  } while (0)
+
 // A forward walk over the lines of one output. Lines are separated by line
 // feeds; empty lines are skipped, so a blank line of CR LF output is a line
 // holding only "\r" and counts. Each line returned is terminated in place.

@@ -1,0 +1,445 @@
+// Changing the configuration: create, delete and drive-state commands, their
+// verdicts, and the model afterwards.
+#include <Library/MemoryAllocationLib.h>
+
+#include "LsiOutputs.h"
+#include "LsiWorld.h"
+
+namespace lsi_test {
+namespace {
+
+// A summary without arrays whose unassigned drives are given as
+// "EID:Slt DID" pairs (all UGood SAS HDDs).
+std::string FreshSummary(
+    const std::vector<std::pair<std::string, unsigned>> &Drives) {
+  std::string Text =
+      "Controller = 0\nStatus = Success\nDescription = None\n\n"
+      "Product Name = MegaRAID 9460-8i\nDrive Groups = 0\n\nTOPOLOGY :\n"
+      "========\n\n-----\nDG Arr Row EID:Slot DID Type State\n-----\n-----\n"
+      "\nVirtual Drives = 0\n\nPhysical Drives = " +
+      std::to_string(Drives.size()) +
+      "\n\nPD LIST :\n=======\n\n-----\nEID:Slt DID State DG Size Intf Med "
+      "SED PI SeSz Model Sp\n-----\n";
+  for (const auto &[Location, Id] : Drives) {
+    Text += Location + " " + std::to_string(Id) +
+            " UGood - 558.406 GB SAS HDD N N 512B AL13SEB600 U\n";
+  }
+  return Text + "-----\n";
+}
+
+class LsiChangeTest : public LsiWorld {
+ protected:
+  // Reads the given summary (no free space, no volumes).
+  VOID ReadFresh(const std::string &Summary) {
+    Answer("storcli.efi /c0 show mronly nolog", Summary);
+    Answer("storcli.efi /c0 show freespace mronly nolog", Verdict(true));
+    ReadModel();
+    Setup_->ClearTrace();
+    Baseline_ = Commands().size();
+  }
+  // Reads the rich configuration.
+  VOID ReadRich() {
+    AnswerRichConfiguration();
+    ReadModel();
+    Setup_->ClearTrace();
+    Baseline_ = Commands().size();
+  }
+  // The command lines sent since the model was read.
+  std::vector<std::string> NewCommands() const {
+    std::vector<std::string> All = Commands();
+    return std::vector<std::string>(All.begin() + Baseline_, All.end());
+  }
+  // A parameter record in the pool, freed by the fixture.
+  RAID_VOLUME_PARAMETER *Parameter(std::vector<UINT32> Members,
+                                   std::vector<UINT32> Spares) {
+    Parameter_ = {};
+    Members.push_back(RAID_DRIVE_LIST_END);
+    Spares.push_back(RAID_DRIVE_LIST_END);
+    Members_ = Members;
+    Spares_ = Spares;
+    Parameter_.NewArray = 1;
+    Parameter_.ControllerId = Controller_->Id;
+    Parameter_.DriveList = Members_.data();
+    Parameter_.DriveCount = static_cast<UINT32>(Members_.size() - 1);
+    Parameter_.SpareList = Spares_.size() > 1 ? Spares_.data() : nullptr;
+    Parameter_.Name = Name_;
+    Parameter_.Size = 100500;
+    Parameter_.Reserved = 1;
+    Parameter_.RaidLevel = 5;
+    Parameter_.StripeSize = 64;
+    Parameter_.ReadPolicy = RAID_READ_POLICY_ALWAYS_READ_AHEAD;
+    Parameter_.WritePolicy = RAID_WRITE_POLICY_WRITE_BACK;
+    Parameter_.IoPolicy = RAID_IO_POLICY_CACHED;
+    Parameter_.DiskCachePolicy = RAID_DISK_CACHE_POLICY_DEFAULT;
+    return &Parameter_;
+  }
+
+  size_t Baseline_ = 0;
+  RAID_VOLUME_PARAMETER Parameter_ = {};
+  std::vector<UINT32> Members_, Spares_;
+  CHAR16 Name_[16] = u"vd1";
+};
+
+const std::vector<std::pair<std::string, unsigned>> kMixedEnclosures = {
+    {"252:0", 1}, {"253:5", 2}, {"252:1", 3}, {"253:6", 4}, {"252:2", 5}};
+
+TEST_F(LsiChangeTest, NewArrayGroupsDrivesByEnclosure) {
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  Answer("storcli.efi /c0 add vd raid5 size=100.500GB name=vd1 "
+         "drives=252:0,1,253:5   pdcache=default cached wb ra strip=64  "
+         "mronly nolog",
+         Verdict(true));
+  UINT32 ErrorCode = 0xDEAD;
+  EXPECT_EQ(LsiCreateVolume(Parameter({1, 2, 3}, {}), 0, &ErrorCode),
+            EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, 0u);
+  std::vector<std::string> Sent = NewCommands();
+  ASSERT_GE(Sent.size(), 1u);
+  EXPECT_EQ(Sent[0],
+            "storcli.efi /c0 add vd raid5 size=100.500GB name=vd1 "
+            "drives=252:0,1,253:5   pdcache=default cached wb ra strip=64  "
+            "mronly nolog");
+  // The refresh follows.
+  EXPECT_EQ(Sent[1], "storcli.efi /c0 show mronly nolog");
+  EXPECT_TRUE(Controller_->Private->Flags & RAID_FLAG_OUTPUT_VALID);
+  EXPECT_TRUE(TraceHas(
+      "[LsiCreateVolume] Error code: 0x0, Status: Success\r\n"));
+}
+
+TEST_F(LsiChangeTest, NewArrayWithHotSparesIsJudgedByTheSpareCommand) {
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  const std::string Spare =
+      "storcli.efi /c0/e253/s6,252 add hotsparedrive dgs=0 mronly nolog";
+  for (bool SpareSucceeds : {true, false}) {
+    AnswerOthers(Verdict(false));  // the create command fails
+    Answer(Spare, Verdict(SpareSucceeds));
+    Answer("storcli.efi /c0 show mronly nolog",
+           FreshSummary(kMixedEnclosures));
+    Answer("storcli.efi /c0 show freespace mronly nolog", Verdict(true));
+    Baseline_ = Commands().size();
+    UINT32 ErrorCode = 0;
+    LsiCreateVolume(Parameter({1, 2}, {5, 4}), 0, &ErrorCode);
+    std::vector<std::string> Sent = NewCommands();
+    ASSERT_GE(Sent.size(), 2u);
+    EXPECT_EQ(Sent[0].rfind("storcli.efi /c0 add vd raid5 ", 0), 0u);
+    // Spares in two enclosures: only the first is named, the slots piece
+    // carries the next enclosure's number.
+    EXPECT_EQ(Sent[1], Spare);
+    EXPECT_EQ(ErrorCode, SpareSucceeds ? 0u : LSI_ERROR_ACTION_NO_CODE);
+  }
+}
+
+TEST_F(LsiChangeTest, ExistingArrayPlacesTheVolumeAfterTheFreeSegment) {
+  struct Case {
+    UINT32 FreeSegmentId;
+    const char *After;
+  };
+  // Segment 0 lies after volume 1; segment 1 after none; 9 does not exist.
+  for (const Case &C : {Case{0, "AfterVd=1"}, Case{1, " "}, Case{9, " "}}) {
+    ReadRich();
+    RAID_VOLUME_PARAMETER *P = Parameter({}, {});
+    P->NewArray = 0;
+    P->ArrayId = 0;
+    P->FreeSegmentId = C.FreeSegmentId;
+    P->DriveCount = 3;
+    P->RaidLevel = 0;  // the array's level counts
+    P->Size = 50000;
+    P->ReadPolicy = RAID_READ_POLICY_NO_READ_AHEAD;
+    P->WritePolicy = RAID_WRITE_POLICY_ALWAYS_WRITE_BACK;
+    P->IoPolicy = RAID_IO_POLICY_DIRECT;
+    P->DiskCachePolicy = RAID_DISK_CACHE_POLICY_OFF;
+    P->StripeSize = 128;
+    Answer("storcli.efi /c0 add vd raid5 size=50.000GB name=vd1 "
+           "drives=252:0,1,2   pdcache=off direct awb nora strip=128 " +
+               std::string(C.After) + " mronly nolog",
+           Verdict(true));
+    AnswerOthers(Verdict(false));
+    UINT32 ErrorCode = 0xDEAD;
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, 0u) << NewCommands()[0];
+  }
+}
+
+TEST_F(LsiChangeTest, SpanWordOfNestedLevels) {
+  struct Case {
+    UINT32 Level, Drives, PerSpan;
+  };
+  const Case Cases[] = {{10, 4, 2},  {10, 6, 2},  {10, 18, 6}, {10, 5, 0},
+                        {10, 2, 0},  {10, 32, 4}, {10, 34, 0}, {50, 8, 4},
+                        {50, 7, 0},  {50, 4, 0},  {60, 6, 3},  {60, 12, 6},
+                        {5, 8, 0}};
+  for (const Case &C : Cases) {
+    EXPECT_EQ(LsiDrivesPerSpan(C.Level, C.Drives), C.PerSpan)
+        << C.Level << "/" << C.Drives;
+  }
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  RAID_VOLUME_PARAMETER *P = Parameter({1, 2, 3, 4, 5}, {});
+  P->RaidLevel = 10;
+  UINT32 ErrorCode = 0;
+  LsiCreateVolume(P, 0, &ErrorCode);
+  EXPECT_EQ(NewCommands()[0],
+            "storcli.efi /c0 add vd raid10 size=100.500GB name=vd1 "
+            "drives=252:0,1,2,253:5,6 pdperarray=0 pdcache=default cached wb "
+            "ra strip=64  mronly nolog");
+}
+
+TEST_F(LsiChangeTest, CommandFormsAndBlankWords) {
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  struct Case {
+    UINT32 Form;
+    const char *Command;
+  };
+  const Case Cases[] = {
+      {0, "storcli.efi /c0 add vd raid1     drives=252:0,1   pdcache=on    "
+          "strip=2049  mronly nolog"},
+      {2, "storcli.efi /c0 add vd raid1     drives=252:0,1   pdcache=on   "
+          "mronly nolog"},
+      {7, "storcli.efi /c0 add vd raid1     drives=252:0,1   pdcache=on "
+          "mronly nolog"},
+  };
+  for (const Case &C : Cases) {
+    gLsiCommandForm = C.Form;
+    RAID_VOLUME_PARAMETER *P = Parameter({1, 3}, {});
+    P->RaidLevel = 1;
+    P->Size = 999;  // below one unit: the tool takes all the space
+    P->Name = nullptr;
+    P->StripeSize = RAID_STRIPE_SIZE_OTHER;
+    P->ReadPolicy = RAID_READ_POLICY_OTHER;
+    P->WritePolicy = RAID_WRITE_POLICY_OTHER;
+    P->IoPolicy = RAID_IO_POLICY_OTHER;
+    P->DiskCachePolicy = RAID_DISK_CACHE_POLICY_ON;
+    Baseline_ = Commands().size();
+    UINT32 ErrorCode = 0;
+    LsiCreateVolume(P, 0, &ErrorCode);
+    EXPECT_EQ(NewCommands()[0], C.Command) << C.Form;
+  }
+}
+
+TEST_F(LsiChangeTest, CreateRefusals) {
+  ReadRich();
+  UINT32 ErrorCode = 0;
+  RAID_VOLUME_PARAMETER *P = Parameter({}, {});
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, LSI_ERROR_NO_FREE_DRIVES);
+  EXPECT_TRUE(TraceHas("[LsiCreateVolume]No Free Physical Drives!\r\n"));
+  EXPECT_EQ(NewCommands()[0], "storcli.efi /c0 show mronly nolog");
+
+  P = Parameter({30}, {});
+  P->NewArray = 0;
+  P->ArrayId = 9;
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+  EXPECT_TRUE(TraceHas("[LsiCreateVolume]Array 9 is empty!\r\n"));
+
+  P->ControllerId = 42;
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+  EXPECT_TRUE(TraceHas("[LsiCreateVolume]Not find controller.\r\n"));
+
+  P->ControllerId = Controller_->Id;
+  Controller_->Private->CardId = RAID_CARD_ID_UNSET;
+  Baseline_ = Commands().size();
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_ABORTED);
+  EXPECT_EQ(ErrorCode, LSI_ERROR_INVALID_CARD_ID);
+  EXPECT_TRUE(NewCommands().empty());
+}
+
+TEST_F(LsiChangeTest, DeletingAnArrayRunsEveryVolumeEvenAfterAFailure) {
+  std::string Summary = kRichSummary;
+  Summary.replace(Summary.find("Virtual Drives = 3"), 18,
+                  "Virtual Drives = 4");
+  size_t Row = Summary.find("1/2   RAID10");
+  Summary.insert(Row, "0/3   RAID5  Optl  RW     Yes     RWBD  -   OFF "
+                      "10.000 GB logs\n");
+  for (bool LastSucceeds : {true, false}) {
+    AnswerRichConfiguration();
+    Answer("storcli.efi /c0 show mronly nolog", Summary);
+    ReadModel();
+    Baseline_ = Commands().size();
+    Answer("storcli.efi /c0/v0 del force mronly nolog", Verdict(false));
+    Answer("storcli.efi /c0/v1 del force mronly nolog", Verdict(true));
+    Answer("storcli.efi /c0/v3 del force mronly nolog", Verdict(LastSucceeds));
+    UINT32 ErrorCode = 0xDEAD;
+    EXPECT_EQ(LsiDeleteArray(Array(0), &ErrorCode), EFI_SUCCESS);
+    std::vector<std::string> Sent = NewCommands();
+    ASSERT_GE(Sent.size(), 4u);
+    EXPECT_EQ(std::vector<std::string>(Sent.begin(), Sent.begin() + 4),
+              (std::vector<std::string>{
+                  "storcli.efi /c0/v0 del force mronly nolog",
+                  "storcli.efi /c0/v1 del force mronly nolog",
+                  "storcli.efi /c0/v3 del force mronly nolog",
+                  "storcli.efi /c0 show mronly nolog"}));
+    EXPECT_EQ(ErrorCode, LastSucceeds ? 0u : LSI_ERROR_ACTION_NO_CODE);
+  }
+}
+
+TEST_F(LsiChangeTest, DeletingOneVolumeTakesOverTheRefreshCode) {
+  ReadRich();
+  RAID_ARRAY *Raid10 = Array(1);
+  RAID_VOLUME *Volume = nullptr;
+  for (RAID_VOLUME *V : uefi::ListOf<&RAID_VOLUME::Link>(Raid10->SegmentList)) {
+    Volume = V->IsVolume ? V : Volume;
+  }
+  Answer("storcli.efi /c0/v2 del force mronly nolog", Verdict(true));
+  Answer("storcli.efi /c0/v2 show all mronly nolog",
+         ShowAll("1/2", "RAWBC", "4.000 MB", "Enabled"));
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(LsiDeleteVolume(Volume, &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, LSI_ERROR_STRIPE_SIZE);
+  EXPECT_TRUE(TraceHas("[LsiDeleteVolume]Controller id: 3, Array id: 1\r\n"));
+  EXPECT_TRUE(TraceHas("[LsiDeleteVolume] Failed to refresh controller "
+                       "information, Status: Success, Error code: "
+                       "0x200029\r\n"));
+  EXPECT_EQ(NewCommands()[0], "storcli.efi /c0/v2 del force mronly nolog");
+}
+
+// ---- One drive's state ------------------------------------------------------
+
+struct DriveStateCase {
+  const char *Name;
+  const char *Location;
+  UINT32 Target;
+  std::vector<std::pair<std::string, bool>> Commands;  // action, succeeds
+  UINT32 State;
+  UINT32 Role;
+  char List;  // 'P' PhysicalDriveList, 'S' SpareDriveList, 'A' an array
+  UINT32 ErrorCode;
+  UINT32 Unconfigured;  // counts afterwards (9 and 1 before)
+  UINT32 Spares;
+};
+
+class LsiDriveStateTest
+    : public LsiChangeTest,
+      public ::testing::WithParamInterface<DriveStateCase> {};
+
+TEST_P(LsiDriveStateTest, CommandsAndModelEdits) {
+  const DriveStateCase &Case = GetParam();
+  ReadRich();
+  RAID_PHYSICAL_DRIVE *Drive = DriveAt(Case.Location);
+  ASSERT_NE(Drive, nullptr);
+  std::string Address = std::string("storcli.efi /c0/e") +
+                        std::to_string(Drive->Position->EnclosureId) + "/s" +
+                        std::to_string(Drive->Position->SlotNumber) + " ";
+  std::vector<std::string> Expected;
+  for (const auto &[Action, Succeeds] : Case.Commands) {
+    std::string Line = Action == "fall delete"
+                           ? "storcli.efi /c0/fall delete mronly nolog"
+                           : Address + Action + " mronly nolog";
+    Answer(Line, Verdict(Succeeds));
+    Expected.push_back(Line);
+  }
+  UINT32 ErrorCode = 0xDEAD;
+  EFI_STATUS Status =
+      LsiSetPhysicalDriveState(Controller_, Drive, Case.Target, &ErrorCode);
+  EXPECT_EQ(NewCommands(), Expected);
+  EXPECT_EQ(ErrorCode, Case.ErrorCode);
+  EXPECT_EQ(Status, Case.ErrorCode == 0
+                        ? EFI_SUCCESS
+                        : static_cast<EFI_STATUS>(Case.ErrorCode & 0xFF));
+  EXPECT_EQ(Drive->State, Case.State);
+  EXPECT_EQ(Drive->Role, Case.Role);
+  LIST_ENTRY *List = Case.List == 'P'   ? &Controller_->PhysicalDriveList
+                     : Case.List == 'S' ? &Controller_->SpareDriveList
+                                        : nullptr;
+  if (List != nullptr) {
+    bool InList = false;
+    for (RAID_PHYSICAL_DRIVE *D :
+         uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
+      InList = InList || D == Drive;
+    }
+    EXPECT_TRUE(InList);
+  }
+  EXPECT_EQ(Controller_->UnconfiguredDriveCount, Case.Unconfigured);
+  EXPECT_EQ(Controller_->GlobalSpareCount, Case.Spares);
+  EXPECT_TRUE(Controller_->Private->Flags & RAID_FLAG_OUTPUT_VALID);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, LsiDriveStateTest,
+    ::testing::Values(
+        DriveStateCase{"GhsToUGood", "252:9", 6,
+                       {{"delete hotsparedrive", true}}, 6, 0, 'P', 0, 10, 0},
+        DriveStateCase{"GhsToUGoodRefused", "252:9", 6,
+                       {{"delete hotsparedrive", false}}, 13, 2, 'S', 0x20002C,
+                       9, 1},
+        DriveStateCase{"ForeignGoodToUGood", "252:10", 6,
+                       {{"fall delete", true}}, 6, 0, 'P', 0, 9, 1},
+        DriveStateCase{"ForeignBadToUGood", "252:11", 6,
+                       {{"del jbod force", true}, {"fall delete", true}}, 6, 0,
+                       'P', 0, 9, 1},
+        DriveStateCase{"ForeignBadToUGoodFirstRefused", "252:11", 6,
+                       {{"del jbod force", false}}, 9, 0, 'P', 0x20002C, 9, 1},
+        DriveStateCase{"ForeignBadToUGoodSecondRefused", "252:11", 6,
+                       {{"del jbod force", true}, {"fall delete", false}}, 9, 0,
+                       'P', 0x20002C, 9, 1},
+        DriveStateCase{"JbodToUGood", "252:8", 6, {{"del jbod force", true}},
+                       6, 0, 'P', 0, 9, 1},
+        DriveStateCase{"Missing", "252:0", 10, {{"set missing", true}}, 10, 1,
+                       'A', 0, 9, 1},
+        DriveStateCase{"MissingRefusedSilently", "252:0", 10,
+                       {{"set missing", false}}, 14, 1, 'A', 0, 9, 1},
+        DriveStateCase{"GhsToJbod", "252:9", 11,
+                       {{"delete hotsparedrive", true}, {"set jbod", true}}, 11,
+                       0, 'P', 0, 10, 0},
+        DriveStateCase{"GhsToJbodRefused", "252:9", 11,
+                       {{"delete hotsparedrive", false}}, 11, 0, 'S', 0x20002E,
+                       9, 1},
+        DriveStateCase{"UGoodToJbodNotJudged", "252:4", 11,
+                       {{"set jbod", false}}, 11, 0, 'P', 0, 9, 1},
+        DriveStateCase{"JbodToGhs", "252:8", 13,
+                       {{"del jbod force", true}, {"add hotsparedrive", true}},
+                       13, 2, 'S', 0, 8, 2},
+        DriveStateCase{"JbodToGhsFirstRefused", "252:8", 13,
+                       {{"del jbod force", false}}, 11, 0, 'P', 0x20002C, 9, 1},
+        DriveStateCase{"JbodToGhsSecondRefused", "252:8", 13,
+                       {{"del jbod force", true}, {"add hotsparedrive", false}},
+                       6, 0, 'P', 0x20002D, 9, 1},
+        DriveStateCase{"UGoodToGhs", "252:4", 13,
+                       {{"add hotsparedrive", true}}, 13, 2, 'S', 0, 8, 2},
+        DriveStateCase{"Online", "253:2", 14, {{"set online", true}}, 14, 1,
+                       'A', 0, 9, 1},
+        DriveStateCase{"Offline", "252:0", 15, {{"set offline", true}}, 15, 1,
+                       'A', 0, 9, 1},
+        DriveStateCase{"OfflineRefusedSilently", "252:0", 15,
+                       {{"set offline", false}}, 14, 1, 'A', 0, 9, 1},
+        DriveStateCase{"UnsupportedTarget", "252:4", 12, {}, 6, 0, 'P',
+                       0x200024, 9, 1}),
+    [](const ::testing::TestParamInfo<DriveStateCase> &Info) {
+      return std::string(Info.param.Name);
+    });
+
+TEST_F(LsiChangeTest, AllDrivesAtOnce) {
+  struct Case {
+    UINT32 Target;
+    const char *Command;
+    const char *Trace;
+    UINT32 ErrorCode;
+  };
+  const Case Cases[] = {
+      {6, "storcli.efi /c0/eall/sall del jbod force mronly nolog",
+       "[LsiSetAllPhysicalDriveState] execute the LSI_STATE_UGOOD \r\n", 0},
+      {11, "storcli.efi /c0/eall/sall set jbod mronly nolog",
+       "[LsiSetAllPhysicalDriveState] execute the LSI_STATE_JBOD \r\n", 0},
+      {13, nullptr,
+       "[LsiSetAllPhysicalDriveState] execute the default INVALID_RAID_STATE "
+       "\r\n",
+       0x200024},
+  };
+  for (const Case &C : Cases) {
+    ReadRich();
+    UINT32 ErrorCode = 0xDEAD;
+    EXPECT_EQ(LsiSetAllPhysicalDriveState(Controller_, C.Target, &ErrorCode),
+              EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, C.ErrorCode);
+    EXPECT_TRUE(TraceHas(C.Trace));
+    std::vector<std::string> Sent = NewCommands();
+    ASSERT_FALSE(Sent.empty());
+    EXPECT_EQ(Sent[0], C.Command != nullptr
+                           ? std::string(C.Command)
+                           : std::string("storcli.efi /c0 show mronly nolog"));
+    EXPECT_TRUE(Controller_->Private->Flags & RAID_FLAG_OUTPUT_VALID);
+  }
+}
+
+}  // namespace
+}  // namespace lsi_test
