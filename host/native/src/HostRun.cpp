@@ -30,7 +30,7 @@ ModelJson RunModuleForModel(Server &Server) {
   if (EFI_ERROR(Status)) {
     return nullptr;
   }
-  DiscoveryResult Discovery = Module.Discover();
+  DiscoveryResult Discovery = Module.LastDiscovery();
   ModelJson Model =
       DumpModel(Discovery.Status, Discovery.ErrorCode, gControllerList);
   Module.Unload();

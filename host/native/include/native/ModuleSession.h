@@ -1,5 +1,6 @@
 // The RAID setup module's life inside the host: loaded through its image
-// entry, its adapters discovered, then unloaded through UnloadImage.
+// entry, which connects it to the host and runs the adapter discovery of
+// the wizard's first page, then unloaded through UnloadImage.
 #pragma once
 
 #include <Uefi.h>
@@ -8,7 +9,7 @@
 
 namespace host {
 
-// InitializeRaid's outcome.
+// The discovery the module ran at start-up: InitializeRaid's outcome.
 struct DiscoveryResult {
   EFI_STATUS Status = EFI_NOT_STARTED;
   UINT32 ErrorCode = 0;
@@ -24,9 +25,9 @@ class ModuleSession {
 
   // Runs the image entry with the module's image handle; its status.
   EFI_STATUS Load();
-  // Runs the discovery the first wizard page runs: InitializeRaid, then
-  // each controller's information.
-  DiscoveryResult Discover();
+  // The outcome of the last discovery the module ran ("Not Started" when
+  // it ran none).
+  DiscoveryResult LastDiscovery() const;
   // UnloadImage through the firmware; its status.
   EFI_STATUS Unload();
 
