@@ -1,0 +1,226 @@
+// The model dump of whole servers: what the module discovers from the
+// scenario's PCI functions, SMBIOS slots, slot inventory and volume files.
+#include <gtest/gtest.h>
+
+#include "HostTestSupport.h"
+
+namespace host_test {
+namespace {
+
+// The controllers' Ids in dump order.
+std::vector<unsigned> Ids(const host::ModelJson &Model) {
+  std::vector<unsigned> Result;
+  for (const auto &Controller : Model["controllers"]) {
+    Result.push_back(Controller["Id"].get<unsigned>());
+  }
+  return Result;
+}
+
+struct FamilyExpectation {
+  const char *StorageId;
+  const char *Name;
+  unsigned SlotNumber;
+  unsigned Bus, Device;
+  unsigned VendorId, DeviceId, SubVendorId, SubDeviceId;
+  const char *ToolName;
+  const char *Signature;
+  unsigned CardId;
+};
+
+// What pcidb.xml and raid.xml say of the four functions of
+// FourFamilyScenario, in slot inventory order.
+const FamilyExpectation kFamilies[] = {
+    {"LSI", "MegaRAID 9460-8i", 2, 0x3b, 0, 0x1000, 0x0016, 0x1000, 0x9460,
+     "storcli.efi", "$lsi", 0},
+    {"MCHP", "SmartRAID 3154-8i", 6, 0xaf, 0, 0x9005, 0x028F, 0x9005, 0x0800,
+     "arcconf.efi", "$arc", 1},
+    {"RSTe", "Intel RSTe SATA RAID Controller", 0xFFFF, 0x00, 0x17, 0x8086,
+     0x2826, 0x8086, 0x2826, "RCfgSata.efi", "rste", 0},
+    {"M.2", "Marvell 88SE9230 M.2 RAID Adapter", 1, 0x02, 0, 0x1B4B, 0x9230,
+     0x1B4B, 0x9230, "mvsetup.efi", "$m.2", 0},
+};
+
+TEST(ModelDump, OneControllerPerFamilyAsTheProductDataSays) {
+  DumpRun Run = RunDump(FourFamilyScenario());
+  ASSERT_EQ(Run.Model["status"], "Success");
+  EXPECT_EQ(Run.Model["errorCode"], 0);
+  const auto &Controllers = Run.Model["controllers"];
+  ASSERT_EQ(Controllers.size(), std::size(kFamilies));
+  for (std::size_t I = 0; I < std::size(kFamilies); I++) {
+    const FamilyExpectation &Want = kFamilies[I];
+    const auto &Got = Controllers[I];
+    SCOPED_TRACE(Want.StorageId);
+    EXPECT_EQ(Got["Id"], I);
+    EXPECT_EQ(Got["Name"], Want.Name);
+    EXPECT_EQ(Got["SlotNumber"], Want.SlotNumber);
+    const auto &Private = Got["Private"];
+    EXPECT_EQ(Private["StorageId"], Want.StorageId);
+    EXPECT_EQ(Private["Bus"], Want.Bus);
+    EXPECT_EQ(Private["Device"], Want.Device);
+    EXPECT_EQ(Private["Function"], 0);
+    EXPECT_EQ(Private["VendorId"], Want.VendorId);
+    EXPECT_EQ(Private["DeviceId"], Want.DeviceId);
+    EXPECT_EQ(Private["SubVendorId"], Want.SubVendorId);
+    EXPECT_EQ(Private["SubDeviceId"], Want.SubDeviceId);
+    EXPECT_EQ(Private["Signature"], Want.Signature);
+    EXPECT_EQ(Private["CardId"], Want.CardId);
+    ASSERT_TRUE(Got["Capability"].is_object());
+    EXPECT_EQ(Got["Capability"]["ControllerName"], Want.StorageId);
+    EXPECT_EQ(Got["Capability"]["ToolName"], Want.ToolName);
+    EXPECT_FALSE(Got["Capability"]["Levels"].empty());
+  }
+}
+
+TEST(ModelDump, CapabilityListsFollowRaidXml) {
+  DumpRun Run = RunDump(FourFamilyScenario());
+  const auto &Lsi = Run.Model["controllers"][0]["Capability"];
+  EXPECT_EQ(Lsi["Levels"].size(), 7u);
+  EXPECT_EQ(Lsi["Levels"][4],
+            host::ModelJson({{"Name", "10"}, {"Level", 10}, {"IsDefault", 0},
+                  {"MinPhysicalDrives", 4}, {"MaxPhysicalDrives", 240},
+                  {"MaxLogicalDrives", 16}}));
+  EXPECT_EQ(Lsi["WritePolicies"][1],
+            host::ModelJson({{"Name", "Write Back"}, {"Value", 1}, {"IsDefault", 1}}));
+  EXPECT_EQ(Lsi["StripeSizes"][2],
+            host::ModelJson({{"Name", "256K"}, {"Value", 256}, {"IsDefault", 1}}));
+  for (const char *List : {"ReadPolicies", "IoPolicies", "DiskCachePolicies"}) {
+    EXPECT_FALSE(Lsi[List].empty()) << List;
+  }
+}
+
+TEST(ModelDump, ControllerAndPrivateKeysInOrder) {
+  DumpRun Run = RunDump(FourFamilyScenario());
+  const auto &Controller = Run.Model["controllers"][0];
+  std::vector<std::string> Keys;
+  for (const auto &Item : Controller.items()) {
+    Keys.push_back(Item.key());
+  }
+  EXPECT_EQ(Keys, (std::vector<std::string>{
+                      "Id", "ToolType", "Name", "FirmwareVersion",
+                      "SerialNumber", "SlotNumber", "DiskDriveCount",
+                      "UnconfiguredDriveCount", "GlobalSpareCount",
+                      "DriveTable", "PhysicalDrives", "SpareDrives", "Arrays",
+                      "Private", "Capability"}));
+  Keys.clear();
+  for (const auto &Item : Controller["Private"].items()) {
+    Keys.push_back(Item.key());
+  }
+  EXPECT_EQ(Keys, (std::vector<std::string>{
+                      "CardId", "StorageId", "ProductName", "Bus", "Device",
+                      "Function", "VendorId", "DeviceId", "SubVendorId",
+                      "SubDeviceId", "Flags", "Signature"}));
+}
+
+TEST(ModelDump, FamilyWithoutProfileHasNullCapability) {
+  json Scenario = FourFamilyScenario();
+  Scenario["volumeFiles"]["raid.xml"]["text"] =
+      WithoutController(ProductFile("raid.xml"), "MCHP");
+  DumpRun Run = RunDump(Scenario);
+  const auto &Controllers = Run.Model["controllers"];
+  ASSERT_EQ(Controllers.size(), 4u);
+  EXPECT_TRUE(Controllers[1]["Capability"].is_null());
+  EXPECT_EQ(Controllers[1]["Private"]["Signature"], "");
+  EXPECT_EQ(Controllers[1]["Private"]["CardId"], 0xFFFFFFFFu);
+  for (std::size_t I : {0, 2, 3}) {
+    EXPECT_TRUE(Controllers[I]["Capability"].is_object()) << I;
+  }
+}
+
+TEST(ModelDump, UnmatchedFunctionLeavesAGapInTheIds) {
+  json Scenario = FourFamilyScenario();
+  // A MegaRAID function pcidb.xml does not list, between two listed ones
+  // in the scan, and not named by the inventory.
+  Scenario["pciFunctions"].insert(
+      Scenario["pciFunctions"].begin() + 1,
+      json::parse(R"({"location": "40:00.0", "vendorId": "1000",
+                      "deviceId": "0097", "subVendorId": "1000",
+                      "subDeviceId": "3090"})"));
+  Scenario["slotInventory"] = json::array();
+  DumpRun Run = RunDump(Scenario);
+  EXPECT_EQ(Ids(Run.Model), (std::vector<unsigned>{0, 2, 3, 4}));
+  EXPECT_EQ(Run.Model["controllers"][1]["Name"], "SmartRAID 3154-8i");
+}
+
+TEST(ModelDump, SlotInventoryOrdersTheControllers) {
+  json Scenario = FourFamilyScenario();
+  Scenario["slotInventory"] = json::parse(R"([
+      {"slot": "M.2 Slot 1", "device": "Marvell"},
+      {"slot": null, "device": "Intel RSTe"},
+      {"slot": "PCIe Slot 6", "device": "SmartRAID"}])");
+  DumpRun Run = RunDump(Scenario);
+  std::vector<std::string> Names;
+  for (const auto &Controller : Run.Model["controllers"]) {
+    Names.push_back(Controller["Private"]["StorageId"]);
+  }
+  // The three inventory entries first, the MegaRAID left over at the end.
+  EXPECT_EQ(Names, (std::vector<std::string>{"M.2", "RSTe", "MCHP", "LSI"}));
+  EXPECT_EQ(Ids(Run.Model), (std::vector<unsigned>{0, 1, 2, 3}));
+}
+
+TEST(ModelDump, SlotOneAlsoMatchesAnInventoryTextNamingSlotTwelve) {
+  json Scenario = json::parse(R"({
+    "pciFunctions": [
+      {"name": "in-slot-1", "location": "10:00.0", "vendorId": "1000",
+       "deviceId": "0016", "subVendorId": "1000", "subDeviceId": "9460"},
+      {"name": "in-slot-12", "location": "20:00.0", "vendorId": "1000",
+       "deviceId": "10E2", "subVendorId": "1000", "subDeviceId": "4010"}
+    ],
+    "smbios": {"slots": [{"slotId": 1, "bus": "10"},
+                         {"slotId": 12, "bus": "20"}]},
+    "slotInventory": [{"slot": "PCIe Slot 12", "device": "MegaRAID 9560"},
+                      {"slot": "PCIe Slot 1", "device": "MegaRAID 9460"}]
+  })");
+  DumpRun Run = RunDump(Scenario);
+  const auto &Controllers = Run.Model["controllers"];
+  ASSERT_EQ(Controllers.size(), 2u);
+  // "Slot 1" occurs inside "PCIe Slot 12", so the slot 1 adapter comes
+  // first; the slot 12 adapter matches nothing and follows.
+  EXPECT_EQ(Controllers[0]["SlotNumber"], 1);
+  EXPECT_EQ(Controllers[1]["SlotNumber"], 12);
+}
+
+TEST(ModelDump, MissingRaidXmlLeavesEveryCapabilityNull) {
+  json Scenario = FourFamilyScenario();
+  Scenario["volumeFiles"]["raid.xml"] = nullptr;
+  DumpRun Run = RunDump(Scenario);
+  EXPECT_EQ(Run.Model["status"], "Success");
+  EXPECT_EQ(Run.Model["errorCode"], 0);
+  ASSERT_EQ(Run.Model["controllers"].size(), 4u);
+  for (const auto &Controller : Run.Model["controllers"]) {
+    EXPECT_TRUE(Controller["Capability"].is_null());
+    EXPECT_EQ(Controller["ToolType"], 1);  // matched, never bound
+  }
+}
+
+TEST(ModelDump, MissingPcidbXmlFindsNoController) {
+  json Scenario = FourFamilyScenario();
+  Scenario["volumeFiles"]["pcidb.xml"] = nullptr;
+  DumpRun Run = RunDump(Scenario);
+  EXPECT_EQ(Run.Model["status"], "Not Found");
+  EXPECT_EQ(Run.Model["errorCode"], 0x0020000E);
+  EXPECT_EQ(Run.Model["controllers"], host::ModelJson::array());
+}
+
+TEST(ModelDump, NoPoolAllocationOutlivesTheRun) {
+  json MissingRaidXml = FourFamilyScenario();
+  MissingRaidXml["volumeFiles"]["raid.xml"] = nullptr;
+  json MissingPcidb = FourFamilyScenario();
+  MissingPcidb["volumeFiles"]["pcidb.xml"] = nullptr;
+  for (const json &Scenario :
+       {FourFamilyScenario(), MissingRaidXml, MissingPcidb}) {
+    DumpRun Run = RunDump(Scenario);
+    EXPECT_EQ(Run.LeakReport, "");
+  }
+}
+
+TEST(ModelDump, HostWithoutSetupProtocolStillDumps) {
+  json Scenario = FourFamilyScenario();
+  Scenario["protocols"]["setup"] = false;
+  DumpRun Run = RunDump(Scenario);
+  EXPECT_EQ(Run.Model["status"], "Success");
+  EXPECT_EQ(Run.Model["controllers"].size(), 4u);
+  EXPECT_TRUE(Run.Trace.empty());
+}
+
+}  // namespace
+}  // namespace host_test
