@@ -70,7 +70,13 @@ std::string WithoutController(const std::string &RaidXml,
 
 DumpRun RunDump(const json &Scenario, const host::ServerOptions &Options,
                 const host::FamilyRegistry &Families) {
-  host::Server Server(host::ParseScenario(Scenario, "."), Options, Families);
+  return RunDump(host::ParseScenario(Scenario, "."), Options, Families);
+}
+
+DumpRun RunDump(const host::Scenario &Scenario,
+                const host::ServerOptions &Options,
+                const host::FamilyRegistry &Families) {
+  host::Server Server(Scenario, Options, Families);
   DumpRun Run;
   Run.Model = host::RunModuleForModel(Server);
   if (Server.Setup() != nullptr) {

@@ -39,6 +39,10 @@ struct DumpRun {
 
 // Builds the server of Scenario, loads the module, dumps the model and
 // unloads it.
+DumpRun RunDump(const host::Scenario &Scenario,
+                const host::ServerOptions &Options = {},
+                const host::FamilyRegistry &Families =
+                    host::FamilyRegistry::Builtin());
 DumpRun RunDump(const json &Scenario, const host::ServerOptions &Options = {},
                 const host::FamilyRegistry &Families =
                     host::FamilyRegistry::Builtin());

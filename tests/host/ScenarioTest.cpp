@@ -99,6 +99,31 @@ TEST(Scenario, DemoServerLoads) {
   EXPECT_FALSE(Demo.Smbios.BiosVersion.empty());
 }
 
+TEST(Scenario, EveryShippedScenarioRunsCleanly) {
+  std::size_t Count = 0;
+  for (const auto &Entry :
+       std::filesystem::directory_iterator(RAIDCFG_SCENARIO_DIR)) {
+    if (Entry.path().extension() != ".json") {
+      continue;
+    }
+    SCOPED_TRACE(Entry.path().string());
+    DumpRun Run = RunDump(host::LoadScenarioFile(Entry.path()));
+    EXPECT_TRUE(Run.Model.is_object());
+    EXPECT_EQ(Run.LeakReport, "");
+    EXPECT_TRUE(Run.Problems.empty());
+    Count++;
+  }
+  EXPECT_GE(Count, 3u);
+}
+
+TEST(Scenario, ShippedSlotSubstringScenarioShowsTheQuirk) {
+  DumpRun Run = RunDump(host::LoadScenarioFile(
+      std::filesystem::path(RAIDCFG_SCENARIO_DIR) / "slot-substring.json"));
+  ASSERT_EQ(Run.Model["controllers"].size(), 2u);
+  EXPECT_EQ(Run.Model["controllers"][0]["SlotNumber"], 1);
+  EXPECT_EQ(Run.Model["controllers"][1]["SlotNumber"], 12);
+}
+
 struct BadScenario {
   const char *Name;
   const char *Json;

@@ -426,7 +426,7 @@ Scenario ParseScenarioText(std::string_view Text, std::string_view Origin,
 }
 
 Scenario LoadScenarioFile(const std::filesystem::path &Path) {
-  std::string Text = ReadHostFile(Path, Path.string());
+  std::string Text = ReadHostFile(Path, "scenario");
   return ParseScenarioText(Text, Path.string(), Path.parent_path());
 }
 
