@@ -11,6 +11,7 @@ packages=(
   libexpat1-dev nlohmann-json3-dev    # native host: XML parser, scenarios and dumps
   qemu-system-x86 ovmf mtools dosfstools  # running the images under real firmware
   git
+  python3                             # build-time generators (tools/)
 )
 
 missing=()
