@@ -28,11 +28,7 @@ VOID FetchModuleWords() {
 
 // After a failed discovery: the error box, and page 0 registered so that
 // entering it runs the discovery again.
-VOID ArmDiscoveryRetry(EFI_STATUS Status, UINT32 ErrorCode) {
-  RAID_TRACE(TARN_DEBUG_ERROR,
-             "[%a]<err> Failed to initialize RAID info, Status %r, Errorcode "
-             "%x\n",
-             Status, ErrorCode);
+VOID ArmDiscoveryRetry(UINT32 ErrorCode) {
   RaidSetProgress(kProgressDone);
   RaidRedrawScreen();
   ShowRaidErrorBox(ErrorCode);
@@ -86,7 +82,11 @@ VOID InitRaidControllerSelectionPage() {
              "RAID: [%a] Return status of Initialize Raid = %r\n", Status);
   // An error status with error code 0 counts as success.
   if (EFI_ERROR(Status) && ErrorCode != 0) {
-    ArmDiscoveryRetry(Status, ErrorCode);
+    RAID_TRACE(TARN_DEBUG_ERROR,
+               "[%a]<err> Failed to initialize RAID info, Status %r, "
+               "Errorcode %x\n",
+               Status, ErrorCode);
+    ArmDiscoveryRetry(ErrorCode);
     return;
   }
 
