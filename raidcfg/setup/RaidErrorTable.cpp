@@ -1,6 +1,7 @@
 // The error box's message table: one HII string id per adapter status code.
+#include <strings/RaidcfgStrings.h>
+
 #include "setup/RaidcfgSetup.h"
-#include "setup/RaidcfgStringIds.h"
 
 constinit EFI_STRING_ID gRaidErrMsgArray[RAID_ERR_MSG_COUNT] = {};
 

@@ -3,9 +3,9 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Protocol/Host/PageFramework.h>
+#include <strings/RaidcfgStrings.h>
 
 #include "setup/RaidcfgSetup.h"
-#include "setup/RaidcfgStringIds.h"
 #include "wizard/RaidHostUi.h"
 #include "wizard/RaidWizard.h"
 

@@ -2,10 +2,10 @@
 // construction, which runs the adapter discovery behind a progress box.
 #include <Library/UefiBootServicesTableLib.h>
 #include <Protocol/Host/PageFramework.h>
+#include <strings/RaidcfgStrings.h>
 
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
-#include "setup/RaidcfgStringIds.h"
 #include "wizard/RaidHostUi.h"
 #include "wizard/RaidWizard.h"
 
