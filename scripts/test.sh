@@ -74,6 +74,20 @@ check_image_headers() {
   return $ok
 }
 
+# Checks that an image carries its HII package list as a resource of type
+# "HII" holding the eleven string packages.
+check_hii_resource() {
+  local image=$1 resources info
+  resources=$(llvm-readobj --coff-resources "$image") || return 1
+  if ! grep -qF 'Type: HII' <<<"$resources"; then
+    echo "$image: no resource of type HII" >&2
+    return 1
+  fi
+  info=$(python3 tools/hii_resource_info.py "$image") || return 1
+  echo "$info"
+  grep -q '^HII package list: 11 string packages:' <<<"$info"
+}
+
 # Runs one fuzz target briefly on a scratch corpus, seeded from
 # tests/fuzz/corpus/<name>/ when that exists.
 run_fuzz_target() {
@@ -107,6 +121,7 @@ section "EFI build"
 if build_preset efi; then
   pass "EFI build"
   check "raidcfg.efi headers" check_image_headers build/efi/raidcfg.efi EFI_BOOT_SERVICE_DRIVER
+  check "raidcfg.efi HII resource" check_hii_resource build/efi/raidcfg.efi
   llvm-readobj --file-headers build/efi/raidcfg.efi | grep -E 'Magic: 0x20B|Machine:|Subsystem:|DYNAMIC_BASE'
   raidhost=$(find build/efi -name raidhost.efi -type f | head -n 1)
   if [[ -n "$raidhost" ]]; then
