@@ -32,7 +32,8 @@ SetupProtocol::SetupProtocol(Firmware &Firmware) : Firmware_(Firmware) {
                SetProgress,       BuildControlTable, ShowPage,
                RedrawControl,     RedrawScreen,      RegisterModuleCallbacks,
                ShowHelp,          DebugPrint,        GetString,
-               RegisterDefaultCallbacks};
+               RegisterDefaultCallbacks, FreePageNode,   FindNode,
+               GetLanguage};
   RootNode_.Control = HOST_NODE_NO_CONTROL;
   Firmware_.Handles().Install(&Handle_, gTarnSetupProtocolGuid, &Protocol_);
   gActiveSetup = this;
@@ -258,6 +259,32 @@ EFI_STATUS EFIAPI SetupProtocol::ShowHelp(HOST_PAGE_NODE *Page,
 
 EFI_STATUS EFIAPI SetupProtocol::RegisterDefaultCallbacks() {
   Active().Record(15, "RegisterDefaultCallbacks", {});
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS EFIAPI SetupProtocol::FreePageNode(HOST_PAGE_NODE *Node) {
+  Active().Record(16, "FreePageNode", {AsNumber(Node)});
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS EFIAPI SetupProtocol::FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
+                                          HOST_PAGE_NODE **Node) {
+  Active().Record(17, "FindNode", {AsNumber(Root), NodeId, AsNumber(Node)});
+  if (Node != nullptr) {
+    *Node = nullptr;
+  }
+  return EFI_NOT_FOUND;
+}
+
+EFI_STATUS EFIAPI SetupProtocol::GetLanguage(CHAR8 *Buffer, UINTN BufferSize) {
+  Active().Record(18, "GetLanguage", {AsNumber(Buffer), BufferSize});
+  static constexpr CHAR8 kEnglish[] = "en-US";
+  if (Buffer == nullptr || BufferSize < sizeof(kEnglish)) {
+    return EFI_BUFFER_TOO_SMALL;
+  }
+  for (UINTN Index = 0; Index < sizeof(kEnglish); Index++) {
+    Buffer[Index] = kEnglish[Index];
+  }
   return EFI_SUCCESS;
 }
 

@@ -2,7 +2,7 @@
 // message and progress boxes, and the page-framework slots.
 //
 // Its slots carry no This pointer, so one SetupProtocol is active at a time.
-// The page-framework slots (0-4, 7-12, 15) only record their calls here and
+// The page-framework slots (0-4, 7-12, 15-18) only record their calls here and
 // give harmless outputs; a page framework replaces them through Interface().
 #pragma once
 
@@ -128,6 +128,10 @@ class SetupProtocol {
   static VOID EFIAPI DebugPrint(UINT32 Level, const CHAR8 *Format, ...);
   static CHAR16 *EFIAPI GetString(EFI_HII_HANDLE HiiHandle, EFI_STRING_ID Id);
   static EFI_STATUS EFIAPI RegisterDefaultCallbacks();
+  static EFI_STATUS EFIAPI FreePageNode(HOST_PAGE_NODE *Node);
+  static EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
+                                    HOST_PAGE_NODE **Node);
+  static EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
 
   Firmware &Firmware_;
   TARN_SETUP_PROTOCOL Protocol_;

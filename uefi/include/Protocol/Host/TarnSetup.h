@@ -1,7 +1,7 @@
 // The host's setup protocol: trace output, HII strings, message and progress
 // boxes, page registration and the page framework's operations.
 // Slots 0-3, 5, 6, 13 and 14 are fixed by the host application; the others
-// are the reference host's (docs/host-protocols.md).
+// are the reference host's (docs/host-protocols.md, docs/page-framework.md).
 #pragma once
 
 #include <Protocol/Host/PageFramework.h>
@@ -64,6 +64,15 @@ struct _TARN_SETUP_PROTOCOL {
   CHAR16 *(EFIAPI *GetString)(EFI_HII_HANDLE HiiHandle, EFI_STRING_ID Id);
   // 15: put the host's own callbacks back in place of the module's.
   EFI_STATUS(EFIAPI *RegisterDefaultCallbacks)(VOID);
+  // 16: detach Node from its parent and free it with its whole subtree and
+  // every control record in it; nodes the module made itself are only
+  // detached. The module releases the nodes of slot 4 through this slot.
+  EFI_STATUS(EFIAPI *FreePageNode)(HOST_PAGE_NODE *Node);
+  // 17: the first node with NodeId in the subtree of Root, Root included.
+  EFI_STATUS(EFIAPI *FindNode)
+  (HOST_PAGE_NODE *Root, UINT32 NodeId, HOST_PAGE_NODE **Node);
+  // 18: the current language ("en-US", ...) into Buffer of BufferSize bytes.
+  EFI_STATUS(EFIAPI *GetLanguage)(CHAR8 *Buffer, UINTN BufferSize);
 };
 
 extern EFI_GUID gTarnSetupProtocolGuid;

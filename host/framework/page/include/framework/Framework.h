@@ -1,0 +1,184 @@
+// The host's page framework: page trees instantiated from the module's
+// templates, control records, control tables, pages shown with a focus,
+// message and progress boxes, the help panel, the module's callbacks and the
+// language. Freestanding; one framework per image (the setup protocol's
+// slots carry no This pointer). docs/page-framework.md describes it.
+#pragma once
+
+#include <Protocol/Host/PageFramework.h>
+#include <Protocol/Host/RaidSetupDataSource.h>
+#include <Protocol/Host/TarnSetup.h>
+#include <Uefi.h>
+
+namespace framework {
+
+// What the framework needs of the host it runs in.
+struct HostServices {
+  VOID *Context = nullptr;
+  // The text of Id in the current language, host-owned; NULL when unknown.
+  const CHAR16 *(*GetString)(VOID *Context, EFI_HII_HANDLE HiiHandle,
+                             EFI_STRING_ID Id) = nullptr;
+  // Makes Language ("fr-FR") the language of GetString.
+  EFI_STATUS (*SetLanguage)(VOID *Context, const CHAR8 *Language) = nullptr;
+  // A plain (style 0) or Yes/No (style 10) box is open: returns the
+  // operator's answer (TRUE for Yes or OK). NULL answers TRUE.
+  BOOLEAN (*Ask)(VOID *Context) = nullptr;
+  // The screen changed outside an operator's action (progress moved, the
+  // module asked for a redraw): a renderer draws it now. May be NULL.
+  VOID (*Refresh)(VOID *Context) = nullptr;
+};
+
+// The message box shown now, if any.
+struct MessageBoxState {
+  BOOLEAN Open;
+  UINT8 Style;     // HOST_MSGBOX_*
+  CHAR16 *Title;   // framework-owned copies
+  CHAR16 *Text;
+  UINT8 Percent;   // progress box
+};
+
+struct HelpLine {
+  UINT8 Style;     // HOST_HELP_*
+  CHAR16 *Text;
+};
+
+// The help panel shown now, if any.
+struct HelpState {
+  BOOLEAN Open;
+  UINTN Count;
+  HelpLine *Lines;
+  UINTN Scroll;    // first wrapped line shown
+};
+
+// The languages F2 cycles through, in order.
+constexpr UINTN kLanguageCount = 11;
+const CHAR8 *LanguageCode(UINTN Index);
+
+// ---- Life ---------------------------------------------------------------
+
+// Starts the framework: a fresh module root, no page, English. Identity is
+// the GUID handed to the module; FirstPageId the id slot 2 gives.
+EFI_STATUS Initialize(const HostServices &Services, const EFI_GUID &Identity,
+                      UINT32 FirstPageId);
+// Frees every node the framework made, every copy and the boxes.
+VOID Shutdown();
+// Fills the setup protocol's framework slots (0-12, 15-18) with the
+// framework's; slots 13 (trace) and 14 (strings) stay the host's.
+VOID FillSetupSlots(TARN_SETUP_PROTOCOL &Protocol);
+// The module's data source; when none is attached, RegisterPage looks it
+// up on the image handle it is given.
+VOID AttachDataSource(RAID_SETUP_DATA_SOURCE_PROTOCOL *DataSource);
+// The HII handle texts are fetched with; RegisterPage also sets it.
+VOID SetHiiHandle(EFI_HII_HANDLE HiiHandle);
+
+// ---- State --------------------------------------------------------------
+
+HOST_PAGE_NODE *ModuleRoot();
+// The page shown now (a node of kind HOST_CONTROL_PAGE), or NULL.
+HOST_PAGE_NODE *CurrentPage();
+// The control with the focus, or NULL.
+HOST_PAGE_NODE *FocusNode();
+const MessageBoxState &MessageBox();
+const HelpState &Help();
+UINTN LanguageIndex();
+// Number of nodes the framework made that are alive.
+UINTN LiveNodeCount();
+
+// ---- The setup protocol's framework slots, callable directly ------------
+
+EFI_STATUS EFIAPI GetModuleRoot(HOST_PAGE_NODE **Root);
+EFI_STATUS EFIAPI GetModuleIdentity(EFI_GUID **Identity);
+EFI_STATUS EFIAPI GetFirstPageId(UINT32 *PageId);
+EFI_STATUS EFIAPI RegisterPage(EFI_HANDLE ImageHandle,
+                               EFI_HII_HANDLE HiiHandle, UINT32 Page,
+                               TARN_PAGE_CALLBACK EnterCallback,
+                               TARN_PAGE_CALLBACK LeaveCallback,
+                               TARN_MODULE_CALLBACK LanguageCallback);
+EFI_STATUS EFIAPI InstantiatePage(const HOST_PAGE_TEMPLATE *Template,
+                                  HOST_PAGE_NODE *Parent,
+                                  const EFI_GUID *Identity,
+                                  HOST_PAGE_NODE **Page);
+BOOLEAN EFIAPI ShowMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
+                              EFI_STRING_ID TextId, const CHAR16 *Text);
+EFI_STATUS EFIAPI SetProgress(UINT8 Percent);
+EFI_STATUS EFIAPI BuildControlTable(HOST_PAGE_NODE *Page,
+                                    const HOST_CONTROL_DESCRIPTOR *Common,
+                                    UINTN CommonCount,
+                                    const HOST_CONTROL_DESCRIPTOR *Own,
+                                    UINTN OwnCount);
+EFI_STATUS EFIAPI ShowPage(HOST_PAGE_NODE *Page, UINT32 FocusNodeId);
+EFI_STATUS EFIAPI RedrawControl(HOST_PAGE_NODE *Node);
+EFI_STATUS EFIAPI RedrawScreen();
+EFI_STATUS EFIAPI RegisterModuleCallbacks(
+    TARN_MODULE_CALLBACK ReturnCallback, TARN_MODULE_CALLBACK HelpCallback,
+    TARN_MODULE_CALLBACK LanguageCallback);
+EFI_STATUS EFIAPI ShowHelp(HOST_PAGE_NODE *Page,
+                           const HOST_HELP_ENTRY *Entries, UINTN Count);
+EFI_STATUS EFIAPI RegisterDefaultCallbacks();
+EFI_STATUS EFIAPI FreePageNode(HOST_PAGE_NODE *Node);
+EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
+                           HOST_PAGE_NODE **Node);
+EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
+
+// ---- Reading controls (renderer, driver) ---------------------------------
+
+// One option of a radio group or combo box as the framework holds it.
+struct OptionView {
+  UINT32 Value;
+  const CHAR16 *Text;
+  UINT8 DisplayState;
+};
+
+// One table cell as the framework holds it.
+struct CellView {
+  UINT8 Kind;
+  UINT8 DisplayState;
+  const CHAR16 *Text;   // never NULL
+  UINT32 Value;
+  UINT16 OptionCount;
+};
+
+// The framework's record of a node, or NULL for a node without one.
+HOST_CONTROL *ControlOf(const HOST_PAGE_NODE *Node);
+// The text the control shows (never NULL).
+const CHAR16 *TextOf(const HOST_PAGE_NODE *Node);
+UINTN OptionCount(const HOST_PAGE_NODE *Node);
+BOOLEAN OptionAt(const HOST_PAGE_NODE *Node, UINTN Index, OptionView *View);
+// Table shape; 0 for a node that is not a table.
+UINT32 TableRows(const HOST_PAGE_NODE *Node);
+UINT32 TableColumns(const HOST_PAGE_NODE *Node);
+UINT32 TableFlags(const HOST_PAGE_NODE *Node);
+UINT16 TableColumnWidth(const HOST_PAGE_NODE *Node, UINT32 Column);
+BOOLEAN CellAt(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
+               CellView *View);
+const CHAR16 *CellOptionText(const HOST_PAGE_NODE *Node, UINT32 Row,
+                             UINT32 Column, UINTN Option);
+UINT8 CellOptionState(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
+                      UINTN Option);
+// Scroll position and cell cursor of a table, kept by the framework.
+UINT32 TableScrollTop(const HOST_PAGE_NODE *Node);
+VOID SetTableScrollTop(HOST_PAGE_NODE *Node, UINT32 Top);
+UINT32 TableCursorColumn(const HOST_PAGE_NODE *Node);
+VOID SetTableCursorColumn(HOST_PAGE_NODE *Node, UINT32 Column);
+// The option under a radio group's cursor.
+UINT32 RadioCursor(const HOST_PAGE_NODE *Node);
+VOID SetRadioCursor(HOST_PAGE_NODE *Node, UINT32 Option);
+
+// Effective display state: hidden when the node or an ancestor is hidden,
+// grayed when the node or an ancestor is grayed, shown otherwise.
+UINT8 EffectiveState(const HOST_PAGE_NODE *Node);
+// TRUE for a control the operator can move the focus to: a visible,
+// enabled button, radio group, combo box, check box, edit box, slider or
+// table.
+BOOLEAN IsFocusable(const HOST_PAGE_NODE *Node);
+
+// Reads again what the refresh marks below Node say (and any control whose
+// cached text was dropped), then clears the marks.
+VOID ProcessRefreshMarks(HOST_PAGE_NODE *Node);
+
+// Scroll position of the help panel.
+VOID SetHelpScroll(UINTN Scroll);
+// Closes the help panel.
+VOID CloseHelp();
+
+}  // namespace framework
