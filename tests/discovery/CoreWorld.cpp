@@ -2,6 +2,8 @@
 
 #include <Protocol/Smbios.h>
 
+#include "sim/megaraid/MegaRaidJson.h"
+
 #include <cstdio>
 #include <fstream>
 
@@ -103,6 +105,25 @@ VOID CoreWorld::AddFunction(const PciFunction &Function) {
   Identity.ProgInterface = Function.ProgIf;
   Devices_.push_back(
       std::make_unique<emu::PciDevice>(*Firmware_, Location, Identity));
+  if (Function.VendorId == 0x1000) {
+    MegaRaidAdapters_.push_back(
+        {{"pci",
+          {{"bus", Function.Bus},
+           {"device", Function.Device},
+           {"function", Function.Function},
+           {"vendorId", Function.VendorId},
+           {"deviceId", Function.DeviceId},
+           {"subVendorId", Function.SubVendorId},
+           {"subDeviceId", Function.SubDeviceId}}}});
+  }
+}
+
+VOID CoreWorld::BindStorcli() {
+  Storcli_ = std::make_unique<sim::megaraid::Storcli>(
+      sim::megaraid::AdaptersFromJson(nlohmann::json(MegaRaidAdapters_)));
+  Shell_->SetHandler([this](const std::string &CommandLine) {
+    return Storcli_->Run(CommandLine);
+  });
 }
 
 VOID CoreWorld::SetSlots(const std::vector<emu::SmbiosSlot> &Slots) {
@@ -122,6 +143,7 @@ VOID CoreWorld::WriteFile(const std::string &Name, const std::string &Text) {
 }
 
 EFI_STATUS CoreWorld::Initialize(UINT32 *ErrorCode) {
+  BindStorcli();
   return InitializeRaid(ErrorCode);
 }
 

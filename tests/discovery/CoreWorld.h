@@ -13,6 +13,9 @@
 #include <vector>
 
 #include "emu/Emulator.h"
+#include <nlohmann/json.hpp>
+
+#include "sim/megaraid/Storcli.h"
 #include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
 
 namespace core_test {
@@ -53,6 +56,8 @@ class CoreWorld : public ::testing::Test {
   // InitializeRaid with the module's globals set up as the image entry
   // leaves them.
   EFI_STATUS Initialize(UINT32 *ErrorCode);
+  // Answers the module's storcli command lines from the virtual adapters.
+  VOID BindStorcli();
   // FinalizeRaid; the pool must be empty afterwards.
   VOID Finalize();
 
@@ -68,6 +73,10 @@ class CoreWorld : public ::testing::Test {
   std::unique_ptr<emu::SmbiosTable> Smbios_;
   std::unique_ptr<emu::HostVolume> Volume_;
   std::vector<std::unique_ptr<emu::PciDevice>> Devices_;
+  // Every MegaRAID function gets an empty virtual adapter behind storcli,
+  // so the backend's card search finds it as on a real server.
+  std::vector<nlohmann::json> MegaRaidAdapters_;
+  std::unique_ptr<sim::megaraid::Storcli> Storcli_;
   std::filesystem::path Directory_;
   bool Finalized_ = false;
 };
