@@ -1,0 +1,15 @@
+// Output of raidhost.efi on the firmware console (OVMF sends it to the
+// serial line), and the way it ends the machine.
+#pragma once
+
+#include <Uefi.h>
+
+// Prints formatted ASCII text (PrintLib conversions; "\n" becomes "\r\n").
+VOID EFIAPI HostPrint(const CHAR8 *Format, ...);
+
+// Prints ASCII text as it is, line ends included, in pieces of any length.
+VOID HostPutAscii(const CHAR8 *Text, UINTN Length);
+
+// Ends QEMU through its isa-debug-exit port (status (Code << 1) | 1), then
+// falls back to a firmware shutdown.
+[[noreturn]] VOID HostPowerOff(UINT8 Code);

@@ -1,0 +1,245 @@
+// The shell-command service answering from a replay directory on the boot
+// volume: commands.txt lists "<output file>\t<command line>" per recorded
+// run. A command line listed several times gets its outputs in order, the
+// last one repeating; a command line not listed gets an empty output and a
+// console line.
+#include <Library/BaseLib.h>
+#include <Library/BaseMemoryLib.h>
+#include <Library/MemoryAllocationLib.h>
+
+#include "HostConsole.h"
+#include "HostProtocols.h"
+#include "HostVolume.h"
+
+namespace {
+
+constexpr UINTN kMaxEntries = 1024;
+constexpr UINTN kMaxIndexSize = 256 * 1024;
+constexpr UINTN kMaxOutputSize = 1024 * 1024;
+constexpr UINTN kMaxPathChars = 260;
+
+struct ReplayEntry {
+  CHAR16 *CommandLine;
+  UINT8 *Output;  // the tool's bytes, NUL after them
+  UINTN OutputSize;
+  BOOLEAN Used;
+};
+
+constinit ReplayEntry *gEntries = nullptr;
+constinit UINTN gEntryCount = 0;
+constinit UINTN gUnanswered = 0;
+
+// A file name of commands.txt must stay inside the replay directory.
+BOOLEAN IsPlainName(const CHAR8 *Name, UINTN Length) {
+  if (Length == 0 || Name[0] == '/' || Name[0] == '\\') {
+    return FALSE;
+  }
+  for (UINTN I = 0; I + 1 < Length; I++) {
+    if (Name[I] == '.' && Name[I + 1] == '.') {
+      return FALSE;
+    }
+  }
+  for (UINTN I = 0; I < Length; I++) {
+    if (Name[I] == ':' || static_cast<UINT8>(Name[I]) < 0x20) {
+      return FALSE;
+    }
+  }
+  return TRUE;
+}
+
+// Directory "\" Name, with '/' turned into '\'.
+BOOLEAN JoinPath(CHAR16 *Path, const CHAR16 *Directory, const CHAR8 *Name,
+                 UINTN Length) {
+  if (EFI_ERROR(StrCpyS(Path, kMaxPathChars, Directory)) ||
+      EFI_ERROR(StrCatS(Path, kMaxPathChars, u"\\"))) {
+    return FALSE;
+  }
+  UINTN Used = StrLen(Path);
+  if (Used + Length + 1 > kMaxPathChars) {
+    return FALSE;
+  }
+  for (UINTN I = 0; I < Length; I++) {
+    Path[Used++] = Name[I] == '/' ? u'\\' : static_cast<CHAR16>(Name[I]);
+  }
+  Path[Used] = 0;
+  return TRUE;
+}
+
+// The command line of one index line as CHAR16.
+CHAR16 *WidenCommandLine(const CHAR8 *Text, UINTN Length) {
+  const UINTN Chars = Utf8StrToUnicodeLength(Text, Length);
+  CHAR16 *Wide = static_cast<CHAR16 *>(AllocatePool((Chars + 1) * sizeof(CHAR16)));
+  if (Wide != nullptr && EFI_ERROR(Utf8StrToUnicodeStrS(Text, Length, Wide, Chars + 1))) {
+    FreePool(Wide);
+    return nullptr;
+  }
+  return Wide;
+}
+
+// Adds the run of one index line: its output file read from the volume.
+EFI_STATUS AddEntry(EFI_FILE_PROTOCOL *Root, const CHAR16 *Directory,
+                    const CHAR8 *Line, UINTN Length) {
+  UINTN Tab = 0;
+  while (Tab < Length && Line[Tab] != '\t') {
+    Tab++;
+  }
+  if (Tab == Length || !IsPlainName(Line, Tab) || gEntryCount == kMaxEntries) {
+    return EFI_VOLUME_CORRUPTED;
+  }
+  CHAR16 Path[kMaxPathChars];
+  if (!JoinPath(Path, Directory, Line, Tab)) {
+    return EFI_VOLUME_CORRUPTED;
+  }
+  ReplayEntry &Entry = gEntries[gEntryCount];
+  EFI_STATUS Status =
+      HostReadFile(Root, Path, kMaxOutputSize, &Entry.Output, &Entry.OutputSize);
+  if (EFI_ERROR(Status)) {
+    HostPrint("raidhost: replay output %s: %r\n", Path, Status);
+    return Status;
+  }
+  Entry.CommandLine = WidenCommandLine(Line + Tab + 1, Length - Tab - 1);
+  if (Entry.CommandLine == nullptr) {
+    FreePool(Entry.Output);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  gEntryCount++;
+  return EFI_SUCCESS;
+}
+
+// The next output recorded for CommandLine, or NULL.
+ReplayEntry *NextOutput(const CHAR16 *CommandLine) {
+  ReplayEntry *Last = nullptr;
+  for (UINTN I = 0; I < gEntryCount; I++) {
+    if (StrCmp(gEntries[I].CommandLine, CommandLine) != 0) {
+      continue;
+    }
+    Last = &gEntries[I];
+    if (!gEntries[I].Used) {
+      break;
+    }
+  }
+  if (Last == nullptr) {
+    return nullptr;
+  }
+  // Every output but the last listed one is used once.
+  for (UINTN I = static_cast<UINTN>(Last - gEntries) + 1; I < gEntryCount; I++) {
+    if (StrCmp(gEntries[I].CommandLine, CommandLine) == 0) {
+      Last->Used = TRUE;
+      break;
+    }
+  }
+  return Last;
+}
+
+// Copies the recorded bytes as CHAR16 into Output, cut to fit.
+VOID CopyOutput(const ReplayEntry *Entry, CHAR16 *Output, UINTN *OutputSize) {
+  const UINTN Room = *OutputSize / sizeof(CHAR16);
+  *OutputSize = 0;
+  if (Room == 0) {
+    return;
+  }
+  Output[0] = 0;
+  if (Entry == nullptr || Entry->OutputSize == 0) {
+    return;
+  }
+  const CHAR8 *Bytes = reinterpret_cast<const CHAR8 *>(Entry->Output);
+  const UINTN Chars = Utf8StrToUnicodeLength(Bytes, Entry->OutputSize);
+  CHAR16 *Wide = static_cast<CHAR16 *>(AllocatePool((Chars + 1) * sizeof(CHAR16)));
+  if (Wide == nullptr ||
+      EFI_ERROR(Utf8StrToUnicodeStrS(Bytes, Entry->OutputSize, Wide, Chars + 1))) {
+    FreePool(Wide);
+    return;
+  }
+  const UINTN Kept = Chars < Room - 1 ? Chars : Room - 1;
+  CopyMem(Output, Wide, Kept * sizeof(CHAR16));
+  Output[Kept] = 0;
+  *OutputSize = Kept * sizeof(CHAR16);
+  FreePool(Wide);
+}
+
+EFI_STATUS EFIAPI Execute(const CHAR16 *CommandLine) {
+  if (CommandLine == nullptr) {
+    return EFI_INVALID_PARAMETER;
+  }
+  if (NextOutput(CommandLine) == nullptr) {
+    gUnanswered++;
+    HostPrint("raidhost: no recorded output for: %s\n", CommandLine);
+  }
+  return EFI_SUCCESS;
+}
+
+EFI_STATUS EFIAPI ExecuteCapture(const CHAR16 *CommandLine, CHAR16 *Output,
+                                 UINTN *OutputSize) {
+  if (CommandLine == nullptr || OutputSize == nullptr ||
+      (Output == nullptr && *OutputSize != 0)) {
+    return EFI_INVALID_PARAMETER;
+  }
+  const ReplayEntry *Entry = NextOutput(CommandLine);
+  if (Entry == nullptr) {
+    gUnanswered++;
+    HostPrint("raidhost: no recorded output for: %s\n", CommandLine);
+  }
+  CopyOutput(Entry, Output, OutputSize);
+  return EFI_SUCCESS;
+}
+
+constinit SHELL_COMMAND_PROTOCOL gShellCommand = {Execute, ExecuteCapture};
+
+}  // namespace
+
+EFI_STATUS HostLoadReplay(EFI_FILE_PROTOCOL *Root, const CHAR16 *Directory) {
+  CHAR16 IndexPath[kMaxPathChars];
+  if (EFI_ERROR(StrCpyS(IndexPath, kMaxPathChars, Directory)) ||
+      EFI_ERROR(StrCatS(IndexPath, kMaxPathChars, u"\\commands.txt"))) {
+    return EFI_INVALID_PARAMETER;
+  }
+  UINT8 *Index = nullptr;
+  UINTN Size = 0;
+  EFI_STATUS Status = HostReadFile(Root, IndexPath, kMaxIndexSize, &Index, &Size);
+  if (Status == EFI_NOT_FOUND) {
+    return EFI_SUCCESS;
+  }
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  gEntries = static_cast<ReplayEntry *>(
+      AllocateZeroPool(kMaxEntries * sizeof(ReplayEntry)));
+  if (gEntries == nullptr) {
+    FreePool(Index);
+    return EFI_OUT_OF_RESOURCES;
+  }
+  const CHAR8 *Text = reinterpret_cast<const CHAR8 *>(Index);
+  UINTN Start = 0;
+  while (Start < Size && !EFI_ERROR(Status)) {
+    UINTN End = Start;
+    while (End < Size && Text[End] != '\n') {
+      End++;
+    }
+    UINTN Length = End - Start;
+    if (Length > 0 && Text[Start + Length - 1] == '\r') {
+      Length--;
+    }
+    if (Length > 0) {
+      Status = AddEntry(Root, Directory, Text + Start, Length);
+    }
+    Start = End + 1;
+  }
+  FreePool(Index);
+  return Status;
+}
+
+SHELL_COMMAND_PROTOCOL *HostShellCommand(VOID) { return &gShellCommand; }
+
+UINTN HostReplayEntryCount(VOID) { return gEntryCount; }
+
+UINTN HostReplayUnansweredCount(VOID) { return gUnanswered; }
+
+VOID HostFreeReplay(VOID) {
+  for (UINTN I = 0; I < gEntryCount; I++) {
+    FreePool(gEntries[I].CommandLine);
+    FreePool(gEntries[I].Output);
+  }
+  FreePool(gEntries);
+  gEntries = nullptr;
+  gEntryCount = 0;
+}
