@@ -131,6 +131,18 @@ else
   fail "EFI build"
 fi
 
+section "OVMF: raidcfg.efi under real firmware"
+if [[ -f build/efi/raidhost.efi && -f build/efi/raidcfg.efi ]]; then
+  tests/qemu/run-ovmf-test.sh build/efi build/native build/qemu
+  case $? in
+    0) pass "OVMF test" ;;
+    77) echo "skipped: OVMF test (see the SKIP line above)" ;;
+    *) fail "OVMF test (serial log: build/qemu/serial.log)" ;;
+  esac
+else
+  echo "not run: the EFI images are not built"
+fi
+
 section "fuzz targets"
 if build_preset fuzz; then
   pass "fuzz build"

@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""Checks the serial log of raidhost.efi's OVMF run (run-ovmf-test.sh).
+
+Each check prints PASS or FAIL with what it looked for; the exit status is
+0 when all passed. With --raidcfg-host the model printed under OVMF is
+compared with `raidcfg-host --dump-model` for the same scenario and replay.
+"""
+import argparse
+import json
+import re
+import subprocess
+import sys
+
+# What QEMU emulates: PCI identity, location as OVMF enumerates it, the
+# name pcidb.xml gives, and the SMBIOS slot (65535: none).
+EXPECTED_ADAPTERS = [
+    {"device": "megasas", "ids": (0x1000, 0x0060, 0x1000, 0x1013), "location": (0, 5, 0),
+     "name": "MegaRAID SAS 8708EM2", "slot": 0xFFFF},
+    {"device": "megasas-gen2", "ids": (0x1000, 0x0079, 0x1000, 0x9261), "location": (1, 0, 0),
+     "name": "MegaRAID SAS 9260-8i", "slot": 7},
+]
+PROBE_STRINGS = {"en-US": "Error", "de-DE": "Fehler"}
+# Fields that differ between the emulated machine and a simulated one by
+# nature: where the functions sit and which slot they are in.
+LOCATION_FIELDS = {"Bus", "Device", "Function", "SlotNumber"}
+
+
+class Checks:
+    def __init__(self):
+        self.failed = 0
+        self.passed = 0
+
+    def check(self, ok, what, detail=""):
+        if ok:
+            self.passed += 1
+            print(f"PASS: {what}")
+        else:
+            self.failed += 1
+            print(f"FAIL: {what}" + (f": {detail}" if detail else ""))
+        return ok
+
+
+def model_from_log(log):
+    match = re.search(r"RAIDHOST-MODEL-BEGIN\n(.*?)\nRAIDHOST-MODEL-END", log, re.S)
+    if not match:
+        return None
+    return json.loads(match.group(1).replace("\n", ""))
+
+
+def controller_ids(controller):
+    p = controller.get("Private") or {}
+    return (p.get("VendorId"), p.get("DeviceId"), p.get("SubVendorId"), p.get("SubDeviceId"))
+
+
+def without_location(value):
+    if isinstance(value, dict):
+        return {k: without_location(v) for k, v in value.items() if k not in LOCATION_FIELDS}
+    if isinstance(value, list):
+        return [without_location(v) for v in value]
+    return value
+
+
+def first_difference(a, b, path="model"):
+    if type(a) is not type(b):
+        return f"{path}: {a!r} != {b!r}"
+    if isinstance(a, dict):
+        for key in sorted(set(a) | set(b)):
+            if key not in a or key not in b:
+                return f"{path}.{key}: only in {'OVMF' if key in a else 'native'}"
+            diff = first_difference(a[key], b[key], f"{path}.{key}")
+            if diff:
+                return diff
+        return None
+    if isinstance(a, list):
+        if len(a) != len(b):
+            return f"{path}: {len(a)} entries != {len(b)}"
+        for i, (x, y) in enumerate(zip(a, b)):
+            diff = first_difference(x, y, f"{path}[{i}]")
+            if diff:
+                return diff
+        return None
+    return None if a == b else f"{path}: {a!r} != {b!r}"
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--log", required=True)
+    parser.add_argument("--qemu-status", type=int, required=True)
+    parser.add_argument("--out", required=True)
+    parser.add_argument("--raidcfg-host")
+    parser.add_argument("--scenario", required=True)
+    parser.add_argument("--replay", required=True)
+    args = parser.parse_args()
+
+    with open(args.log, encoding="ascii", errors="replace") as f:
+        log = f.read()
+    c = Checks()
+
+    c.check("raidhost: start" in log, "raidhost.efi booted as \\EFI\\BOOT\\BOOTX64.EFI")
+    c.check(re.search(r"raidhost: LoadImage \\raidcfg\.efi: Success", log) is not None,
+            "LoadImage of raidcfg.efi by device path on the boot volume")
+    c.check("raidhost: StartImage: Success" in log, "StartImage ran the module's start-up")
+    for adapter in EXPECTED_ADAPTERS:
+        bus, dev, func = adapter["location"]
+        line = f"Pci bus(RAID): 0x{bus:X}, Dev: 0x{dev:X}, Func: 0x{func:X}"
+        c.check(line in log, f"{adapter['device']} found through PCI I/O ({line})")
+
+    model = model_from_log(log)
+    if not c.check(model is not None, "model printed between the marker lines"):
+        model = {"controllers": []}
+    c.check(model.get("status") == "Success" and model.get("errorCode") == 0,
+            "InitializeRaid succeeded", f"status {model.get('status')}, "
+            f"errorCode {model.get('errorCode')}")
+    for adapter in EXPECTED_ADAPTERS:
+        found = [x for x in model["controllers"] if controller_ids(x) == adapter["ids"]]
+        ids = "%04x:%04x sub %04x:%04x" % adapter["ids"]
+        if not c.check(len(found) == 1, f"{adapter['device']} in the model with QEMU's ids {ids}"):
+            continue
+        controller = found[0]
+        private = controller["Private"]
+        c.check(controller["Name"] == adapter["name"],
+                f"{adapter['device']} named from pcidb.xml: {adapter['name']}", controller["Name"])
+        c.check(controller["SlotNumber"] == adapter["slot"],
+                f"{adapter['device']} SlotNumber {adapter['slot']:#x}", controller["SlotNumber"])
+        c.check((private["Bus"], private["Device"], private["Function"]) == adapter["location"],
+                f"{adapter['device']} at {adapter['location']}")
+        c.check(private["Signature"] == "$lsi" and private["CardId"] != 0xFFFFFFFF,
+                f"{adapter['device']} bound to the MegaRAID backend, card id from storcli",
+                f"signature {private['Signature']!r}, card id {private['CardId']}")
+    c.check("raidhost: unanswered tool commands: 0" in log,
+            "every storcli command answered from the replay on the volume")
+
+    c.check("raidhost: module package list in the HII database: found" in log,
+            "the module's package list registered in the firmware's HII database")
+    for language, text in PROBE_STRINGS.items():
+        c.check(f"raidhost: string 818 {language}: {text}" in log,
+                f"string 818 fetched back in {language}: {text}")
+    c.check("raidhost: UnloadImage: Success" in log, "UnloadImage ran the unload handler")
+    after = re.search(r"raidhost: after unload: string (.*), GUI driver (\w+), XML parsers (\d+)", log)
+    c.check(after is not None and after.group(1) != "Success" and
+            after.group(2) == "disconnected" and after.group(3) == "0",
+            "after unload: strings removed, GUI driver disconnected, no parser left",
+            after.group(0) if after else "line missing")
+    c.check("RAIDHOST-VERDICT: PASS" in log and args.qemu_status == 1,
+            "raidhost's verdict PASS and QEMU ended through isa-debug-exit",
+            f"QEMU status {args.qemu_status}")
+
+    if args.raidcfg_host:
+        with open(f"{args.out}/ovmf-model.json", "w") as f:
+            json.dump(model, f, indent=2)
+        run = subprocess.run([args.raidcfg_host, "--scenario", args.scenario, "--replay",
+                              args.replay, "--dump-model"], capture_output=True, text=True)
+        with open(f"{args.out}/native-model.json", "w") as f:
+            f.write(run.stdout)
+        if c.check(run.returncode == 0, "raidcfg-host --dump-model --replay ran", run.stderr):
+            native = json.loads(run.stdout)
+            diff = first_difference(without_location(model), without_location(native))
+            c.check(diff is None and model["controllers"],
+                    "model under OVMF equals raidcfg-host's model for the same replay "
+                    "(apart from PCI locations and slots)", diff or "no controllers")
+    else:
+        print("SKIP: model comparison (raidcfg-host is not built)")
+
+    print(f"{c.passed} passed, {c.failed} failed")
+    return 0 if c.failed == 0 else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,95 @@
+#!/usr/bin/env bash
+# Boots OVMF in QEMU with two emulated MegaRAID adapters and raidhost.efi
+# as the boot loader, and checks from the serial log that raidcfg.efi ran
+# under real firmware: it found the adapters through PCI I/O with QEMU's
+# ids, named them from pcidb.xml read through the firmware's file system,
+# took the slot of one from an SMBIOS type 9 record, read their
+# configuration from the replay, registered its strings and unloaded.
+# Last, the model printed under OVMF is compared with the native host's
+# model for the same scenario and replay.
+#
+# Usage: run-ovmf-test.sh EFI_BUILD_DIR [NATIVE_BUILD_DIR] [OUTPUT_DIR]
+# Exit status: 0 passed, 1 failed, 77 skipped (a tool or image missing).
+set -uo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+root=$(cd "$here/../.." && pwd)
+efi_dir=${1:?usage: run-ovmf-test.sh EFI_BUILD_DIR [NATIVE_BUILD_DIR] [OUTPUT_DIR]}
+native_dir=${2:-$root/build/native}
+out=${3:-$root/build/qemu}
+boot_seconds=100
+
+ovmf_code=/usr/share/OVMF/OVMF_CODE_4M.fd
+ovmf_vars=/usr/share/OVMF/OVMF_VARS_4M.fd
+scenario=$here/qemu-megasas.json
+
+skip() { echo "SKIP: $*"; exit 77; }
+
+for tool in qemu-system-x86_64 mkfs.vfat mmd mcopy timeout python3; do
+  command -v "$tool" >/dev/null || skip "$tool is not installed (scripts/setup.sh installs it)"
+done
+for file in "$ovmf_code" "$ovmf_vars"; do
+  [[ -f "$file" ]] || skip "$file is missing (package ovmf)"
+done
+for image in raidhost.efi raidcfg.efi; do
+  [[ -f "$efi_dir/$image" ]] || skip "$efi_dir/$image is not built"
+done
+
+rm -rf "$out"
+mkdir -p "$out"
+raidcfg_host=$native_dir/host/native/raidcfg-host
+
+# The replay: recorded afresh from the virtual adapters when the native
+# host is built, so it follows the module; else the committed recording.
+replay=$out/replay
+if [[ -x "$raidcfg_host" ]]; then
+  "$raidcfg_host" --scenario "$scenario" --record "$replay" --dump-model \
+    >"$out/recording-model.json" 2>"$out/recording.log" ||
+    { echo "FAIL: raidcfg-host could not record the replay ($out/recording.log)"; exit 1; }
+  echo "replay: recorded by $raidcfg_host"
+else
+  cp -r "$here/replay" "$replay"
+  echo "replay: tests/qemu/replay (no native raidcfg-host in $native_dir)"
+fi
+
+# SMBIOS type 9 (2.6 layout) for the root port's bus 01: slot id 7.
+printf '\x09\x11\x00\x09\x01\xa5\x0a\x04\x04\x07\x00\x0c\x01\x00\x00\x01\x00PCIe Slot 7\x00\x00' \
+  >"$out/slot9.bin"
+
+# The boot volume.
+esp=$out/esp.img
+mkfs.vfat -C "$esp" 16384 >/dev/null
+export MTOOLS_SKIP_CHECK=1
+mmd -i "$esp" ::/EFI ::/EFI/BOOT ::/replay
+mcopy -i "$esp" "$efi_dir/raidhost.efi" ::/EFI/BOOT/BOOTX64.EFI
+mcopy -i "$esp" "$efi_dir/raidcfg.efi" "$root/raidcfg/data/pcidb.xml" \
+  "$root/raidcfg/data/raid.xml" ::/
+mcopy -i "$esp" "$replay"/* ::/replay/
+cp "$ovmf_vars" "$out/vars.fd"
+
+serial=$out/serial.log
+echo "booting OVMF (at most ${boot_seconds}s); serial log: $serial"
+timeout --kill-after=5 "$boot_seconds" qemu-system-x86_64 \
+  -machine q35 -accel tcg -m 256 -display none -monitor none -nic none -no-reboot \
+  -serial "file:$serial" \
+  -drive if=pflash,format=raw,unit=0,readonly=on,file="$ovmf_code" \
+  -drive if=pflash,format=raw,unit=1,file="$out/vars.fd" \
+  -drive format=raw,file="$esp",if=none,id=esp -device virtio-blk-pci,drive=esp,addr=0x3 \
+  -device megasas,addr=0x5 \
+  -device pcie-root-port,id=rp1,bus=pcie.0,chassis=1,addr=0x6 \
+  -device megasas-gen2,bus=rp1,addr=0x0 \
+  -smbios file="$out/slot9.bin" \
+  -device isa-debug-exit,iobase=0xf4,iosize=0x04
+qemu_status=$?
+echo "QEMU exit status: $qemu_status (1 is raidhost's PASS, 3 its FAIL, 124 the timeout)"
+
+# The log without terminal escapes and carriage returns.
+log=$out/serial.txt
+sed -e 's/\x1b\[[0-9;?]*[A-Za-z]//g' -e 's/\r//g' "$serial" >"$log" 2>/dev/null || : >"$log"
+
+python3 "$here/check_serial_log.py" --log "$log" --qemu-status "$qemu_status" \
+  --out "$out" ${raidcfg_host:+--raidcfg-host "$raidcfg_host"} \
+  --scenario "$scenario" --replay "$replay"
+status=$?
+echo "serial log: $serial"
+exit $status
