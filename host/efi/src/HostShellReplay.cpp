@@ -163,7 +163,7 @@ EFI_STATUS EFIAPI Execute(const CHAR16 *CommandLine) {
   }
   if (NextOutput(CommandLine) == nullptr) {
     gUnanswered++;
-    HostPrint("raidhost: no recorded output for: %s\n", CommandLine);
+    HostPrint("[ShellCommandReplay]No recorded output for: %s\n", CommandLine);
   }
   return EFI_SUCCESS;
 }
@@ -177,7 +177,7 @@ EFI_STATUS EFIAPI ExecuteCapture(const CHAR16 *CommandLine, CHAR16 *Output,
   const ReplayEntry *Entry = NextOutput(CommandLine);
   if (Entry == nullptr) {
     gUnanswered++;
-    HostPrint("raidhost: no recorded output for: %s\n", CommandLine);
+    HostPrint("[ShellCommandReplay]No recorded output for: %s\n", CommandLine);
   }
   CopyOutput(Entry, Output, OutputSize);
   return EFI_SUCCESS;
