@@ -87,9 +87,10 @@ echo "QEMU exit status: $qemu_status (1 is raidhost's PASS, 3 its FAIL, 124 the 
 log=$out/serial.txt
 sed -e 's/\x1b\[[0-9;?]*[A-Za-z]//g' -e 's/\r//g' "$serial" >"$log" 2>/dev/null || : >"$log"
 
+compare=()
+[[ -x "$raidcfg_host" ]] && compare=(--raidcfg-host "$raidcfg_host")
 python3 "$here/check_serial_log.py" --log "$log" --qemu-status "$qemu_status" \
-  --out "$out" ${raidcfg_host:+--raidcfg-host "$raidcfg_host"} \
-  --scenario "$scenario" --replay "$replay"
+  --out "$out" "${compare[@]}" --scenario "$scenario" --replay "$replay"
 status=$?
 echo "serial log: $serial"
 exit $status
