@@ -1,6 +1,10 @@
 // The emulated setup protocol's framework slots, bound to the framework.
 #include "framework/EmuBinding.h"
 
+#include <Library/UefiBootServicesTableLib.h>
+
+#include "emu/Firmware.h"
+
 namespace framework {
 namespace {
 
@@ -13,6 +17,12 @@ constexpr EFI_GUID kModuleIdentity = {
 EmuBinding::EmuBinding(emu::SetupProtocol &Setup, const HostServices &Services,
                        UINT32 FirstPageId)
     : Setup_(Setup), Caller_(Services), Saved_(Setup.Interface()) {
+  // The framework allocates through the boot services, which the module
+  // has not saved yet when the framework starts before it.
+  if (gBS == nullptr) {
+    gBS = emu::Firmware::Current().BootServices();
+    SetBootServices_ = true;
+  }
   HostServices Bound;
   Bound.Context = this;
   Bound.GetString = GetString;
@@ -26,6 +36,9 @@ EmuBinding::EmuBinding(emu::SetupProtocol &Setup, const HostServices &Services,
 EmuBinding::~EmuBinding() {
   Setup_.Interface() = Saved_;
   Shutdown();
+  if (SetBootServices_) {
+    gBS = nullptr;
+  }
 }
 
 const CHAR16 *EmuBinding::GetString(VOID *Context, EFI_HII_HANDLE HiiHandle,

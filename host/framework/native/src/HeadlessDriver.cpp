@@ -108,7 +108,9 @@ BOOLEAN HeadlessDriver::Ask(VOID *Context) {
                              Box.Text != nullptr ? Box.Text : u"",
                              TRUE, false};
   // Plain boxes are only acknowledged; answers are for questions.
-  if (Box.Style == HOST_MSGBOX_YES_NO) {
+  if (Self.AskHandler_) {
+    Record.Answer = Self.AskHandler_();
+  } else if (Box.Style == HOST_MSGBOX_YES_NO) {
     Record.Answer = Self.DefaultAnswer_;
     if (!Self.Answers_.empty()) {
       Record.Answer = Self.Answers_.front();

@@ -8,6 +8,7 @@
 #include <Uefi.h>
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -73,6 +74,10 @@ class HeadlessDriver {
   // ---- Message boxes
   void QueueAnswer(BOOLEAN Answer) { Answers_.push_back(Answer); }
   void SetDefaultAnswer(BOOLEAN Answer) { DefaultAnswer_ = Answer; }
+  // Answers the boxes in place of the queue (an interactive UI).
+  void SetAskHandler(std::function<BOOLEAN()> Handler) {
+    AskHandler_ = std::move(Handler);
+  }
   size_t PendingAnswers() const { return Answers_.size(); }
   const std::vector<MessageBoxRecord> &MessageBoxes() const {
     return MessageBoxes_;
@@ -99,6 +104,7 @@ class HeadlessDriver {
   UINTN Rows_;
   std::deque<BOOLEAN> Answers_;
   BOOLEAN DefaultAnswer_ = TRUE;
+  std::function<BOOLEAN()> AskHandler_;
   std::vector<MessageBoxRecord> MessageBoxes_;
   std::vector<UINT8> Progress_;
   const CHAR16 *ProgressBox_ = nullptr;  // the open progress box's text

@@ -1,0 +1,327 @@
+// Pages at work: display states and refresh marks, focus, the operator's
+// actions on every control kind, table cells, message and progress boxes,
+// help, language changes and the return to the module.
+#include "FrameworkTestSupport.h"
+
+namespace {
+
+using demo::Current;
+
+TEST_F(FrameworkTest, ControlsShowTheDataSourcesValues) {
+  EXPECT_EQ(Driver.Title(), u"Demo - Select Adapter");
+  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disk Drives: 4");
+  EXPECT_EQ(Driver.Options(On(demo::kAdapterRadio)).size(), 3u);
+  EXPECT_EQ(Driver.Text(On(demo::kModeCombo)), u"Fast");
+  EXPECT_EQ(Driver.Value(On(demo::kDriveTable)), 1u);
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 0, 3), u"Role");
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 2, 1), u"Disk 1");
+  // The slider's range comes from the data source too.
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(ControlOn(demo::kCapacitySlider)->Maximum, 500u);
+  EXPECT_EQ(TextOn(demo::kCapacityLabel), u"Capacity: 100 GB");
+}
+
+TEST_F(FrameworkTest, DisplayStatesFollowTheCallbacks) {
+  HOST_PAGE_NODE *Label = On(demo::kAdvancedLabel);
+  EXPECT_EQ(Driver.State(Label), HOST_DISPLAY_HIDDEN);
+  EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
+  EXPECT_EQ(Driver.State(Label), HOST_DISPLAY_SHOWN);
+  EXPECT_EQ(Label->RefreshMark, 0) << "the framework read the mark";
+  EXPECT_NE(Driver.Dump().find("Show advanced settings\n"), std::string::npos);
+
+  // Choosing the second adapter grays Remove: pressing it is refused and
+  // its callback does not run.
+  EXPECT_EQ(Driver.Choose(On(demo::kAdapterRadio), 1), EFI_SUCCESS);
+  EXPECT_EQ(Driver.State(On(demo::kDeleteButton)), HOST_DISPLAY_GRAYED);
+  Current().Events.clear();
+  EXPECT_EQ(Driver.Press(On(demo::kDeleteButton)), EFI_ACCESS_DENIED);
+  EXPECT_TRUE(Current().Events.empty());
+  // The label's formatted text was read again (refresh mark 4).
+  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disk Drives: 0");
+}
+
+TEST_F(FrameworkTest, HiddenContainersHideTheirChildren) {
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.State(On(demo::kResultText)), HOST_DISPLAY_HIDDEN);
+  EXPECT_EQ(Driver.Dump().find("created"), std::string::npos);
+  Driver.Type(On(demo::kNameEdit), u"Volume0");
+  EXPECT_EQ(Driver.Press(On(demo::kCreateButton)), EFI_SUCCESS);
+  EXPECT_EQ(Driver.State(On(demo::kResultText)), HOST_DISPLAY_SHOWN);
+  EXPECT_NE(Driver.Dump().find("The virtual disk was created."),
+            std::string::npos);
+}
+
+TEST_F(FrameworkTest, SetTextDropsTheCacheAndReadsTheNewId) {
+  Driver.Tick(On(demo::kAdvancedCheck), true);
+  EXPECT_EQ(TextOn(demo::kAdvancedLabel), u"Show advanced settings");
+  EXPECT_EQ(Driver.Choose(On(demo::kModeCombo), u"Safe"), EFI_SUCCESS);
+  EXPECT_EQ(TextOn(demo::kAdvancedLabel), u"Safe mode keeps a spare drive");
+  EXPECT_EQ(ControlOn(demo::kAdvancedLabel)->CachedText,
+            framework::TextOf(On(demo::kAdvancedLabel)));
+}
+
+TEST_F(FrameworkTest, ComboBoxTextSetByIdChoosesThatOption) {
+  HOST_CONTROL *Combo = ControlOn(demo::kModeCombo);
+  Combo->TextId = demo::kStrSafe;
+  Combo->CachedText = nullptr;
+  Setup.Interface().RedrawControl(On(demo::kModeCombo));
+  EXPECT_EQ(Combo->Value, 1u);
+  EXPECT_EQ(TextOn(demo::kModeCombo), u"Safe");
+}
+
+TEST_F(FrameworkTest, RefreshMarksAreReadOnShowAndRedraw) {
+  // Without a mark the framework keeps its copy; with mark 4 it reads again.
+  Current().Drives[0] = u"Renamed";
+  Setup.Interface().RedrawScreen();
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 1, 1), u"Disk 0");
+  On(demo::kDriveTable)->RefreshMark = HOST_REFRESH_TEXT;
+  Setup.Interface().RedrawScreen();
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 1, 1), u"Renamed");
+  // Mark 8 on the page reads every control of it.
+  Current().Drives[1] = u"Again";
+  demo::AdapterPage()->RefreshMark = HOST_REFRESH_MODE;
+  Setup.Interface().ShowPage(demo::AdapterPage(), 0);
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 2, 1), u"Again");
+  EXPECT_EQ(demo::AdapterPage()->RefreshMark, 0);
+}
+
+// Focus order of the adapter page from the radio group, as Tab walks it.
+std::vector<UINT32> WalkFocus(framework::HeadlessDriver &Driver, int Steps) {
+  std::vector<UINT32> Ids;
+  for (int Step = 0; Step < Steps; Step++) {
+    Driver.FocusNext();
+    Ids.push_back(framework::FocusNode()->NodeId);
+  }
+  return Ids;
+}
+
+TEST_F(FrameworkTest, FocusSkipsHiddenAndGrayedControls) {
+  EXPECT_EQ(framework::FocusNode(), On(demo::kAdapterRadio));
+  EXPECT_EQ(WalkFocus(Driver, 6),
+            (std::vector<UINT32>{demo::kAdvancedCheck, demo::kModeCombo,
+                                 demo::kDriveTable, demo::kDeleteButton,
+                                 demo::kNextButton, demo::kAdapterRadio}));
+  Driver.Choose(On(demo::kAdapterRadio), 1);  // grays Remove
+  EXPECT_EQ(WalkFocus(Driver, 4),
+            (std::vector<UINT32>{demo::kAdvancedCheck, demo::kModeCombo,
+                                 demo::kDriveTable, demo::kNextButton}));
+  Driver.FocusPrevious();
+  EXPECT_EQ(framework::FocusNode()->NodeId, demo::kDriveTable);
+}
+
+TEST_F(FrameworkTest, FocusLeavesAControlThatIsHidden) {
+  Driver.Choose(On(demo::kAdapterRadio), 0);
+  ASSERT_EQ(framework::FocusOn(On(demo::kDeleteButton)), EFI_SUCCESS);
+  ControlOn(demo::kDeleteButton)->DisplayState = HOST_DISPLAY_HIDDEN;
+  On(demo::kDeleteButton)->RefreshMark = HOST_REFRESH_STATE;
+  Setup.Interface().RedrawScreen();
+  EXPECT_EQ(framework::FocusNode(), On(demo::kNextButton));
+  EXPECT_EQ(framework::FocusOn(On(demo::kDeleteButton)), EFI_ACCESS_DENIED);
+  EXPECT_EQ(framework::FocusOn(On(demo::kDriveLabel)), EFI_ACCESS_DENIED);
+}
+
+TEST_F(FrameworkTest, ShowPageFocusesTheNamedControl) {
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(framework::FocusNode(), On(demo::kNameEdit));
+  Driver.Press(On(demo::kBackButton));
+  EXPECT_EQ(framework::FocusNode(), On(demo::kNextButton));
+  // A grayed control does not take the focus it is given.
+  Driver.Press(On(demo::kNextButton));
+  Setup.Interface().ShowPage(demo::VolumePage(), demo::kCreateButton);
+  EXPECT_EQ(framework::FocusNode(), On(demo::kNameEdit));
+}
+
+TEST_F(FrameworkTest, RadioGroupRefusesGrayedAndMissingOptions) {
+  HOST_PAGE_NODE *Radio = On(demo::kAdapterRadio);
+  EXPECT_EQ(Driver.Choose(Radio, 2), EFI_ACCESS_DENIED);
+  EXPECT_EQ(Driver.Choose(Radio, 3), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Current().Adapter, 0u);
+  EXPECT_EQ(Driver.Choose(Radio, u"Adapter B     PCI slot 2"), EFI_SUCCESS);
+  EXPECT_EQ(Current().Adapter, 1u);
+  EXPECT_EQ(Driver.Value(Radio), 1u);
+}
+
+TEST_F(FrameworkTest, WrongKindsAndOtherPagesAreRefused) {
+  EXPECT_EQ(Driver.Press(On(demo::kAdapterRadio)), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Driver.Tick(On(demo::kNextButton), true), EFI_INVALID_PARAMETER);
+  HOST_PAGE_NODE *Edit = nullptr;
+  Setup.Interface().FindNode(demo::VolumePage(), demo::kNameEdit, &Edit);
+  EXPECT_EQ(Driver.Type(Edit, u"x"), EFI_ACCESS_DENIED);
+  EXPECT_EQ(Driver.Press(nullptr), EFI_INVALID_PARAMETER);
+}
+
+TEST_F(FrameworkTest, EditBoxAndSliderHandTheirValuesToTheModule) {
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.State(On(demo::kCreateButton)), HOST_DISPLAY_GRAYED);
+  EXPECT_EQ(Driver.Type(On(demo::kNameEdit), u"Volume1"), EFI_SUCCESS);
+  EXPECT_EQ(Current().VolumeName, u"Volume1");
+  EXPECT_EQ(Driver.State(On(demo::kCreateButton)), HOST_DISPLAY_SHOWN);
+  EXPECT_EQ(Driver.Slide(On(demo::kCapacitySlider), 900), EFI_SUCCESS);
+  EXPECT_EQ(Current().Capacity, 500u) << "clamped to the range";
+  EXPECT_EQ(TextOn(demo::kCapacityLabel), u"Capacity: 500 GB");
+  // A refused value is put back and no callback runs.
+  Current().RefuseNames = true;
+  Current().Events.clear();
+  EXPECT_EQ(Driver.Type(On(demo::kNameEdit), u"Other"), EFI_ACCESS_DENIED);
+  EXPECT_EQ(TextOn(demo::kNameEdit), u"Volume1");
+  EXPECT_TRUE(Current().Events.empty());
+}
+
+TEST_F(FrameworkTest, TableCellsTickChooseAndRespectGrayedCells) {
+  HOST_PAGE_NODE *Table = On(demo::kDriveTable);
+  // The role cell opens once its row is ticked.
+  EXPECT_EQ(Driver.ChooseCell(Table, 1, 3, u"DHS"), EFI_ACCESS_DENIED);
+  EXPECT_EQ(Driver.SetCell(Table, 1, 2, 1), EFI_SUCCESS);
+  EXPECT_EQ(Driver.Cell(Table, 1, 2), u"[X]");
+  EXPECT_EQ(Driver.ChooseCell(Table, 1, 3, u"DHS"), EFI_SUCCESS);
+  EXPECT_EQ(Current().Roles[0], 1u);
+  EXPECT_EQ(Driver.Cell(Table, 1, 3), u"DHS");
+  // The fourth drive's check box is grayed; text cells take no value.
+  EXPECT_EQ(Driver.SetCell(Table, 4, 2, 1), EFI_ACCESS_DENIED);
+  EXPECT_EQ(Driver.SetCell(Table, 1, 1, 1), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Driver.SetCell(Table, 9, 2, 1), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Driver.ChooseCell(Table, 1, 3, u"Nothing"), EFI_NOT_FOUND);
+  EXPECT_EQ(Current().Events,
+            (std::vector<std::string>{"cell 1 2 1", "cell 1 3 1"}));
+}
+
+TEST_F(FrameworkTest, TableRowsAreSelectedBelowTheHeading) {
+  HOST_PAGE_NODE *Table = On(demo::kDriveTable);
+  EXPECT_EQ(Driver.SelectRow(Table, 0), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Driver.SelectRow(Table, 5), EFI_INVALID_PARAMETER);
+  EXPECT_EQ(Driver.SelectRow(Table, u"Disk 2"), EFI_SUCCESS);
+  EXPECT_EQ(Current().SelectedRow, 3u);
+  EXPECT_EQ(Current().Events.back(), "select 3 0 3");
+}
+
+struct AnswerCase {
+  std::vector<BOOLEAN> Queued;
+  BOOLEAN Default;
+  size_t DrivesLeft;
+  bool FromQueue;
+};
+
+class MessageBoxAnswers : public FrameworkTest,
+                          public ::testing::WithParamInterface<AnswerCase> {};
+
+TEST_P(MessageBoxAnswers, YesNoQuestionsTakeTheQueuedOrDefaultAnswer) {
+  const AnswerCase &Case = GetParam();
+  for (BOOLEAN Answer : Case.Queued) {
+    Driver.QueueAnswer(Answer);
+  }
+  Driver.SetDefaultAnswer(Case.Default);
+  EXPECT_EQ(Driver.Press(On(demo::kDeleteButton)), EFI_SUCCESS);
+  EXPECT_EQ(Current().Drives.size(), Case.DrivesLeft);
+  ASSERT_EQ(Driver.MessageBoxes().size(), 1u);
+  const framework::MessageBoxRecord &Box = Driver.MessageBoxes()[0];
+  EXPECT_EQ(Box.Style, HOST_MSGBOX_YES_NO);
+  EXPECT_EQ(Box.Title, u"Warning");
+  EXPECT_EQ(Box.Text, u"Do you want to remove the drive from the list?");
+  EXPECT_EQ(Box.FromQueue, Case.FromQueue);
+  EXPECT_FALSE(framework::MessageBox().Open) << "the box closed";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Answers, MessageBoxAnswers,
+    ::testing::Values(AnswerCase{{TRUE}, FALSE, 3, true},
+                      AnswerCase{{FALSE}, TRUE, 4, true},
+                      AnswerCase{{}, TRUE, 3, false},
+                      AnswerCase{{}, FALSE, 4, false}));
+
+TEST_F(FrameworkTest, PlainBoxesAreAcknowledgedWithoutUsingAnswers) {
+  Driver.Press(On(demo::kNextButton));
+  Driver.Type(On(demo::kNameEdit), u"Volume0");
+  Driver.QueueAnswer(FALSE);
+  EXPECT_EQ(Driver.Press(On(demo::kCreateButton)), EFI_SUCCESS);
+  EXPECT_EQ(Driver.PendingAnswers(), 1u);
+  EXPECT_EQ(Driver.MessageBoxes().back().Style, HOST_MSGBOX_PLAIN);
+  EXPECT_EQ(Driver.MessageBoxes().back().Text, u"Virtual disk created");
+  // The message text, when given, replaces the id's.
+  EXPECT_TRUE(Setup.Interface().MessageBox(HOST_MSGBOX_PLAIN, demo::kStrResult,
+                                           demo::kStrCreated, u"Own text"));
+  EXPECT_EQ(Driver.MessageBoxes().back().Text, u"Own text");
+}
+
+TEST_F(FrameworkTest, ProgressBoxMovesAndClosesAtAHundred) {
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kRefreshButton)), EFI_SUCCESS);
+  EXPECT_EQ(Driver.ProgressSeen(), (std::vector<UINT8>{40, 80}));
+  EXPECT_EQ(Driver.MessageBoxes().back().Style, HOST_MSGBOX_PROGRESS);
+  EXPECT_FALSE(framework::MessageBox().Open);
+  EXPECT_EQ(Setup.Interface().SetProgress(50), EFI_NOT_READY);
+}
+
+TEST_F(FrameworkTest, ShowingAPageClosesTheProgressBox) {
+  Setup.Interface().MessageBox(HOST_MSGBOX_PROGRESS, demo::kStrBlank,
+                               demo::kStrRefresh, nullptr);
+  Setup.Interface().SetProgress(30);
+  EXPECT_TRUE(framework::MessageBox().Open);
+  EXPECT_NE(Driver.Dump().find(" 30%"), std::string::npos);
+  Setup.Interface().ShowPage(demo::AdapterPage(), 0);
+  EXPECT_FALSE(framework::MessageBox().Open);
+  EXPECT_EQ(Driver.Dump().find(" 30%"), std::string::npos);
+}
+
+TEST_F(FrameworkTest, HelpShowsTheModulesEntriesHeadingFirst) {
+  Driver.Help();
+  const framework::HelpState &Help = framework::Help();
+  ASSERT_TRUE(Help.Open);
+  ASSERT_EQ(Help.Count, 3u);
+  EXPECT_EQ(Help.Lines[0].Style, HOST_HELP_HEADING);
+  EXPECT_EQ(std::u16string(Help.Lines[0].Text), u"Adapter Selection");
+  EXPECT_EQ(Help.Lines[2].Style, HOST_HELP_PARAGRAPH);
+  EXPECT_NE(Driver.Dump().find("Tick the drives to use"), std::string::npos);
+  Driver.CloseHelp();
+  EXPECT_FALSE(framework::Help().Open);
+  // Without the module's callbacks the host shows its own help.
+  Setup.Interface().RegisterDefaultCallbacks();
+  Driver.Help();
+  EXPECT_EQ(std::u16string(framework::Help().Lines[1].Text),
+            u"No help is available for this page.");
+  EXPECT_EQ(Setup.Interface().ShowHelp(nullptr, nullptr, 1),
+            EFI_INVALID_PARAMETER);
+}
+
+TEST_F(FrameworkTest, LanguageSwitchReadsEveryTextAgain) {
+  Driver.Help();
+  EXPECT_EQ(Driver.SwitchLanguage("fr-FR"), EFI_SUCCESS);
+  EXPECT_EQ(Current().LanguageCallbacks, 1);
+  EXPECT_FALSE(framework::Help().Open) << "its texts were in English";
+  EXPECT_EQ(Driver.Title(), u"Démo - Choisir l'adaptateur");
+  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disques : 4");
+  EXPECT_EQ(TextOn(demo::kModeCombo), u"Rapide");
+  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 1, 3), u"Membre");
+  // A page not shown is read again when it is shown.
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(TextOn(demo::kBackButton), u"Retour");
+  EXPECT_EQ(Driver.SwitchLanguage("xx-XX"), EFI_NOT_FOUND);
+  EXPECT_EQ(framework::SwitchLanguage(11), EFI_INVALID_PARAMETER);
+  CHAR8 Code[8];
+  Setup.Interface().GetLanguage(Code, sizeof(Code));
+  EXPECT_STREQ(Code, "fr-FR");
+}
+
+TEST_F(FrameworkTest, ReturningToTheModuleCallsItsReturnCallback) {
+  Driver.Press(On(demo::kNextButton));
+  Driver.ReturnToModule();
+  EXPECT_EQ(Current().ReturnCallbacks, 1);
+  EXPECT_EQ(framework::CurrentPage(), demo::AdapterPage());
+}
+
+UINTN gRetries = 0;
+UINTN EFIAPI RetryDiscovery() {
+  gRetries++;
+  return 0;
+}
+
+TEST_F(FrameworkTest, WithDefaultCallbacksReturnRunsTheRegisteredPageEntry) {
+  Setup.Interface().RegisterDefaultCallbacks();
+  gRetries = 0;
+  Setup.Interface().RegisterPage(nullptr, nullptr, 0, RetryDiscovery, nullptr,
+                                 nullptr);
+  Driver.ReturnToModule();
+  EXPECT_EQ(gRetries, 1u);
+  EXPECT_EQ(Current().ReturnCallbacks, 0);
+}
+
+}  // namespace
