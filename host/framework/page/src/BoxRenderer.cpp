@@ -19,6 +19,15 @@ constexpr CHAR16 kBottomRight = 0x255D;
 constexpr CHAR16 kFull = 0x2588;   // █ done part of the progress bar
 constexpr CHAR16 kShade = 0x2591;  // ░ the rest
 
+BOOLEAN IsBlank(const CHAR16 *Text) {
+  for (; *Text != 0; Text++) {
+    if (*Text != u' ') {
+      return FALSE;
+    }
+  }
+  return TRUE;
+}
+
 struct Frame {
   UINTN Column;
   UINTN Row;
@@ -44,7 +53,8 @@ VOID DrawFrame(ScreenBuffer &Screen, const Frame &Box, const CHAR16 *Title,
   PutChar(Screen, Right, Box.Row, kTopRight, Attribute);
   PutChar(Screen, Box.Column, Bottom, kBottomLeft, Attribute);
   PutChar(Screen, Right, Bottom, kBottomRight, Attribute);
-  if (Title != nullptr && *Title != 0 && Box.Width > 6) {
+  if (Title != nullptr && TextWidth(Title) != 0 && !IsBlank(Title) &&
+      Box.Width > 6) {
     UINTN Width = TextWidth(Title);
     Width = Width > Box.Width - 6 ? Box.Width - 6 : Width;
     UINTN Column = Box.Column + (Box.Width - Width - 2) / 2;

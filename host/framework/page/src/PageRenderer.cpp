@@ -163,7 +163,9 @@ VOID DrawField(DrawContext &Context, const HOST_PAGE_NODE *Node,
   UINT8 Attribute = Grayed ? look::kFieldGrayed
                            : (IsFocused(Node) ? look::kFocus : look::kField);
   ClipFill(Context, Column, Row, Width, Attribute);
-  UINTN Inner = Width - (Combo ? 3 : 2);
+  ClipText(Context, Column, Row, u"[", 1, Attribute);
+  ClipText(Context, Column + Width - 1, Row, u"]", 1, Attribute);
+  UINTN Inner = Width - (Combo ? 4 : 2);
   const CHAR16 *Text = TextOf(Node);
   // An edit box shows the end of a text longer than its field.
   if (!Combo) {
