@@ -4,6 +4,8 @@
 #include <fstream>
 
 #include "native/ModuleSession.h"
+#include "native/TerminalUi.h"
+#include "native/WizardRun.h"
 
 namespace host {
 namespace {
@@ -38,10 +40,6 @@ ModelJson RunModuleForModel(Server &Server) {
 }
 
 int RunHost(const Options &Options, std::ostream &Out, std::ostream &Err) {
-  if (Options.Script) {
-    Err << "raidcfg-host: --script is not available yet\n";
-    return 1;
-  }
   try {
     Scenario Chosen = ChosenScenario(Options);
     Server Machine(Chosen, {Options.Replay, Options.Record});
@@ -49,7 +47,14 @@ int RunHost(const Options &Options, std::ostream &Out, std::ostream &Err) {
       Err << "raidcfg-host: cannot write " << Options.Trace->string() << "\n";
       return 1;
     }
-    // Until the interactive wizard exists, every run prints the model.
+    if (Options.Script) {
+      return RunScriptedWizard(Machine, *Options.Script, Out, Err);
+    }
+    // At a terminal the wizard is interactive; otherwise (and with
+    // --dump-model) the run prints the model.
+    if (!Options.DumpModel && Terminal::Available()) {
+      return RunInteractiveWizard(Machine, Out, Err);
+    }
     ModelJson Model = RunModuleForModel(Machine);
     if (Model.is_null()) {
       Err << "raidcfg-host: the module's image entry failed\n";
