@@ -40,6 +40,11 @@ ModelJson RunModuleForModel(Server &Server) {
 }
 
 int RunHost(const Options &Options, std::ostream &Out, std::ostream &Err) {
+  if (Options.Script && !std::ifstream(*Options.Script)) {
+    Err << "raidcfg-host: cannot read the --script file "
+        << Options.Script->string() << "\n";
+    return 1;
+  }
   try {
     Scenario Chosen = ChosenScenario(Options);
     Server Machine(Chosen, {Options.Replay, Options.Record});
