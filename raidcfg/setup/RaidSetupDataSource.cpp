@@ -4,41 +4,38 @@
 #include <Protocol/Host/RaidSetupDataSource.h>
 
 #include "setup/RaidcfgSetup.h"
+#include "wizard/RaidWizardControls.h"
 
 namespace {
 
 constinit RAID_SETUP_DATA_SOURCE_PROTOCOL gRaidSetupDataSource = {};
 
-// Control values are served once the wizard's pages carry controls.
-EFI_STATUS EFIAPI RaidDataSourceGetValue(HOST_PAGE_NODE *Node, VOID *Value) {
-  (void)Node;
-  (void)Value;
-  return EFI_UNSUPPORTED;
+// The host reads and changes control values by node; the wizard keeps them
+// by the kind of value: texts, option lists, tables and bound numbers.
+EFI_STATUS EFIAPI RaidDataSourceGetValueCallback(HOST_PAGE_NODE *Node,
+                                                 VOID *Value) {
+  return RaidDataSourceGetValue(Node, static_cast<HOST_CONTROL_VALUE *>(Value));
 }
 
-EFI_STATUS EFIAPI RaidDataSourceSetValue(HOST_PAGE_NODE *Node, VOID *Value) {
-  (void)Node;
-  (void)Value;
-  return EFI_UNSUPPORTED;
+EFI_STATUS EFIAPI RaidDataSourceSetValueCallback(HOST_PAGE_NODE *Node,
+                                                 VOID *Value) {
+  return RaidDataSourceSetValue(Node, static_cast<HOST_CONTROL_VALUE *>(Value));
 }
 
-EFI_STATUS EFIAPI RaidDataSourceGetOptions(HOST_PAGE_NODE *Node, VOID *Value) {
-  (void)Node;
-  (void)Value;
-  return EFI_UNSUPPORTED;
+EFI_STATUS EFIAPI RaidDataSourceGetOptionsCallback(HOST_PAGE_NODE *Node,
+                                                   VOID *Value) {
+  return RaidDataSourceGetOptions(Node, static_cast<HOST_OPTION_LIST *>(Value));
 }
 
-EFI_STATUS EFIAPI RaidDataSourceGetTable(HOST_PAGE_NODE *Node, VOID *Value) {
-  (void)Node;
-  (void)Value;
-  return EFI_UNSUPPORTED;
+EFI_STATUS EFIAPI RaidDataSourceGetTableCallback(HOST_PAGE_NODE *Node,
+                                                 VOID *Value) {
+  return RaidDataSourceGetTable(Node, static_cast<HOST_TABLE *>(Value));
 }
 
-EFI_STATUS EFIAPI RaidDataSourceSetTableCell(HOST_PAGE_NODE *Node,
-                                             VOID *Value) {
-  (void)Node;
-  (void)Value;
-  return EFI_UNSUPPORTED;
+EFI_STATUS EFIAPI RaidDataSourceSetTableCellCallback(HOST_PAGE_NODE *Node,
+                                                     VOID *Value) {
+  return RaidDataSourceSetTableCell(
+      Node, static_cast<const HOST_TABLE_CELL_CHANGE *>(Value));
 }
 
 }  // namespace
@@ -46,11 +43,11 @@ EFI_STATUS EFIAPI RaidDataSourceSetTableCell(HOST_PAGE_NODE *Node,
 EFI_STATUS InitRaidSetupDSProtocol(EFI_HANDLE ImageHandle) {
   gRaidSetupDataSource = {RAID_SETUP_DATA_SOURCE_GUID,
                           0,
-                          RaidDataSourceGetValue,
-                          RaidDataSourceSetValue,
-                          RaidDataSourceGetOptions,
-                          RaidDataSourceGetTable,
-                          RaidDataSourceSetTableCell};
+                          RaidDataSourceGetValueCallback,
+                          RaidDataSourceSetValueCallback,
+                          RaidDataSourceGetOptionsCallback,
+                          RaidDataSourceGetTableCallback,
+                          RaidDataSourceSetTableCellCallback};
   EFI_HANDLE Handle = ImageHandle;
   EFI_STATUS Status = gBS->InstallMultipleProtocolInterfaces(
       &Handle, &gRaidSetupDataSourceProtocolGuid, &gRaidSetupDataSource,

@@ -78,7 +78,7 @@ EFI_STATUS EFIAPI RaidcfgSetupExitPoint(EFI_HANDLE ImageHandle) {
   RAID_TRACE(TARN_DEBUG_INFO,
              "RAID: [%a] Clean RAID volumes and tables done\n");
 
-  // The pages hold no dynamic nodes of their own yet.
+  RaidFreeWizardDynamicNodes();
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Free dynamic node memory done\n");
 
   RaidFreeWizardPages();

@@ -7,6 +7,8 @@
 #include <Protocol/Host/PageFramework.h>
 #include <Uefi.h>
 
+#include "proto/EsaDrvLibPkg/RaidLib.h"
+
 // ---- Page numbers -------------------------------------------------------------
 
 #define RAID_PAGE_RETRY 0  // registered after a failed discovery
@@ -58,10 +60,42 @@ extern HOST_PAGE_NODE *gRaidModuleRoot;
 extern EFI_GUID *gRaidModuleIdentity;
 extern UINT32 gRaidFirstPageId;
 
+// Re-initialise flag of each page: index page - 1 for pages 1 to 11; the
+// flag of page 2 also marks virtual disks created since the last return to
+// the module. The last two belong to page-local selections.
+#define RAID_REINIT_FLAG(Page) ((Page) - 1)
+#define RAID_REINIT_FLAG_VOLUMES_CREATED RAID_REINIT_FLAG(RAID_PAGE_CONFIG_TYPE)
+#define RAID_REINIT_FLAG_VOLUME_POPUP 11
+#define RAID_REINIT_FLAG_ARRAY_SELECTION 12
+
+// Adapter kind of the selected adapter, from its tool's file name.
+#define RAID_ADAPTER_KIND_STORCLI 0
+#define RAID_ADAPTER_KIND_RSTE 1
+#define RAID_ADAPTER_KIND_MVSETUP 2
+#define RAID_ADAPTER_KIND_MNV_CLI 3
+#define RAID_ADAPTER_KIND_VROC 4
+#define RAID_ADAPTER_KIND_ARCCONF 5
+#define RAID_ADAPTER_KIND_UNSUPPORTED 15
+extern UINT32 gRaidAdapterKind;
+
+// The adapter chosen on page 1: its index in the controller list (the
+// adapter radio group's value). Its record is the service layer's current
+// controller, gCurrentRaidController.
+extern UINT32 gRaidSelectedControllerIndex;
+// The controller at Index of the controller list, or NULL.
+RAID_CONTROLLER *RaidControllerAt(UINT32 Index);
+
+// TRUE while the loading box of the first page's construction is open.
+extern BOOLEAN gRaidLoadingProgressOpen;
+
 // Sets every re-initialise flag.
 VOID RaidSetAllReInitFlags();
 // Puts the wizard state back to what a freshly loaded image holds.
 VOID RaidWizardResetGlobals();
+// The configuration state every adapter change, refresh and finished
+// creation starts from: simple configuration, new array, every page to be
+// reset, no planned virtual disk.
+VOID RaidResetConfigurationState();
 
 // ---- Start ---------------------------------------------------------------------
 
@@ -72,15 +106,35 @@ VOID InitializeRaidSetupWizards();
 VOID InitRaidControllerSelectionPage();
 // Language-change callback the host calls after the operator changed it.
 VOID EFIAPI RaidSetupLangCallBack();
+// The host's return into the RAID Setup module.
+VOID EFIAPI SwitchBackToRaidSetupModule();
+// The help callback: the help entries of the current page.
+VOID EFIAPI RaidSetupHelpCallBack();
+// Next on page 1: into the configuration type page.
+EFI_STATUS EFIAPI RaidWizardNextCallback(HOST_PAGE_NODE *Node,
+                                         const HOST_CONTROL_EVENT *Event);
+// Turns page 1 into page 12, which says that no supported adapter exists.
+VOID ShowNoAdapterFoundMsg();
 
 // ---- Pages ---------------------------------------------------------------------
 
-// Makes the root of Page; NULL when out of memory.
-HOST_PAGE_NODE *RaidCreatePageRoot(UINT32 Page);
+// Instantiates Page from its template under the module root on first use
+// and builds its control table; the page's root (NULL when it could not be
+// built). Later calls only return it.
+HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page);
+// Builds Page's control table again (the page is re-entered).
+VOID RaidRegisterPageControls(UINT32 Page);
+// Frees a page tree and clears *Root.
+VOID FreeRaidStaticPageNodes(HOST_PAGE_NODE **Root,
+                             const HOST_PAGE_TEMPLATE *Template);
 // Frees the page trees the wizard built.
 VOID RaidFreeWizardPages();
+// Frees the values the wizard keeps for its controls (labels, option
+// lists, tables).
+VOID RaidFreeWizardDynamicNodes();
+// Frees an option list's texts and array; an empty list is left alone.
+VOID FreeComboOptions(HOST_OPTION_LIST *List);
 
 // ---- Error box -------------------------------------------------------------------
-
 // Shows "The operation failed!" with the error code and its message.
 VOID ShowRaidErrorBox(UINT32 ErrorCode);

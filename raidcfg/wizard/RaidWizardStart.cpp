@@ -7,7 +7,10 @@
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
 #include "wizard/RaidHostUi.h"
+#include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
+#include "wizard/RaidWizardControls.h"
+#include "wizard/RaidWizardPages.h"
 
 namespace {
 
@@ -26,17 +29,35 @@ VOID FetchModuleWords() {
   TarnSetupProtocol->GetFirstPageId(&gRaidFirstPageId);
 }
 
-// After a failed discovery: the error box, and page 0 registered so that
-// entering it runs the discovery again.
+// After a failed discovery: the error box, the host's own callbacks in
+// place of the wizard's, and page 0 registered so that entering it runs the
+// discovery again; the page says that no adapter is there.
 VOID ArmDiscoveryRetry(UINT32 ErrorCode) {
+  gRaidLoadingProgressOpen = FALSE;
   RaidSetProgress(kProgressDone);
   RaidRedrawScreen();
   ShowRaidErrorBox(ErrorCode);
   if (TarnSetupProtocol != nullptr) {
+    if (TarnSetupProtocol->RegisterDefaultCallbacks != nullptr) {
+      TarnSetupProtocol->RegisterDefaultCallbacks();
+    }
     TarnSetupProtocol->RegisterPage(gImageHandle, gHiiHandle, RAID_PAGE_RETRY,
                                     Init_Raid, nullptr, RaidSetupLangCallBack);
   }
   gRaidControllerCount = 0;
+  ShowNoAdapterFoundMsg();
+}
+
+// Page 1 on the screen before the discovery starts, with the module's
+// return, help and language callbacks.
+VOID ShowEmptyAdapterPage() {
+  if (TarnSetupProtocol != nullptr &&
+      TarnSetupProtocol->RegisterModuleCallbacks != nullptr) {
+    TarnSetupProtocol->RegisterModuleCallbacks(SwitchBackToRaidSetupModule,
+                                               RaidSetupHelpCallBack,
+                                               RaidSetupLangCallBack);
+  }
+  RaidShowPage(RAID_PAGE_CONTROLLER_SELECTION, 0);
 }
 
 // The state every fresh adapter page starts from.
@@ -45,6 +66,7 @@ VOID ResetWizardSelections() {
   gRaidAdvancedMode = 0;
   gRaidCurrentPage = RAID_PAGE_CONTROLLER_SELECTION;
   RaidSetAllReInitFlags();
+  RaidFreeVolumeParameterQueue();
 }
 
 }  // namespace
@@ -62,15 +84,14 @@ VOID InitRaidControllerSelectionPage() {
   }
   RAID_TRACE(TARN_DEBUG_INFO,
              "RAID: [%a] Construct the RAID controller select page\n");
-  gRaidPageRoots[RAID_PAGE_CONTROLLER_SELECTION] =
-      RaidCreatePageRoot(RAID_PAGE_CONTROLLER_SELECTION);
-  if (gRaidPageRoots[RAID_PAGE_CONTROLLER_SELECTION] == nullptr) {
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+  if (RaidInstantiatePage(RAID_PAGE_CONTROLLER_SELECTION) == nullptr) {
     return;
   }
+  ShowEmptyAdapterPage();
 
   RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
                  nullptr);
+  gRaidLoadingProgressOpen = TRUE;
   RaidSetProgress(kProgressDiscovering);
   RaidRedrawScreen();
 
@@ -99,15 +120,13 @@ VOID InitRaidControllerSelectionPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Controller Count = %x\n",
              gRaidControllerCount);
   if (gRaidControllerCount == 0) {
+    gRaidLoadingProgressOpen = FALSE;
     RaidSetProgress(kProgressDone);
     RaidRedrawScreen();
+    ShowNoAdapterFoundMsg();
+    return;
   }
-}
-
-// Every page must be reset on its next entry, since its texts were formatted
-// in the old language.
-VOID EFIAPI RaidSetupLangCallBack() {
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Current page %d\n",
-             gRaidCurrentPage);
-  RaidSetAllReInitFlags();
+  UpdateControllerNamesInRadioControl();
+  UpdateCurrentRaidControllerConfig();
+  RaidShowPage(RAID_PAGE_CONTROLLER_SELECTION, RAID_NODE_ADAPTER_RADIO);
 }

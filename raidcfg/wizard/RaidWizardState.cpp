@@ -12,6 +12,9 @@ constinit HOST_PAGE_NODE *gRaidPageRoots[RAID_PAGE_COUNT + 1] = {};
 constinit HOST_PAGE_NODE *gRaidModuleRoot = nullptr;
 constinit EFI_GUID *gRaidModuleIdentity = nullptr;
 constinit UINT32 gRaidFirstPageId = 0;
+constinit UINT32 gRaidAdapterKind = RAID_ADAPTER_KIND_STORCLI;
+constinit UINT32 gRaidSelectedControllerIndex = 0;
+constinit BOOLEAN gRaidLoadingProgressOpen = FALSE;
 
 VOID RaidSetAllReInitFlags() {
   for (UINT8 &Flag : gRaidReInitFlags) {
@@ -32,4 +35,10 @@ VOID RaidWizardResetGlobals() {
   gRaidModuleRoot = nullptr;
   gRaidModuleIdentity = nullptr;
   gRaidFirstPageId = 0;
+  gRaidAdapterKind = RAID_ADAPTER_KIND_STORCLI;
+  gRaidSelectedControllerIndex = 0;
+  gRaidLoadingProgressOpen = FALSE;
+  for (HOST_PAGE_NODE *&Root : gRaidPageRoots) {
+    Root = nullptr;
+  }
 }
