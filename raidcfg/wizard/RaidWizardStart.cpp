@@ -84,6 +84,12 @@ VOID InitRaidControllerSelectionPage() {
   }
   RAID_TRACE(TARN_DEBUG_INFO,
              "RAID: [%a] Construct the RAID controller select page\n");
+  // The host finds the module's data source and strings by the page.
+  if (TarnSetupProtocol != nullptr) {
+    TarnSetupProtocol->RegisterPage(gImageHandle, gHiiHandle,
+                                    RAID_PAGE_CONTROLLER_SELECTION, nullptr,
+                                    nullptr, RaidSetupLangCallBack);
+  }
   if (RaidInstantiatePage(RAID_PAGE_CONTROLLER_SELECTION) == nullptr) {
     return;
   }
