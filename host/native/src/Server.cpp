@@ -2,6 +2,7 @@
 #include "native/Server.h"
 
 #include <Protocol/Host/TarnSetup.h>
+#include <strings/RaidcfgPackageList.h>
 
 #include <cstdio>
 #include <fstream>
@@ -50,12 +51,19 @@ void Server::AddVolume(const Scenario &Scenario) {
   Volume_ = std::make_unique<emu::HostVolume>(*Firmware_,
                                               VolumeDirectory_.Path());
   ImageHandle_ = Firmware_->CreateImageHandle(Volume_->Handle());
+  // As the firmware's image loader does for an image with an HII resource.
+  emu::InstallImagePackageList(*Firmware_, ImageHandle_,
+                               raidcfg_strings::kPackageList);
 }
 
 void Server::AddProtocols(const Scenario &Scenario) {
   const HostProtocols &Present = Scenario.Protocols;
+  Hii_ = std::make_unique<emu::HiiDatabase>(*Firmware_);
+  Hii_->SetCurrentLanguage(
+      emu::HiiLanguageFromPlatform(emu::HiiDatabase::kDefaultPlatformLanguage));
   if (Present.Setup) {
     Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
+    emu::ConnectSetupStrings(*Setup_, *Hii_);
   }
   if (Present.GuiDriver) {
     GuiDriver_ = std::make_unique<emu::GuiDriver>(*Firmware_);
@@ -75,6 +83,11 @@ void Server::AddProtocols(const Scenario &Scenario) {
   if (Present.QolCommands) {
     Qol_ = std::make_unique<emu::QolCommands>(*Firmware_);
   }
+}
+
+EFI_STATUS Server::SwitchLanguage(const std::string &Language) {
+  Hii_->SetCurrentLanguage(Language);
+  return EFI_SUCCESS;
 }
 
 void Server::HostTrace(const char *Function, const std::string &Text) {

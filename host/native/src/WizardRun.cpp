@@ -27,6 +27,9 @@ int RunWizard(Server &Server, const framework::HostServices &Services,
       Err << "raidcfg-host: the page framework could not start\n";
       return 1;
     }
+    Binding.SetLanguageHandler([&Server](const std::string &Language) {
+      return Server.SwitchLanguage(Language);
+    });
     ModuleSession Module(Server);
     if (EFI_ERROR(Module.Load())) {
       Err << "raidcfg-host: the module's image entry failed\n";

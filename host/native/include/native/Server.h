@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "emu/Emulator.h"
+#include "emu/Hii.h"
 #include "native/AdapterFamily.h"
 #include "native/Recorder.h"
 #include "native/Replay.h"
@@ -47,6 +48,10 @@ class Server {
   emu::SetupProtocol *Setup() { return Setup_.get(); }
   emu::ShellCommand *Shell() { return Shell_.get(); }
   emu::SlotInventory *Slots() { return Slots_.get(); }
+  // The HII database the module registers its strings in.
+  emu::HiiDatabase &Hii() { return *Hii_; }
+  // Makes Language ("fr-FR") the language of every text the module fetches.
+  EFI_STATUS SwitchLanguage(const std::string &Language);
   VirtualAdapters &Adapters() { return Adapters_; }
 
   // What went wrong on the host's side while the module ran (a recording
@@ -72,6 +77,8 @@ class Server {
   std::vector<std::unique_ptr<emu::PciDevice>> Devices_;
   std::unique_ptr<emu::SmbiosTable> Smbios_;
   std::unique_ptr<emu::HostVolume> Volume_;
+  // Before the setup protocol, whose strings it answers.
+  std::unique_ptr<emu::HiiDatabase> Hii_;
   std::unique_ptr<emu::SetupProtocol> Setup_;
   std::unique_ptr<emu::GuiDriver> GuiDriver_;
   std::unique_ptr<emu::XmlParser> XmlParser_;
