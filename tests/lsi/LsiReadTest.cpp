@@ -338,8 +338,9 @@ INSTANTIATE_TEST_SUITE_P(
         // Two: card 0 matches, or card 1 is taken without its command.
         CardSearchCase{2, {0x3B, 0x10}, EFI_SUCCESS, 0, 0, 2},
         CardSearchCase{2, {0x10, 0x77}, EFI_SUCCESS, 1, 0, 2},
-        // Three: searched in order; no match fails with the last verdict.
-        CardSearchCase{3, {0x10, 0x11, 0x3B}, EFI_SUCCESS, 2, 0x200023, 4},
+        // Three: searched in order; a match clears the earlier mismatches'
+        // code, no match fails with the last verdict.
+        CardSearchCase{3, {0x10, 0x11, 0x3B}, EFI_SUCCESS, 2, 0, 4},
         CardSearchCase{3, {0x10, 0x11, 0x12}, EFI_ABORTED, RAID_CARD_ID_UNSET,
                        0x200023, 4}));
 

@@ -77,6 +77,9 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
     RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%d show mronly nolog", Tool, CardId);
     Status = ParseBDF(gRaidToolOutput, Controller, CardId, ErrorCode);
     if (!EFI_ERROR(Status)) {
+      // The cards searched before this one left their mismatch code; a
+      // found card is a success like any other, with error code 0.
+      *ErrorCode = 0;
       return Status;
     }
   }
