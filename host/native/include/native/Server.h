@@ -48,6 +48,7 @@ class Server {
   emu::SetupProtocol *Setup() { return Setup_.get(); }
   emu::ShellCommand *Shell() { return Shell_.get(); }
   emu::SlotInventory *Slots() { return Slots_.get(); }
+  emu::QolCommands *Qol() { return Qol_.get(); }
   // The HII database the module registers its strings in.
   emu::HiiDatabase &Hii() { return *Hii_; }
   // Makes Language ("fr-FR") the language of every text the module fetches.

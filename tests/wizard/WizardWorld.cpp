@@ -1,0 +1,99 @@
+// The wizard tests' world: a simulated server, the page framework bound to
+// its setup protocol, the module loaded and a headless operator.
+#include "WizardWorld.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include <Library/UefiBootServicesTableLib.h>
+
+#include "native/EmbeddedFiles.h"
+#include "wizard/RaidPageNodes.h"
+
+namespace wizard_test {
+
+WizardWorld::~WizardWorld() {
+  if (Module_ != nullptr) {
+    Stop();
+  }
+}
+
+void WizardWorld::Start(const host::Scenario &Scenario) {
+  Server_ = std::make_unique<host::Server>(Scenario);
+  // A module unloaded by an earlier test leaves its boot-services pointer
+  // behind; the framework must start on this server's firmware.
+  gBS = nullptr;
+  Binding_ = std::make_unique<framework::EmuBinding>(*Server_->Setup(),
+                                                     Driver_.Services());
+  ASSERT_EQ(Binding_->StartStatus(), EFI_SUCCESS);
+  host::Server *Machine = Server_.get();
+  Binding_->SetLanguageHandler([Machine](const std::string &Language) {
+    return Machine->SwitchLanguage(Language);
+  });
+  Module_ = std::make_unique<host::ModuleSession>(*Server_);
+  ASSERT_EQ(Module_->Load(), EFI_SUCCESS);
+}
+
+void WizardWorld::Stop() {
+  EXPECT_EQ(Module_->Unload(), EFI_SUCCESS);
+  Module_.reset();
+  Binding_.reset();
+  EXPECT_EQ(Server_->Firmware().Memory().LeakReport(), "");
+  EXPECT_TRUE(Server_->Problems().empty());
+  Server_.reset();
+}
+
+EFI_STATUS WizardWorld::ChooseAdapter(UINTN Index) {
+  return Driver_.Choose(Node(RAID_NODE_ADAPTER_RADIO), Index);
+}
+
+std::vector<UINT32> WizardWorld::Events() const {
+  std::vector<UINT32> Codes;
+  for (const emu::SentEvent &Event : Server_->Qol()->Events()) {
+    Codes.push_back(Event.EventCode);
+  }
+  return Codes;
+}
+
+bool WizardWorld::TraceHas(const std::string &Text) const {
+  for (const std::string &Line : Server_->Setup()->TraceTexts()) {
+    if (Line.find(Text) != std::string::npos) {
+      return true;
+    }
+  }
+  return false;
+}
+
+nlohmann::json DemoScenarioJson() {
+  return nlohmann::json::parse(*host::FindEmbeddedFile("demo.json"));
+}
+
+host::Scenario ScenarioFrom(const nlohmann::json &Json) {
+  return host::ParseScenario(Json, "test");
+}
+
+std::string ReadGolden(const std::string &Name) {
+  std::ifstream File(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
+                     std::ios::binary);
+  std::ostringstream Text;
+  Text << File.rdbuf();
+  return Text.str();
+}
+
+void WriteGolden(const std::string &Name, const std::string &Text) {
+  std::ofstream(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
+                std::ios::binary | std::ios::trunc)
+      << Text;
+}
+
+void ExpectGoldenScreen(const std::string &Name, const std::string &Screen) {
+  const char *Update = std::getenv("WIZARD_UPDATE_GOLDEN");
+  if (Update != nullptr && std::string(Update) == "1") {
+    WriteGolden(Name, Screen);
+    return;
+  }
+  EXPECT_EQ(Screen, ReadGolden(Name)) << "golden screen " << Name;
+}
+
+}  // namespace wizard_test
