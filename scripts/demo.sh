@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The main job: builds the native host and runs the RAID setup module in it
-# on the embedded demo server. With no arguments it prints the RAID model
-# the module discovers; any arguments go to raidcfg-host as they are (see
-# raidcfg-host --help).
+# on the embedded demo server. With no arguments the wizard runs in the
+# terminal (the model is printed instead when there is no terminal); any
+# arguments go to raidcfg-host as they are (see raidcfg-host --help).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -22,7 +22,4 @@ fi
 
 cmake --build --preset native -j 2 --target raidcfg-host
 host=$(find build/native -name raidcfg-host -type f -perm -u+x | head -n 1)
-if (($# == 0)); then
-  set -- --dump-model
-fi
 exec "$host" "$@"

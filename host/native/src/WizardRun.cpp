@@ -1,6 +1,8 @@
 // The wizard driven by a script or at the terminal.
 #include "native/WizardRun.h"
 
+#include <Library/UefiBootServicesTableLib.h>
+
 #include "framework/EmuBinding.h"
 #include "framework/HeadlessDriver.h"
 #include "framework/Script.h"
@@ -71,6 +73,9 @@ int RunInteractiveWizard(Server &Server, std::ostream &Out, std::ostream &Err) {
   UINTN Rows = 0;
   Console.Size(&Columns, &Rows);
   framework::TextUi Ui;
+  // The screen's buffers come from the pool before the module has saved
+  // the boot services.
+  gBS = Server.Firmware().BootServices();
   if (EFI_ERROR(framework::TextUiStart(Ui, Columns, Rows, Console.Sink(),
                                        Console.Keys()))) {
     Err << "raidcfg-host: no memory for the screen\n";
