@@ -17,12 +17,10 @@ constexpr EFI_GUID kModuleIdentity = {
 EmuBinding::EmuBinding(emu::SetupProtocol &Setup, const HostServices &Services,
                        UINT32 FirstPageId)
     : Setup_(Setup), Caller_(Services), Saved_(Setup.Interface()) {
-  // The framework allocates through the boot services, which the module
-  // has not saved yet when the framework starts before it.
-  if (gBS == nullptr) {
-    gBS = emu::Firmware::Current().BootServices();
-    SetBootServices_ = true;
-  }
+  // Host and module share one process here, and so the base library's
+  // boot-services pointer. The framework allocates through the current
+  // firmware's, whatever an earlier module image left behind.
+  gBS = emu::Firmware::Current().BootServices();
   HostServices Bound;
   Bound.Context = this;
   Bound.GetString = GetString;
@@ -36,9 +34,6 @@ EmuBinding::EmuBinding(emu::SetupProtocol &Setup, const HostServices &Services,
 EmuBinding::~EmuBinding() {
   Setup_.Interface() = Saved_;
   Shutdown();
-  if (SetBootServices_) {
-    gBS = nullptr;
-  }
 }
 
 const CHAR16 *EmuBinding::GetString(VOID *Context, EFI_HII_HANDLE HiiHandle,

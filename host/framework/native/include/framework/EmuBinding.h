@@ -49,7 +49,6 @@ class EmuBinding {
   LanguageHandler Language_;
   EFI_HII_HANDLE Fallback_ = nullptr;
   EFI_STATUS StartStatus_ = EFI_NOT_STARTED;
-  bool SetBootServices_ = false;
 };
 
 }  // namespace framework
