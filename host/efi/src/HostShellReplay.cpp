@@ -9,6 +9,7 @@
 
 #include "HostConsole.h"
 #include "HostProtocols.h"
+#include "HostTextFile.h"
 #include "HostVolume.h"
 
 namespace {
@@ -65,20 +66,15 @@ BOOLEAN JoinPath(CHAR16 *Path, const CHAR16 *Directory, const CHAR8 *Name,
   return TRUE;
 }
 
-// The command line of one index line as CHAR16.
-CHAR16 *WidenCommandLine(const CHAR8 *Text, UINTN Length) {
-  const UINTN Chars = Utf8StrToUnicodeLength(Text, Length);
-  CHAR16 *Wide = static_cast<CHAR16 *>(AllocatePool((Chars + 1) * sizeof(CHAR16)));
-  if (Wide != nullptr && EFI_ERROR(Utf8StrToUnicodeStrS(Text, Length, Wide, Chars + 1))) {
-    FreePool(Wide);
-    return nullptr;
-  }
-  return Wide;
-}
+// Where the outputs an index names are read from.
+struct ReplaySource {
+  EFI_FILE_PROTOCOL *Root;
+  const CHAR16 *Directory;
+};
 
 // Adds the run of one index line: its output file read from the volume.
-EFI_STATUS AddEntry(EFI_FILE_PROTOCOL *Root, const CHAR16 *Directory,
-                    const CHAR8 *Line, UINTN Length) {
+EFI_STATUS AddEntry(VOID *Context, const CHAR8 *Line, UINTN Length) {
+  const ReplaySource &Source = *static_cast<const ReplaySource *>(Context);
   UINTN Tab = 0;
   while (Tab < Length && Line[Tab] != '\t') {
     Tab++;
@@ -87,17 +83,17 @@ EFI_STATUS AddEntry(EFI_FILE_PROTOCOL *Root, const CHAR16 *Directory,
     return EFI_VOLUME_CORRUPTED;
   }
   CHAR16 Path[kMaxPathChars];
-  if (!JoinPath(Path, Directory, Line, Tab)) {
+  if (!JoinPath(Path, Source.Directory, Line, Tab)) {
     return EFI_VOLUME_CORRUPTED;
   }
   ReplayEntry &Entry = gEntries[gEntryCount];
   EFI_STATUS Status =
-      HostReadFile(Root, Path, kMaxOutputSize, &Entry.Output, &Entry.OutputSize);
+      HostReadFile(Source.Root, Path, kMaxOutputSize, &Entry.Output, &Entry.OutputSize);
   if (EFI_ERROR(Status)) {
     HostPrint("raidhost: replay output %s: %r\n", Path, Status);
     return Status;
   }
-  Entry.CommandLine = WidenCommandLine(Line + Tab + 1, Length - Tab - 1);
+  Entry.CommandLine = HostUtf8ToString(Line + Tab + 1, Length - Tab - 1);
   if (Entry.CommandLine == nullptr) {
     FreePool(Entry.Output);
     return EFI_OUT_OF_RESOURCES;
@@ -193,39 +189,13 @@ EFI_STATUS HostLoadReplay(EFI_FILE_PROTOCOL *Root, const CHAR16 *Directory) {
       EFI_ERROR(StrCatS(IndexPath, kMaxPathChars, u"\\commands.txt"))) {
     return EFI_INVALID_PARAMETER;
   }
-  UINT8 *Index = nullptr;
-  UINTN Size = 0;
-  EFI_STATUS Status = HostReadFile(Root, IndexPath, kMaxIndexSize, &Index, &Size);
-  if (Status == EFI_NOT_FOUND) {
-    return EFI_SUCCESS;
-  }
-  if (EFI_ERROR(Status)) {
-    return Status;
-  }
   gEntries = static_cast<ReplayEntry *>(
       AllocateZeroPool(kMaxEntries * sizeof(ReplayEntry)));
   if (gEntries == nullptr) {
-    FreePool(Index);
     return EFI_OUT_OF_RESOURCES;
   }
-  const CHAR8 *Text = reinterpret_cast<const CHAR8 *>(Index);
-  UINTN Start = 0;
-  while (Start < Size && !EFI_ERROR(Status)) {
-    UINTN End = Start;
-    while (End < Size && Text[End] != '\n') {
-      End++;
-    }
-    UINTN Length = End - Start;
-    if (Length > 0 && Text[Start + Length - 1] == '\r') {
-      Length--;
-    }
-    if (Length > 0) {
-      Status = AddEntry(Root, Directory, Text + Start, Length);
-    }
-    Start = End + 1;
-  }
-  FreePool(Index);
-  return Status;
+  ReplaySource Source = {Root, Directory};
+  return HostReadFileLines(Root, IndexPath, kMaxIndexSize, AddEntry, &Source);
 }
 
 SHELL_COMMAND_PROTOCOL *HostShellCommand(VOID) { return &gShellCommand; }
