@@ -1,6 +1,8 @@
 // Console output through the system table's ConOut.
 #include "HostConsole.h"
 
+#include <Library/BaseMemoryLib.h>
+#include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 
@@ -9,6 +11,26 @@ namespace {
 // I/O port of QEMU's isa-debug-exit device (iobase=0xf4).
 constexpr UINT16 kDebugExitPort = 0xF4;
 
+constexpr UINTN kMaxHeldBytes = 256 * 1024;
+
+// Console text kept while the console is held.
+struct HeldText {
+  BOOLEAN Holding;
+  CHAR8 *Bytes;
+  UINTN Used;
+  UINTN Dropped;
+};
+
+constinit HeldText gHeld = {};
+
+VOID Keep(const CHAR8 *Text, UINTN Length) {
+  const UINTN Room = gHeld.Bytes == nullptr ? 0 : kMaxHeldBytes - gHeld.Used;
+  const UINTN Kept = Length < Room ? Length : Room;
+  CopyMem(gHeld.Bytes + gHeld.Used, Text, Kept);
+  gHeld.Used += Kept;
+  gHeld.Dropped += Length - Kept;
+}
+
 VOID WritePort8(UINT16 Port, UINT8 Value) {
   __asm__ __volatile__("outb %0, %1" : : "a"(Value), "Nd"(Port));
 }
@@ -16,6 +38,10 @@ VOID WritePort8(UINT16 Port, UINT8 Value) {
 }  // namespace
 
 VOID HostPutAscii(const CHAR8 *Text, UINTN Length) {
+  if (gHeld.Holding) {
+    Keep(Text, Length);
+    return;
+  }
   if (gST == nullptr || gST->ConOut == nullptr) {
     return;
   }
@@ -39,6 +65,29 @@ VOID EFIAPI HostPrint(const CHAR8 *Format, ...) {
   const UINTN Length = AsciiVSPrint(Line, sizeof(Line), Format, Marker);
   VA_END(Marker);
   HostPutAscii(Line, Length);
+}
+
+VOID HostConsoleHold(VOID) {
+  if (gHeld.Holding) {
+    return;
+  }
+  gHeld = {};
+  gHeld.Bytes = static_cast<CHAR8 *>(AllocatePool(kMaxHeldBytes));
+  gHeld.Holding = TRUE;
+}
+
+VOID HostConsoleRelease(VOID) {
+  if (!gHeld.Holding) {
+    return;
+  }
+  const HeldText Held = gHeld;
+  gHeld = {};
+  HostPutAscii(Held.Bytes, Held.Used);
+  FreePool(Held.Bytes);
+  if (Held.Dropped != 0) {
+    HostPrint("raidhost: %d bytes of console output left out while the wizard "
+              "was on screen\n", Held.Dropped);
+  }
 }
 
 VOID HostPowerOff(UINT8 Code) {

@@ -10,6 +10,12 @@ VOID EFIAPI HostPrint(const CHAR8 *Format, ...);
 // Prints ASCII text as it is, line ends included, in pieces of any length.
 VOID HostPutAscii(const CHAR8 *Text, UINTN Length);
 
+// While the text UI owns the screen, console text is kept (up to 256 KiB)
+// instead of printed; HostConsoleRelease prints what was kept, and how much
+// did not fit.
+VOID HostConsoleHold(VOID);
+VOID HostConsoleRelease(VOID);
+
 // Ends QEMU through its isa-debug-exit port (status (Code << 1) | 1), then
 // falls back to a firmware shutdown.
 [[noreturn]] VOID HostPowerOff(UINT8 Code);

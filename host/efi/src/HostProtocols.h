@@ -14,11 +14,8 @@
 
 TARN_SETUP_PROTOCOL *HostSetupProtocol(VOID);
 ESA_GUI_DRIVER_PROTOCOL *HostGuiDriver(VOID);
-// The language GetString asks the firmware's HII string protocol for.
-VOID HostSetLanguage(const CHAR8 *Language);
-// Trace lines printed so far, and instantiated page nodes to release.
+// Trace lines printed so far.
 UINTN HostTraceLineCount(VOID);
-VOID HostReleasePageNodes(VOID);
 // Whether the GUI driver has a module connected.
 BOOLEAN HostGuiConnected(VOID);
 

@@ -1,9 +1,10 @@
 // raidhost.efi: the reference host under real UEFI firmware. It installs
-// the host protocols, loads raidcfg.efi from its own volume with LoadImage
-// and StartImage (so the module's device is that volume), prints the RAID
-// model the module discovered, fetches one of the module's strings back in
-// two languages through the firmware's HII, unloads the module, prints a
-// verdict and powers the machine off.
+// the host protocols with the page framework in the setup protocol, loads
+// raidcfg.efi from its own volume with LoadImage and StartImage (so the
+// module's device is that volume), runs the wizard on the console in the
+// mode chosen, prints the RAID model the module holds, fetches one of the
+// module's strings back in two languages through the firmware's HII,
+// unloads the module, prints a verdict and powers the machine off.
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
@@ -11,7 +12,10 @@
 
 #include "HostConsole.h"
 #include "HostProtocols.h"
+#include "HostRunMode.h"
+#include "HostStrings.h"
 #include "HostVolume.h"
+#include "HostWizard.h"
 #include "ModelJson.h"
 #include "ModuleExports.h"
 #include "ModuleStrings.h"
@@ -22,6 +26,7 @@ namespace {
 constexpr const CHAR16 *kModulePath = u"\\raidcfg.efi";
 constexpr const CHAR16 *kReplayDirectory = u"\\replay";
 constexpr const CHAR16 *kSlotInventoryPath = u"\\slots.txt";
+constexpr const CHAR16 *kConfigPath = u"\\raidhost.cfg";
 // The string fetched back after start-up: the error box's title.
 constexpr EFI_STRING_ID kProbeStringId = 818;
 constexpr const CHAR8 *kProbeLanguages[] = {"en-US", "de-DE"};
@@ -124,7 +129,9 @@ VOID RunModule(EFI_HANDLE ImageHandle, EFI_HANDLE Device, RunResult &Result) {
   }
   Result.Loaded = TRUE;
 
+  HostWizardOpenScreen();
   Status = gBS->StartImage(Module, nullptr, nullptr);
+  HostWizardFinish(!EFI_ERROR(Status));
   HostPrint("raidhost: StartImage: %r (%d trace lines)\n", Status,
             HostTraceLineCount());
   Result.Started = !EFI_ERROR(Status);
@@ -184,6 +191,13 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
               Status, HostSlotCount());
   }
   if (!EFI_ERROR(Status)) {
+    const CHAR8 *Source = nullptr;
+    const HostRunMode Mode = HostChooseRunMode(ImageHandle, Root, kConfigPath, &Source);
+    Status = HostWizardStart(Mode);
+    HostPrint("raidhost: mode %a (%a), page framework: %r\n", HostRunModeName(Mode),
+              Source, Status);
+  }
+  if (!EFI_ERROR(Status)) {
     Status = InstallHostProtocols();
     HostPrint("raidhost: host protocols installed: %r\n", Status);
   }
@@ -191,12 +205,13 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
     RunModule(ImageHandle, Device, Result);
     UninstallHostProtocols();
   }
+  HostWizardStop();
   if (Root != nullptr) {
     Root->Close(Root);
   }
   HostPrint("raidhost: unanswered tool commands: %d\n", HostReplayUnansweredCount());
   TarnXmlFreeAllParsers();
-  HostReleasePageNodes();
+  HostFreeStrings();
   HostFreeReplay();
   HostFreeSlotInventory();
 
