@@ -21,11 +21,13 @@ typedef struct {
   BOOLEAN HasTable;
   UINT64 Value;
   BOOLEAN HasValue;
+  UINT64 Maximum;  // a slider's range, from 0
+  BOOLEAN HasRange;
 } RAID_CONTROL_DATA;
 
 // Controls with values of their own across all pages; more are refused
 // (the control then shows its template text).
-constexpr UINTN kMaxControlData = 64;
+constexpr UINTN kMaxControlData = 160;
 constinit RAID_CONTROL_DATA gControlData[kMaxControlData] = {};
 
 // Texts of the framework-wide buttons, which carry no string id of the
@@ -222,6 +224,16 @@ VOID RaidSetControlValue(HOST_PAGE_NODE *Node, UINT64 Value) {
   MarkText(Node);
 }
 
+VOID RaidSetControlRange(HOST_PAGE_NODE *Node, UINT64 Maximum) {
+  RAID_CONTROL_DATA *Data = DataOf(Node);
+  if (Data == nullptr) {
+    return;
+  }
+  Data->Maximum = Maximum;
+  Data->HasRange = TRUE;
+  MarkText(Node);
+}
+
 UINT64 RaidControlValue(HOST_PAGE_NODE *Node, UINT64 Default) {
   RAID_CONTROL_DATA *Data = FindData(Node);
   return Data != nullptr && Data->HasValue ? Data->Value : Default;
@@ -271,6 +283,10 @@ EFI_STATUS RaidDataSourceGetValue(HOST_PAGE_NODE *Node,
   }
   if (Data->HasValue) {
     Value->Number = Data->Value;
+  }
+  if (Data->HasRange) {
+    Value->Minimum = 0;
+    Value->Maximum = Data->Maximum;
   }
   return EFI_SUCCESS;
 }

@@ -1,12 +1,13 @@
-// Pages 4 and 9: the settings to be created, verified before the creation
-// page starts (page 4 after simple configuration, page 9 after advanced).
-//
-// The entries, the confirmation and the page flow are here; the labels and
-// the verify table are filled with the configuration pages.
+// Pages 4 and 9: the settings to be created (page 4 after simple
+// configuration, page 9 after advanced), the verify table of the planned
+// virtual disks, and the confirmation before the creation page starts.
+#include <Library/BaseLib.h>
+#include <Library/MemoryAllocationLib.h>
 #include <strings/RaidcfgStrings.h>
 
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
+#include "wizard/RaidConfigWizard.h"
 #include "wizard/RaidHostUi.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
@@ -14,6 +15,123 @@
 #include "wizard/RaidWizardPages.h"
 
 namespace {
+
+constexpr UINT32 kSimplePage = RAID_PAGE_SIMPLE_VERIFY;
+constexpr UINT32 kAdvancedPage = RAID_PAGE_ADV_VERIFY;
+constexpr UINT32 kOffset = RAID_NODE_ADV_VERIFY_OFFSET;
+constexpr UINTN kSizeTextLength = 40;
+// Sizes above this many GB are beyond what an MBR partition table reaches.
+constexpr UINT32 kMbrLimitGb = 2252;
+
+// The verify table's fixed row titles.
+constexpr const CHAR16 *kRowTitles[] = {
+    u"Virtual Disk Name", u"Capacity",  u"Stripe Size",      u"Read Policy",
+    u"Write Policy",      u"IO Policy", u"Disk Cache Policy"};
+constexpr UINT32 kRows = sizeof(kRowTitles) / sizeof(kRowTitles[0]);
+
+BOOLEAN SetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
+                    CHAR16 *Text) {
+  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
+  if (Cell == nullptr || Text == nullptr) {
+    FreePool(Text);
+    return FALSE;
+  }
+  Cell->Text = Text;
+  return TRUE;
+}
+
+// The seven rows of one planned record in column Column.
+VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
+                      const RAID_VOLUME_PARAMETER *Record) {
+  SetCellText(Table, 0, Column, AllocString(Record->Name));
+  CHAR16 Size[kSizeTextLength] = {};
+  RaidFormatSizeText(Size, sizeof(Size), Record->Size / 1000,
+                     Record->Size % 1000, RAID_VOLUME_SIZE_UNIT);
+  SetCellText(Table, 1, Column, AllocString(Size));
+  SetCellText(Table, 2, Column,
+              AllocString(RaidStripeSizeWord(Record->StripeSize)));
+  SetCellText(Table, 3, Column,
+              AllocString(RaidReadPolicyWord(Record->ReadPolicy)));
+  SetCellText(Table, 4, Column,
+              AllocString(RaidWritePolicyWord(Record->WritePolicy)));
+  SetCellText(Table, 5, Column, AllocString(RaidIoPolicyWord(Record->IoPolicy)));
+  SetCellText(Table, 6, Column,
+              AllocString(RaidDiskCachePolicyWord(Record->DiskCachePolicy)));
+}
+
+// The table: the row titles, then one column per planned record.
+BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
+  UINT32 Records = 0;
+  for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
+       Record != nullptr; Record = Record->Next) {
+    Records++;
+  }
+  if (Records == 0 || !RaidAllocTable(Table, kRows, Records + 1, 0)) {
+    return FALSE;
+  }
+  for (UINT32 Row = 0; Row < kRows; Row++) {
+    SetCellText(Table, Row, 0, AllocString(kRowTitles[Row]));
+  }
+  UINT32 Column = 1;
+  for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
+       Record != nullptr && Column <= Records; Record = Record->Next) {
+    FillRecordColumn(Table, Column++, Record);
+  }
+  return TRUE;
+}
+
+UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
+  UINT32 Count = 0;
+  while (Record->SpareList != nullptr &&
+         Record->SpareList[Count] != RAID_DRIVE_LIST_END) {
+    Count++;
+  }
+  return Count;
+}
+
+// Page 9's labels: level, drives and spares of the array, the capacities.
+VOID RAIDGetVolumeDataDynamicaly() {
+  UINT32 Level = 0;
+  UINT32 Drives = 0;
+  UINT32 Spares = 0;
+  RAID_ARRAY *Array = RaidSelectedArray();
+  RAID_VOLUME_PARAMETER *First = RaidVolumeParameterQueue();
+  if (gRaidAdvancedMode == 1 && Array != nullptr) {
+    Level = Array->RaidLevel;
+    Drives = Array->MemberDriveCount;
+    Spares = Array->DedicatedSpareCount;
+  } else if (First != nullptr) {
+    Level = First->RaidLevel;
+    Drives = First->DriveCount;
+    Spares = SpareCount(First);
+  }
+  gRaidAllocatedCapacity = AllocatedCapacity();
+  RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_LEVEL + kOffset,
+               RaidFormatNumberText(STR_RAID_LEVEL_VALUE, Level));
+  RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_DRIVES + kOffset,
+               RaidFormatNumberText(STR_DISK_DRIVES_COUNT, Drives));
+  RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_SPARES + kOffset,
+               RaidFormatNumberText(STR_DEDICATED_HOT_SPARES_COUNT, Spares));
+  RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_ALLOCATED + kOffset,
+               RaidFormatNumberText(STR_ALLOCATED_CAPACITY_GB,
+                                    static_cast<UINT32>(gRaidAllocatedCapacity)));
+  const CHAR16 *Format = RaidString(STR_FREE_CAPACITY_GB);
+  const UINT64 Left = gRaidTotalCapacity > gRaidAllocatedCapacity
+                          ? gRaidTotalCapacity - gRaidAllocatedCapacity
+                          : 0;
+  RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_FREE + kOffset,
+               RaidFormatText(StrLen(Format) + 25, Format, Left));
+  // A disk beyond the MBR limit is looked for, but the warning stays
+  // hidden either way.
+  for (RAID_VOLUME_PARAMETER *Record = First; Record != nullptr;
+       Record = Record->Next) {
+    if (static_cast<UINT32>(Record->Size) / 1000 > kMbrLimitGb) {
+      break;
+    }
+  }
+  RaidHideControl(kAdvancedPage, RAID_NODE_VERIFY_MBR_WARNING + kOffset);
+  RaidHideControl(kAdvancedPage, RAID_NODE_VERIFY_UNEQUAL_WARNING + kOffset);
+}
 
 // Asks whether to create the planned virtual disks.
 BOOLEAN ConfirmCreation() {
@@ -26,7 +144,7 @@ RAID_CONTROL_CALLBACK(_RaidVerifySummaryNextButtonCallback) {
   (void)Node;
   (void)Event;
   if (!ConfirmCreation()) {
-    RaidShowPage(RAID_PAGE_SIMPLE_VERIFY, 0);
+    RaidShowPage(kSimplePage, 0);
     return EFI_SUCCESS;
   }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Set the volume capacity to 0\n");
@@ -43,7 +161,7 @@ RAID_CONTROL_CALLBACK(RaidAdvSummaryNextCallback) {
   (void)Node;
   (void)Event;
   if (!ConfirmCreation()) {
-    RaidShowPage(RAID_PAGE_ADV_VERIFY, 0);
+    RaidShowPage(kAdvancedPage, 0);
     return EFI_SUCCESS;
   }
   InitRaidCreateVolProcessPage();
@@ -75,21 +193,39 @@ constexpr HOST_CONTROL_DESCRIPTOR kAdvancedCommon[] = {
 
 }  // namespace
 
+VOID ShowTable5(UINT32 Page) {
+  const UINT32 NodeId = RAID_NODE_VERIFY_TABLE +
+                        (Page == kAdvancedPage ? kOffset : 0);
+  HOST_PAGE_NODE *Node = RaidFindNode(Page, NodeId);
+  if (Node == nullptr) {
+    return;
+  }
+  RaidClearControlTable(Node);
+  RAID_TABLE_DATA Table;
+  if (GetRaidSummaryPageTableData(&Table)) {
+    RaidSetControlTable(Node, &Table);
+  }
+}
+
 VOID InitRaidVerifySummaryPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
-  gRaidCurrentPage = RAID_PAGE_SIMPLE_VERIFY;
-  if (RaidPageRoot(RAID_PAGE_SIMPLE_VERIFY) == nullptr) {
+  gRaidCurrentPage = kSimplePage;
+  if (RaidPageRoot(kSimplePage) == nullptr) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] verify page will be created\n");
-    RaidInstantiatePage(RAID_PAGE_SIMPLE_VERIFY);
+    RaidInstantiatePage(kSimplePage);
   }
-  RaidShowPage(RAID_PAGE_SIMPLE_VERIFY, RAID_NODE_NEXT);
+  RaidShowPage(kSimplePage, RAID_NODE_NEXT);
 }
 
 VOID InitRaidAdvSummaryPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
-  gRaidCurrentPage = RAID_PAGE_ADV_VERIFY;
-  RaidInstantiatePage(RAID_PAGE_ADV_VERIFY);
-  RaidShowPage(RAID_PAGE_ADV_VERIFY, RAID_NODE_NEXT);
+  gRaidCurrentPage = kAdvancedPage;
+  if (RaidPageRoot(kAdvancedPage) == nullptr) {
+    RaidInstantiatePage(kAdvancedPage);
+    ShowTable5(kAdvancedPage);
+  }
+  RAIDGetVolumeDataDynamicaly();
+  RaidShowPage(kAdvancedPage, RAID_NODE_NEXT);
 }
 
 constinit const RAID_PAGE_CONTROLS gRaidSimpleVerifyControls = {

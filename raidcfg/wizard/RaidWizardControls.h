@@ -87,6 +87,8 @@ RAID_TABLE_DATA *RaidControlTable(HOST_PAGE_NODE *Node);
 // A value the wizard binds to the control (radio group, combo box, selected
 // table row); the host reads it back and hands changes to it.
 VOID RaidSetControlValue(HOST_PAGE_NODE *Node, UINT64 Value);
+// A slider's range, 0 to Maximum; refresh mark 4.
+VOID RaidSetControlRange(HOST_PAGE_NODE *Node, UINT64 Maximum);
 // The bound value, or Default when none is bound.
 UINT64 RaidControlValue(HOST_PAGE_NODE *Node, UINT64 Default);
 // Drops what the wizard keeps for the nodes of the subtree of Root.

@@ -10,6 +10,7 @@
 
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
+#include "wizard/RaidConfigWizard.h"
 #include "wizard/RaidHostUi.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
@@ -404,6 +405,7 @@ VOID FreeRaidStaticPageNodes(HOST_PAGE_NODE **Root,
 // Frees every page tree; page 12 shares page 1's and is never freed on its
 // own.
 VOID RaidFreeWizardPages() {
+  RaidFreeConfigWizardState();
   for (UINT32 Page = RAID_PAGE_CONTROLLER_SELECTION; Page <= RAID_PAGE_COUNT;
        Page++) {
     if (Page != RAID_PAGE_NO_ADAPTER && gRaidPageRoots[Page] != nullptr) {
