@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Checks the serial log of raidhost.efi's OVMF run (run-ovmf-test.sh).
+"""Checks the serial logs of raidhost.efi's OVMF runs (run-ovmf-test.sh).
 
 Each check prints PASS or FAIL with what it looked for; the exit status is
 0 when all passed. With --raidcfg-host the model printed under OVMF is
 compared with `raidcfg-host --dump-model` for the same scenario and replay.
+With --screen-log the screen the text UI drew in the screen mode is rebuilt
+from the terminal output and checked for the wizard's first page.
 """
 import argparse
 import json
@@ -20,6 +22,7 @@ EXPECTED_ADAPTERS = [
      "name": "MegaRAID SAS 9260-8i", "slot": 7},
 ]
 PROBE_STRINGS = {"en-US": "Error", "de-DE": "Fehler"}
+FIRST_PAGE_TITLE = "RAID Setup - Select RAID Adapter"
 # Fields that differ between the emulated machine and a simulated one by
 # nature: where the functions sit and which slot they are in.
 LOCATION_FIELDS = {"Bus", "Device", "Function", "SlotNumber"}
@@ -38,6 +41,116 @@ class Checks:
             self.failed += 1
             print(f"FAIL: {what}" + (f": {detail}" if detail else ""))
         return ok
+
+
+class Terminal:
+    """The part of a VT100 terminal that OVMF's console output needs: cursor
+    moves, erasing, text; attributes are ignored. Snapshots keeps the screen
+    as it was before each erase of the whole screen."""
+
+    def __init__(self):
+        self.cells = {}
+        self.row = self.column = 0
+        self.snapshots = []
+
+    def text(self):
+        if not self.cells:
+            return ""
+        rows = max(r for r, _ in self.cells) + 1
+        lines = []
+        for r in range(rows):
+            width = max((c for rr, c in self.cells if rr == r), default=-1) + 1
+            lines.append("".join(self.cells.get((r, c), " ") for c in range(width)).rstrip())
+        return "\n".join(lines).rstrip("\n") + "\n"
+
+    def clear(self):
+        if self.cells:
+            self.snapshots.append(self.text())
+        self.cells = {}
+
+    def feed(self, data):
+        for match in re.finditer(r"\x1b\[([0-9;?]*)([A-Za-z])|\x1b[()][0-9A-Za-z]|\x1b.|([^\x1b])",
+                                 data, re.S):
+            if match.group(3) is not None:
+                self.put(match.group(3))
+            elif match.group(2) == "H":
+                numbers = [int(n) if n else 1 for n in match.group(1).split(";")] + [1, 1]
+                self.row, self.column = numbers[0] - 1, numbers[1] - 1
+            elif match.group(2) == "J" and match.group(1) == "2":
+                self.clear()
+
+    def put(self, char):
+        if char == "\r":
+            self.column = 0
+        elif char == "\n":
+            self.row += 1
+        elif char >= " ":
+            self.cells[(self.row, self.column)] = char
+            self.column += 1
+
+
+def screen_from_log(raw):
+    """The screen the text UI left when it cleared the console on closing
+    (the last erase between the marker lines; the host's held-back lines
+    follow it)."""
+    match = re.search(r"RAIDHOST-SCREEN-BEGIN\r?\n(.*?)RAIDHOST-SCREEN-END", raw, re.S)
+    if not match:
+        return None
+    terminal = Terminal()
+    terminal.feed(match.group(1))
+    return terminal.snapshots[-1] if terminal.snapshots else ""
+
+
+def read_screen_run(c, name, path):
+    """The log of a boot that drew the text UI, without escapes, and the
+    screen it left; checks that the configuration chose the mode."""
+    with open(path, encoding="cp437") as f:
+        raw = f.read()
+    log = re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", raw).replace("\r", "")
+    c.check(f"raidhost: mode {name} (configuration file)" in log,
+            f"{name} boot: \\raidhost.cfg chose the {name} mode")
+    screen = screen_from_log(raw)
+    if not c.check(screen is not None, f"{name} boot: the text UI drew between the marker lines"):
+        screen = ""
+    return log, screen
+
+
+def check_ended(c, name, log, qemu_status):
+    c.check("RAIDHOST-VERDICT: PASS" in log and qemu_status == 1,
+            f"{name} boot: raidhost's verdict PASS and QEMU ended through isa-debug-exit",
+            f"QEMU status {qemu_status}")
+
+
+def check_screen_run(c, args):
+    log, screen = read_screen_run(c, "screen", args.screen_log)
+    with open(f"{args.out}/screen.txt", "w") as f:
+        f.write(screen)
+    c.check(FIRST_PAGE_TITLE in screen,
+            f"screen boot: the screen shows page 1's title \"{FIRST_PAGE_TITLE}\"",
+            f"screen in {args.out}/screen.txt")
+    for adapter in EXPECTED_ADAPTERS:
+        c.check(adapter["name"] in screen,
+                f"screen boot: the screen lists {adapter['device']} as \"{adapter['name']}\"")
+    c.check(f'"{FIRST_PAGE_TITLE}"' in log and "raidhost: wizard page shown: node" in log,
+            "screen boot: the framework's current page is page 1")
+    check_ended(c, "screen", log, args.screen_qemu_status)
+
+
+def check_interactive_run(c, args):
+    """Keys typed on the serial line: Down, Enter (the second adapter is
+    chosen and its status shown), Esc (the operator leaves)."""
+    log, screen = read_screen_run(c, "interactive", args.interactive_log)
+    with open(f"{args.out}/interactive-screen.txt", "w") as f:
+        f.write(screen)
+    chosen = EXPECTED_ADAPTERS[1]
+    c.check(FIRST_PAGE_TITLE in screen and f"(*) {chosen['name']}" in screen,
+            f"interactive boot: Down and Enter on the serial line chose {chosen['name']}",
+            f"screen in {args.out}/interactive-screen.txt")
+    c.check("Serial Number: QEMU0002" in screen,
+            "interactive boot: page 1 shows the chosen adapter's serial number QEMU0002")
+    c.check("raidhost: wizard page shown: node" in log and "RAIDHOST-MODEL-BEGIN" in log,
+            "interactive boot: Esc left the wizard, the model was printed after it")
+    check_ended(c, "interactive", log, args.interactive_qemu_status)
 
 
 def model_from_log(log):
@@ -90,6 +203,10 @@ def main():
     parser.add_argument("--raidcfg-host")
     parser.add_argument("--scenario", required=True)
     parser.add_argument("--replay", required=True)
+    parser.add_argument("--screen-log")
+    parser.add_argument("--screen-qemu-status", type=int)
+    parser.add_argument("--interactive-log")
+    parser.add_argument("--interactive-qemu-status", type=int)
     args = parser.parse_args()
 
     with open(args.log, encoding="ascii", errors="replace") as f:
@@ -99,7 +216,11 @@ def main():
     c.check("raidhost: start" in log, "raidhost.efi booted as \\EFI\\BOOT\\BOOTX64.EFI")
     c.check(re.search(r"raidhost: LoadImage \\raidcfg\.efi: Success", log) is not None,
             "LoadImage of raidcfg.efi by device path on the boot volume")
+    c.check("raidhost: mode dump (configuration file)" in log,
+            "\\raidhost.cfg chose the dump mode")
     c.check("raidhost: StartImage: Success" in log, "StartImage ran the module's start-up")
+    c.check(f'raidhost: wizard page shown: node' in log and f'"{FIRST_PAGE_TITLE}"' in log,
+            f"the module showed page 1 \"{FIRST_PAGE_TITLE}\" through the page framework")
     for adapter in EXPECTED_ADAPTERS:
         bus, dev, func = adapter["location"]
         line = f"Pci bus(RAID): 0x{bus:X}, Dev: 0x{dev:X}, Func: 0x{func:X}"
@@ -160,6 +281,11 @@ def main():
                     "(apart from PCI locations and slots)", diff or "no controllers")
     else:
         print("SKIP: model comparison (raidcfg-host is not built)")
+
+    if args.screen_log:
+        check_screen_run(c, args)
+    if args.interactive_log:
+        check_interactive_run(c, args)
 
     print(f"{c.passed} passed, {c.failed} failed")
     return 0 if c.failed == 0 else 1

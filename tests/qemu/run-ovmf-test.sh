@@ -1,12 +1,16 @@
 #!/usr/bin/env bash
 # Boots OVMF in QEMU with two emulated MegaRAID adapters and raidhost.efi
-# as the boot loader, and checks from the serial log that raidcfg.efi ran
-# under real firmware: it found the adapters through PCI I/O with QEMU's
-# ids, named them from pcidb.xml read through the firmware's file system,
-# took the slot of one from an SMBIOS type 9 record, read their
-# configuration from the replay, registered its strings and unloaded.
-# Last, the model printed under OVMF is compared with the native host's
-# model for the same scenario and replay.
+# as the boot loader, twice. The first boot (\raidhost.cfg: mode=dump)
+# checks from the serial log that raidcfg.efi ran under real firmware: it
+# found the adapters through PCI I/O with QEMU's ids, named them from
+# pcidb.xml read through the firmware's file system, took the slot of one
+# from an SMBIOS type 9 record, read their configuration from the replay,
+# registered its strings, built its first page in the page framework and
+# unloaded; the model printed under OVMF is compared with the native host's
+# model for the same scenario and replay. The second boot (mode=screen)
+# draws the wizard's first page once with the text UI on the UEFI console;
+# the screen is rebuilt from the serial line's terminal output and must
+# show the page's title and both adapters.
 #
 # Usage: run-ovmf-test.sh EFI_BUILD_DIR [NATIVE_BUILD_DIR] [OUTPUT_DIR]
 # Exit status: 0 passed, 1 failed, 77 skipped (a tool or image missing).
@@ -17,7 +21,7 @@ root=$(cd "$here/../.." && pwd)
 efi_dir=${1:?usage: run-ovmf-test.sh EFI_BUILD_DIR [NATIVE_BUILD_DIR] [OUTPUT_DIR]}
 native_dir=${2:-$root/build/native}
 out=${3:-$root/build/qemu}
-boot_seconds=100
+boot_seconds=30
 
 ovmf_code=/usr/share/OVMF/OVMF_CODE_4M.fd
 ovmf_vars=/usr/share/OVMF/OVMF_VARS_4M.fd
@@ -56,7 +60,7 @@ fi
 printf '\x09\x11\x00\x09\x01\xa5\x0a\x04\x04\x07\x00\x0c\x01\x00\x00\x01\x00PCIe Slot 7\x00\x00' \
   >"$out/slot9.bin"
 
-# The boot volume.
+# The boot volume, without raidhost.cfg.
 esp=$out/esp.img
 mkfs.vfat -C "$esp" 16384 >/dev/null
 export MTOOLS_SKIP_CHECK=1
@@ -65,32 +69,62 @@ mcopy -i "$esp" "$efi_dir/raidhost.efi" ::/EFI/BOOT/BOOTX64.EFI
 mcopy -i "$esp" "$efi_dir/raidcfg.efi" "$root/raidcfg/data/pcidb.xml" \
   "$root/raidcfg/data/raid.xml" ::/
 mcopy -i "$esp" "$replay"/* ::/replay/
-cp "$ovmf_vars" "$out/vars.fd"
+
+# boot MODE SERIAL_LOG [KEY...]: one boot with \raidhost.cfg choosing MODE;
+# with KEYs, the serial line is a terminal that types them once page 1 is
+# on screen. QEMU's exit status in qemu_status.
+boot() {
+  local mode=$1 serial=$2
+  shift 2
+  local volume=$out/esp-$mode.img
+  cp "$esp" "$volume"
+  printf 'mode=%s\r\n' "$mode" >"$out/raidhost-$mode.cfg"
+  mcopy -i "$volume" "$out/raidhost-$mode.cfg" ::/raidhost.cfg
+  cp "$ovmf_vars" "$out/vars-$mode.fd"
+  local machine=(
+    -machine q35 -accel tcg -m 256 -display none -monitor none -nic none -no-reboot
+    -drive if=pflash,format=raw,unit=0,readonly=on,file="$ovmf_code"
+    -drive if=pflash,format=raw,unit=1,file="$out/vars-$mode.fd"
+    -drive format=raw,file="$volume",if=none,id=esp -device virtio-blk-pci,drive=esp,addr=0x3
+    -device megasas,addr=0x5
+    -device pcie-root-port,id=rp1,bus=pcie.0,chassis=1,addr=0x6
+    -device megasas-gen2,bus=rp1,addr=0x0
+    -smbios file="$out/slot9.bin"
+    -device isa-debug-exit,iobase=0xf4,iosize=0x04)
+  echo "booting OVMF, mode $mode (at most ${boot_seconds}s); serial log: $serial"
+  if (($# == 0)); then
+    timeout --kill-after=5 "$boot_seconds" qemu-system-x86_64 "${machine[@]}" \
+      -serial "file:$serial"
+  else
+    timeout --kill-after=5 $((boot_seconds + 5)) python3 "$here/type_on_serial.py" \
+      --log "$serial" --seconds "$boot_seconds" --after RAIDHOST-SCREEN-BEGIN \
+      --wait-for "Select RAID Adapter" --keys "$@" -- qemu-system-x86_64 "${machine[@]}"
+  fi
+  qemu_status=$?
+  echo "QEMU exit status: $qemu_status (1 is raidhost's PASS, 3 its FAIL, 124 the timeout)"
+}
 
 serial=$out/serial.log
-echo "booting OVMF (at most ${boot_seconds}s); serial log: $serial"
-timeout --kill-after=5 "$boot_seconds" qemu-system-x86_64 \
-  -machine q35 -accel tcg -m 256 -display none -monitor none -nic none -no-reboot \
-  -serial "file:$serial" \
-  -drive if=pflash,format=raw,unit=0,readonly=on,file="$ovmf_code" \
-  -drive if=pflash,format=raw,unit=1,file="$out/vars.fd" \
-  -drive format=raw,file="$esp",if=none,id=esp -device virtio-blk-pci,drive=esp,addr=0x3 \
-  -device megasas,addr=0x5 \
-  -device pcie-root-port,id=rp1,bus=pcie.0,chassis=1,addr=0x6 \
-  -device megasas-gen2,bus=rp1,addr=0x0 \
-  -smbios file="$out/slot9.bin" \
-  -device isa-debug-exit,iobase=0xf4,iosize=0x04
-qemu_status=$?
-echo "QEMU exit status: $qemu_status (1 is raidhost's PASS, 3 its FAIL, 124 the timeout)"
+boot dump "$serial"
+dump_status=$qemu_status
+screen_serial=$out/screen-serial.log
+boot screen "$screen_serial"
+screen_status=$qemu_status
+# The operator: Down to the second adapter, Enter to choose it, Esc to leave.
+interactive_serial=$out/interactive-serial.log
+boot interactive "$interactive_serial" '\x1b[B' '\r' '\x1b'
+interactive_status=$qemu_status
 
-# The log without terminal escapes and carriage returns.
+# The dump's log without terminal escapes and carriage returns.
 log=$out/serial.txt
 sed -e 's/\x1b\[[0-9;?]*[A-Za-z]//g' -e 's/\r//g' "$serial" >"$log" 2>/dev/null || : >"$log"
 
 compare=()
 [[ -x "$raidcfg_host" ]] && compare=(--raidcfg-host "$raidcfg_host")
-python3 "$here/check_serial_log.py" --log "$log" --qemu-status "$qemu_status" \
+python3 "$here/check_serial_log.py" --log "$log" --qemu-status "$dump_status" \
+  --screen-log "$screen_serial" --screen-qemu-status "$screen_status" \
+  --interactive-log "$interactive_serial" --interactive-qemu-status "$interactive_status" \
   --out "$out" "${compare[@]}" --scenario "$scenario" --replay "$replay"
 status=$?
-echo "serial log: $serial"
+echo "serial logs: $serial, $screen_serial, $interactive_serial"
 exit $status
