@@ -2,16 +2,13 @@
 // unsigned values.
 #include <Library/BaseLib.h>
 
+#include "CharString.h"
+
+namespace text = uefi::detail;
+
 // Bytes before the terminator; 0 for NULL.
 UINTN AsciiStrLen(const CHAR8 *String) {
-  if (String == nullptr) {
-    return 0;
-  }
-  UINTN Length = 0;
-  while (String[Length] != 0) {
-    Length++;
-  }
-  return Length;
+  return text::StringLength(String, ~static_cast<UINTN>(0));
 }
 
 // Compares two strings byte by byte.
@@ -21,38 +18,13 @@ INTN AsciiStrCmp(const CHAR8 *First, const CHAR8 *Second) {
 
 // Compares at most Length bytes of two strings.
 INTN AsciiStrnCmp(const CHAR8 *First, const CHAR8 *Second, UINTN Length) {
-  const UINT8 *Left =
-      reinterpret_cast<const UINT8 *>(First != nullptr ? First : "");
-  const UINT8 *Right =
-      reinterpret_cast<const UINT8 *>(Second != nullptr ? Second : "");
-  for (UINTN Index = 0; Index < Length; Index++) {
-    if (Left[Index] != Right[Index] || Left[Index] == 0) {
-      return static_cast<INTN>(Left[Index]) - static_cast<INTN>(Right[Index]);
-    }
-  }
-  return 0;
+  return text::CompareStrings(First, Second, Length);
 }
 
 // First occurrence of SearchString inside String, or NULL.
 CHAR8 *AsciiStrStr(const CHAR8 *String, const CHAR8 *SearchString) {
-  if (String == nullptr || SearchString == nullptr) {
-    return nullptr;
-  }
-  UINTN SearchLength = AsciiStrLen(SearchString);
-  for (const CHAR8 *Start = String;; Start++) {
-    if (AsciiStrnCmp(Start, SearchString, SearchLength) == 0) {
-      return const_cast<CHAR8 *>(Start);
-    }
-    if (*Start == 0) {
-      return nullptr;
-    }
-  }
+  return text::FindString(String, SearchString);
 }
 
 // Upper case of 'a'..'z'.
-CHAR8 AsciiCharToUpper(CHAR8 Char) {
-  if (Char >= 'a' && Char <= 'z') {
-    return static_cast<CHAR8>(Char - ('a' - 'A'));
-  }
-  return Char;
-}
+CHAR8 AsciiCharToUpper(CHAR8 Char) { return text::ToUpper(Char); }

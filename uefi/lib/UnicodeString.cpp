@@ -1,6 +1,10 @@
 // CHAR16 string functions. NULL strings read as empty ones.
 #include <Library/BaseLib.h>
 
+#include "CharString.h"
+
+namespace text = uefi::detail;
+
 namespace {
 
 // True when the CHAR16 ranges [A, A + ACount) and [B, B + BCount) share
@@ -13,26 +17,12 @@ bool Overlaps(const CHAR16 *A, UINTN ACount, const CHAR16 *B, UINTN BCount) {
 
 // Characters before the terminator; 0 for NULL.
 UINTN StrLen(const CHAR16 *String) {
-  if (String == nullptr) {
-    return 0;
-  }
-  UINTN Length = 0;
-  while (String[Length] != 0) {
-    Length++;
-  }
-  return Length;
+  return text::StringLength(String, ~static_cast<UINTN>(0));
 }
 
 // Characters before the terminator, at most MaxSize.
 UINTN StrnLenS(const CHAR16 *String, UINTN MaxSize) {
-  if (String == nullptr) {
-    return 0;
-  }
-  UINTN Length = 0;
-  while (Length < MaxSize && String[Length] != 0) {
-    Length++;
-  }
-  return Length;
+  return text::StringLength(String, MaxSize);
 }
 
 // Bytes of the string with its terminator; 0 for NULL.
@@ -50,30 +40,12 @@ INTN StrCmp(const CHAR16 *First, const CHAR16 *Second) {
 
 // Compares at most Length characters of two strings.
 INTN StrnCmp(const CHAR16 *First, const CHAR16 *Second, UINTN Length) {
-  const CHAR16 *Left = First != nullptr ? First : u"";
-  const CHAR16 *Right = Second != nullptr ? Second : u"";
-  for (UINTN Index = 0; Index < Length; Index++) {
-    if (Left[Index] != Right[Index] || Left[Index] == 0) {
-      return static_cast<INTN>(Left[Index]) - static_cast<INTN>(Right[Index]);
-    }
-  }
-  return 0;
+  return text::CompareStrings(First, Second, Length);
 }
 
 // First occurrence of SearchString inside String, or NULL.
 CHAR16 *StrStr(const CHAR16 *String, const CHAR16 *SearchString) {
-  if (String == nullptr || SearchString == nullptr) {
-    return nullptr;
-  }
-  UINTN SearchLength = StrLen(SearchString);
-  for (const CHAR16 *Start = String;; Start++) {
-    if (StrnCmp(Start, SearchString, SearchLength) == 0) {
-      return const_cast<CHAR16 *>(Start);
-    }
-    if (*Start == 0) {
-      return nullptr;
-    }
-  }
+  return text::FindString(String, SearchString);
 }
 
 // Copies Source into Destination of DestMax characters.
@@ -120,9 +92,4 @@ EFI_STATUS StrCatS(CHAR16 *Destination, UINTN DestMax, const CHAR16 *Source) {
 }
 
 // Upper case of 'a'..'z'.
-CHAR16 CharToUpper(CHAR16 Char) {
-  if (Char >= u'a' && Char <= u'z') {
-    return static_cast<CHAR16>(Char - (u'a' - u'A'));
-  }
-  return Char;
-}
+CHAR16 CharToUpper(CHAR16 Char) { return text::ToUpper(Char); }
