@@ -34,6 +34,17 @@ class JsonText {
     Append(Digits, AsciiSPrint(Digits, sizeof(Digits), "%lu", Value));
   }
 
+  // A member with a number or a CHAR16 string (null for NULL) as its value.
+  VOID Field(const CHAR8 *Name, UINT64 Value) {
+    Key(Name);
+    Number(Value);
+  }
+
+  VOID Field(const CHAR8 *Name, const CHAR16 *Value) {
+    Key(Name);
+    Text(Value);
+  }
+
   VOID Null() {
     Value_();
     Raw("null");
@@ -163,14 +174,14 @@ VOID List(JsonText &Json, LIST_ENTRY &Head, WriteOne Write) {
 
 VOID Drive(JsonText &J, const RAID_PHYSICAL_DRIVE &D) {
   J.Open("{");
-  J.Key("Id"), J.Number(D.Id);
-  J.Key("Location"), J.Text(D.Location);
-  J.Key("Model"), J.Text(D.Model);
-  J.Key("MediaType"), J.Number(D.MediaType);
-  J.Key("State"), J.Number(D.State);
-  J.Key("SizeFigure"), J.Number(D.SizeFigure);
-  J.Key("SizeUnit"), J.Number(D.SizeUnit);
-  J.Key("Role"), J.Number(D.Role);
+  J.Field("Id", D.Id);
+  J.Field("Location", D.Location);
+  J.Field("Model", D.Model);
+  J.Field("MediaType", D.MediaType);
+  J.Field("State", D.State);
+  J.Field("SizeFigure", D.SizeFigure);
+  J.Field("SizeUnit", D.SizeUnit);
+  J.Field("Role", D.Role);
   J.Key("Position");
   if (D.Position == nullptr) {
     J.Null();
@@ -185,33 +196,33 @@ VOID Drive(JsonText &J, const RAID_PHYSICAL_DRIVE &D) {
 
 VOID Segment(JsonText &J, const RAID_VOLUME &S) {
   J.Open("{");
-  J.Key("Id"), J.Number(S.Id);
-  J.Key("Name"), J.Text(S.Name);
-  J.Key("IsVolume"), J.Number(S.IsVolume);
-  J.Key("SizeFigure"), J.Number(S.SizeFigure);
-  J.Key("SizeUnit"), J.Number(S.SizeUnit);
-  J.Key("State"), J.Number(S.State);
-  J.Key("StripeSize"), J.Number(S.StripeSize);
-  J.Key("ReadPolicy"), J.Number(S.ReadPolicy);
-  J.Key("WritePolicy"), J.Number(S.WritePolicy);
-  J.Key("IoPolicy"), J.Number(S.IoPolicy);
-  J.Key("DiskCachePolicy"), J.Number(S.DiskCachePolicy);
+  J.Field("Id", S.Id);
+  J.Field("Name", S.Name);
+  J.Field("IsVolume", S.IsVolume);
+  J.Field("SizeFigure", S.SizeFigure);
+  J.Field("SizeUnit", S.SizeUnit);
+  J.Field("State", S.State);
+  J.Field("StripeSize", S.StripeSize);
+  J.Field("ReadPolicy", S.ReadPolicy);
+  J.Field("WritePolicy", S.WritePolicy);
+  J.Field("IoPolicy", S.IoPolicy);
+  J.Field("DiskCachePolicy", S.DiskCachePolicy);
   J.Close("}");
 }
 
 VOID Array(JsonText &J, RAID_ARRAY &A) {
   J.Open("{");
-  J.Key("Id"), J.Number(A.Id);
-  J.Key("Name"), J.Text(A.Name);
-  J.Key("RaidLevel"), J.Number(A.RaidLevel);
-  J.Key("SizeFigure"), J.Number(A.SizeFigure);
-  J.Key("SizeUnit"), J.Number(A.SizeUnit);
-  J.Key("FreeCapacity"), J.Number(A.FreeCapacity);
-  J.Key("FreeCapacityUnit"), J.Number(A.FreeCapacityUnit);
-  J.Key("MemberDriveCount"), J.Number(A.MemberDriveCount);
-  J.Key("DedicatedSpareCount"), J.Number(A.DedicatedSpareCount);
-  J.Key("VolumeCount"), J.Number(A.VolumeCount);
-  J.Key("FreeSegmentCount"), J.Number(A.FreeSegmentCount);
+  J.Field("Id", A.Id);
+  J.Field("Name", A.Name);
+  J.Field("RaidLevel", A.RaidLevel);
+  J.Field("SizeFigure", A.SizeFigure);
+  J.Field("SizeUnit", A.SizeUnit);
+  J.Field("FreeCapacity", A.FreeCapacity);
+  J.Field("FreeCapacityUnit", A.FreeCapacityUnit);
+  J.Field("MemberDriveCount", A.MemberDriveCount);
+  J.Field("DedicatedSpareCount", A.DedicatedSpareCount);
+  J.Field("VolumeCount", A.VolumeCount);
+  J.Field("FreeSegmentCount", A.FreeSegmentCount);
   J.Key("Drives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, A.DriveList, Drive);
   J.Key("Segments"), List<&RAID_VOLUME::Link>(J, A.SegmentList, Segment);
   J.Close("}");
@@ -219,20 +230,20 @@ VOID Array(JsonText &J, RAID_ARRAY &A) {
 
 VOID Level(JsonText &J, const RAID_LEVEL_CAP &L) {
   J.Open("{");
-  J.Key("Name"), J.Text(L.Name);
-  J.Key("Level"), J.Number(L.Level);
-  J.Key("IsDefault"), J.Number(L.IsDefault);
-  J.Key("MinPhysicalDrives"), J.Number(L.MinPhysicalDrives);
-  J.Key("MaxPhysicalDrives"), J.Number(L.MaxPhysicalDrives);
-  J.Key("MaxLogicalDrives"), J.Number(L.MaxLogicalDrives);
+  J.Field("Name", L.Name);
+  J.Field("Level", L.Level);
+  J.Field("IsDefault", L.IsDefault);
+  J.Field("MinPhysicalDrives", L.MinPhysicalDrives);
+  J.Field("MaxPhysicalDrives", L.MaxPhysicalDrives);
+  J.Field("MaxLogicalDrives", L.MaxLogicalDrives);
   J.Close("}");
 }
 
 VOID Policy(JsonText &J, const RAID_POLICY_ENTRY &P) {
   J.Open("{");
-  J.Key("Name"), J.Text(P.Name);
-  J.Key("Value"), J.Number(P.Value);
-  J.Key("IsDefault"), J.Number(P.IsDefault);
+  J.Field("Name", P.Name);
+  J.Field("Value", P.Value);
+  J.Field("IsDefault", P.IsDefault);
   J.Close("}");
 }
 
@@ -242,7 +253,7 @@ VOID Capability(JsonText &J, RAID_CAPABILITY *C) {
     return;
   }
   J.Open("{");
-  J.Key("ControllerName"), J.Text(C->ControllerName);
+  J.Field("ControllerName", C->ControllerName);
   J.Key("Levels"), List<&RAID_LEVEL_CAP::Link>(J, C->LevelList, Level);
   J.Key("ReadPolicies"), List<&RAID_POLICY_ENTRY::Link>(J, C->ReadPolicyList, Policy);
   J.Key("WritePolicies"), List<&RAID_POLICY_ENTRY::Link>(J, C->WritePolicyList, Policy);
@@ -250,13 +261,13 @@ VOID Capability(JsonText &J, RAID_CAPABILITY *C) {
   J.Key("DiskCachePolicies"),
       List<&RAID_POLICY_ENTRY::Link>(J, C->DiskCachePolicyList, Policy);
   J.Key("StripeSizes"), List<&RAID_POLICY_ENTRY::Link>(J, C->StripeSizeList, Policy);
-  J.Key("MaxVolumeNameStingLength"), J.Number(C->MaxVolumeNameStingLength);
-  J.Key("MaxHotSpares"), J.Number(C->MaxHotSpares);
-  J.Key("MaxArrays"), J.Number(C->MaxArrays);
-  J.Key("MaxLogicalDrivesInArray"), J.Number(C->MaxLogicalDrivesInArray);
-  J.Key("MaxTotalLogicalDrives"), J.Number(C->MaxTotalLogicalDrives);
-  J.Key("MaxTotalPhysicalDrives"), J.Number(C->MaxTotalPhysicalDrives);
-  J.Key("ToolName"), J.Text(C->ToolName);
+  J.Field("MaxVolumeNameStingLength", C->MaxVolumeNameStingLength);
+  J.Field("MaxHotSpares", C->MaxHotSpares);
+  J.Field("MaxArrays", C->MaxArrays);
+  J.Field("MaxLogicalDrivesInArray", C->MaxLogicalDrivesInArray);
+  J.Field("MaxTotalLogicalDrives", C->MaxTotalLogicalDrives);
+  J.Field("MaxTotalPhysicalDrives", C->MaxTotalPhysicalDrives);
+  J.Field("ToolName", C->ToolName);
   J.Close("}");
 }
 
@@ -270,17 +281,17 @@ VOID Private(JsonText &J, const RAID_CONTROLLER_PRIVATE *P) {
     Signature[I] = P->Operations.Signature[I];
   }
   J.Open("{");
-  J.Key("CardId"), J.Number(P->CardId);
-  J.Key("StorageId"), J.Text(P->StorageId);
-  J.Key("ProductName"), J.Text(P->ProductName);
-  J.Key("Bus"), J.Number(P->Bus);
-  J.Key("Device"), J.Number(P->Device);
-  J.Key("Function"), J.Number(P->Function);
-  J.Key("VendorId"), J.Number(P->VendorId);
-  J.Key("DeviceId"), J.Number(P->DeviceId);
-  J.Key("SubVendorId"), J.Number(P->SubVendorId);
-  J.Key("SubDeviceId"), J.Number(P->SubDeviceId);
-  J.Key("Flags"), J.Number(P->Flags);
+  J.Field("CardId", P->CardId);
+  J.Field("StorageId", P->StorageId);
+  J.Field("ProductName", P->ProductName);
+  J.Field("Bus", P->Bus);
+  J.Field("Device", P->Device);
+  J.Field("Function", P->Function);
+  J.Field("VendorId", P->VendorId);
+  J.Field("DeviceId", P->DeviceId);
+  J.Field("SubVendorId", P->SubVendorId);
+  J.Field("SubDeviceId", P->SubDeviceId);
+  J.Field("Flags", P->Flags);
   J.Key("Signature"), J.String(Signature);
   J.Close("}");
 }
@@ -298,15 +309,15 @@ VOID DriveTable(JsonText &J, const RAID_CONTROLLER &C) {
 
 VOID Controller(JsonText &J, RAID_CONTROLLER &C) {
   J.Open("{");
-  J.Key("Id"), J.Number(C.Id);
-  J.Key("ToolType"), J.Number(C.ToolType);
-  J.Key("Name"), J.Text(C.Name);
-  J.Key("FirmwareVersion"), J.Text(C.FirmwareVersion);
-  J.Key("SerialNumber"), J.Text(C.SerialNumber);
-  J.Key("SlotNumber"), J.Number(C.SlotNumber);
-  J.Key("DiskDriveCount"), J.Number(C.DiskDriveCount);
-  J.Key("UnconfiguredDriveCount"), J.Number(C.UnconfiguredDriveCount);
-  J.Key("GlobalSpareCount"), J.Number(C.GlobalSpareCount);
+  J.Field("Id", C.Id);
+  J.Field("ToolType", C.ToolType);
+  J.Field("Name", C.Name);
+  J.Field("FirmwareVersion", C.FirmwareVersion);
+  J.Field("SerialNumber", C.SerialNumber);
+  J.Field("SlotNumber", C.SlotNumber);
+  J.Field("DiskDriveCount", C.DiskDriveCount);
+  J.Field("UnconfiguredDriveCount", C.UnconfiguredDriveCount);
+  J.Field("GlobalSpareCount", C.GlobalSpareCount);
   J.Key("DriveTable"), DriveTable(J, C);
   J.Key("PhysicalDrives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, C.PhysicalDriveList, Drive);
   J.Key("SpareDrives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, C.SpareDriveList, Drive);
@@ -324,7 +335,7 @@ CHAR8 *BuildModelJson(EFI_STATUS Status, UINT32 ErrorCode, LIST_ENTRY *Controlle
   AsciiSPrint(StatusName, sizeof(StatusName), "%r", Status);
   Json.Open("{");
   Json.Key("status"), Json.String(StatusName);
-  Json.Key("errorCode"), Json.Number(ErrorCode);
+  Json.Field("errorCode", ErrorCode);
   Json.Key("controllers");
   if (Controllers == nullptr) {
     Json.Open("[");
