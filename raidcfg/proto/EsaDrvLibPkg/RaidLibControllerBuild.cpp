@@ -20,17 +20,6 @@ const PCIDB_ENTRY *FindDatabaseEntry(LIST_ENTRY *PcidbList,
   return nullptr;
 }
 
-// A copy of an optional database text; false only when the pool is
-// exhausted.
-bool CopyOptional(const CHAR16 *Text, CHAR16 **Copy) {
-  *Copy = nullptr;
-  if (Text == nullptr) {
-    return true;
-  }
-  *Copy = AllocDestStr(Text);
-  return *Copy != nullptr;
-}
-
 VOID InitializeControllerLists(RAID_CONTROLLER *Controller) {
   InitializeListHead(&Controller->PhysicalDriveList);
   InitializeListHead(&Controller->SpareDriveList);
@@ -85,8 +74,8 @@ EFI_STATUS RaidLibBuildControllers(LIST_ENTRY *Ordered, LIST_ENTRY *PcidbList,
       RaidLibFreeController(Controller);
       continue;
     }
-    if (!CopyOptional(Entry->StorageId, &Controller->Private->StorageId) ||
-        !CopyOptional(Entry->DevName, &Controller->Name)) {
+    if (!RaidLibCopyText(Entry->StorageId, &Controller->Private->StorageId) ||
+        !RaidLibCopyText(Entry->DevName, &Controller->Name)) {
       RaidLibFreeController(Controller);
       *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
       return EFI_OUT_OF_RESOURCES;

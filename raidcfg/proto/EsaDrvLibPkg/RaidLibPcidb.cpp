@@ -33,15 +33,10 @@ bool AttributeAt(const CHAR16 **Attributes, UINTN Position, const CHAR16 **Value
   return true;
 }
 
-// Copies an attribute text; false only when the pool is exhausted.
-bool CopyText(const CHAR16 *Text, CHAR16 **Copy) {
-  *Copy = AllocDestStr(Text);
-  return *Copy != nullptr;
-}
-
 VOID FillEntry(PCIDB_ENTRY *Entry, const CHAR16 **Attributes) {
   const CHAR16 *Value = nullptr;
-  if (AttributeAt(Attributes, 0, &Value) && !CopyText(Value, &Entry->StorageId)) {
+  if (AttributeAt(Attributes, 0, &Value) &&
+      !RaidLibCopyText(Value, &Entry->StorageId)) {
     gPcidbOutOfResources = TRUE;
   }
   if (AttributeAt(Attributes, 1, &Value)) {
@@ -56,7 +51,8 @@ VOID FillEntry(PCIDB_ENTRY *Entry, const CHAR16 **Attributes) {
   if (AttributeAt(Attributes, 4, &Value)) {
     Entry->SubDeviceId = (UINT16)RaidLibReadHex(Value);
   }
-  if (AttributeAt(Attributes, 5, &Value) && !CopyText(Value, &Entry->DevName)) {
+  if (AttributeAt(Attributes, 5, &Value) &&
+      !RaidLibCopyText(Value, &Entry->DevName)) {
     gPcidbOutOfResources = TRUE;
   }
 }

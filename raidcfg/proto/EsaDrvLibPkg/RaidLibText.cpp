@@ -282,3 +282,9 @@ CHAR16 *AllocDestStr(const CHAR16 *Source) {
   }
   return Copy;
 }
+
+// A pool copy of an optional text into *Copy.
+BOOLEAN RaidLibCopyText(const CHAR16 *Text, CHAR16 **Copy) {
+  *Copy = AllocDestStr(Text);
+  return Text == nullptr || *Copy != nullptr;
+}

@@ -75,3 +75,7 @@ UINT64 RaidLibReadHex(const CHAR16 *Text);
 // A copy of Source from the pool. NULL for a NULL source, and NULL after the
 // trace "[AllocDestStr] Out of resource" when the pool is exhausted.
 CHAR16 *AllocDestStr(const CHAR16 *Source);
+
+// Stores a pool copy of Text in *Copy (NULL for a NULL Text). FALSE only
+// when the pool is exhausted.
+BOOLEAN RaidLibCopyText(const CHAR16 *Text, CHAR16 **Copy);

@@ -116,20 +116,10 @@ UINT8 ReadIsDefault(const CHAR16 *Default) {
   return (Default != nullptr && RaidLibReadDecimal(Default) == 1) ? 1 : 0;
 }
 
-// Copies Text into *Field; FALSE when a text was given but the pool ran out.
-bool CopyText(const CHAR16 *Text, CHAR16 **Field) {
-  *Field = nullptr;
-  if (Text == nullptr) {
-    return true;
-  }
-  *Field = AllocDestStr(Text);
-  return *Field != nullptr;
-}
-
 // Replaces a string field of the record (a repeated element must not leak).
 VOID ReplaceText(CHAR16 **Field, const CHAR16 *Text) {
   FreePool(*Field);
-  CopyText(Text, Field);
+  RaidLibCopyText(Text, Field);
 }
 
 RAID_CAPABILITY *NewCapability() {
@@ -152,7 +142,7 @@ VOID AddLevel(RAID_CAPABILITY *Capability, const ProfileAttributes &Attr) {
   if (Level == nullptr) {
     return;
   }
-  if (!CopyText(Attr.Id, &Level->Name)) {
+  if (!RaidLibCopyText(Attr.Id, &Level->Name)) {
     FreePool(Level);
     return;
   }
@@ -168,7 +158,7 @@ VOID AddPolicy(LIST_ENTRY *List, RAID_POLICY_KIND Kind,
   if (Entry == nullptr) {
     return;
   }
-  if (!CopyText(Attr.Id, &Entry->Name)) {
+  if (!RaidLibCopyText(Attr.Id, &Entry->Name)) {
     FreePool(Entry);
     return;
   }
@@ -279,39 +269,31 @@ VOID HandOutCapability() {
   }
 }
 
-// Copies a level list; FALSE when the pool ran out.
-bool CopyLevels(LIST_ENTRY *Target, LIST_ENTRY *Source) {
-  for (RAID_LEVEL_CAP *From : uefi::ListOf<&RAID_LEVEL_CAP::Link>(*Source)) {
-    RAID_LEVEL_CAP *Level = uefi::AllocateRecord<RAID_LEVEL_CAP>();
-    if (Level == nullptr) {
+// Copies a list of named profile records (levels or policies); FALSE when
+// the pool ran out.
+template <typename Record>
+bool CopyNamedRecords(LIST_ENTRY *Target, LIST_ENTRY *Source) {
+  for (Record *From : uefi::ListOf<&Record::Link>(*Source)) {
+    Record *Copy = uefi::AllocateRecord<Record>();
+    if (Copy == nullptr) {
       return false;
     }
-    *Level = *From;
-    if (!CopyText(From->Name, &Level->Name)) {
-      FreePool(Level);
+    *Copy = *From;
+    if (!RaidLibCopyText(From->Name, &Copy->Name)) {
+      FreePool(Copy);
       return false;
     }
-    InsertTailList(Target, &Level->Link);
+    InsertTailList(Target, &Copy->Link);
   }
   return true;
 }
 
-// Copies a policy list; FALSE when the pool ran out.
+bool CopyLevels(LIST_ENTRY *Target, LIST_ENTRY *Source) {
+  return CopyNamedRecords<RAID_LEVEL_CAP>(Target, Source);
+}
+
 bool CopyPolicies(LIST_ENTRY *Target, LIST_ENTRY *Source) {
-  for (RAID_POLICY_ENTRY *From :
-       uefi::ListOf<&RAID_POLICY_ENTRY::Link>(*Source)) {
-    RAID_POLICY_ENTRY *Entry = uefi::AllocateRecord<RAID_POLICY_ENTRY>();
-    if (Entry == nullptr) {
-      return false;
-    }
-    *Entry = *From;
-    if (!CopyText(From->Name, &Entry->Name)) {
-      FreePool(Entry);
-      return false;
-    }
-    InsertTailList(Target, &Entry->Link);
-  }
-  return true;
+  return CopyNamedRecords<RAID_POLICY_ENTRY>(Target, Source);
 }
 
 }  // namespace
@@ -387,8 +369,8 @@ RAID_CAPABILITY *RaidXmlCopyCapability(const RAID_CAPABILITY *Source) {
   // The walks do not change the source; the list helpers take it mutable.
   RAID_CAPABILITY *From = const_cast<RAID_CAPABILITY *>(Source);
   bool Complete =
-      CopyText(Source->ControllerName, &Copy->ControllerName) &&
-      CopyText(Source->ToolName, &Copy->ToolName) &&
+      RaidLibCopyText(Source->ControllerName, &Copy->ControllerName) &&
+      RaidLibCopyText(Source->ToolName, &Copy->ToolName) &&
       CopyLevels(&Copy->LevelList, &From->LevelList) &&
       CopyPolicies(&Copy->ReadPolicyList, &From->ReadPolicyList) &&
       CopyPolicies(&Copy->WritePolicyList, &From->WritePolicyList) &&
