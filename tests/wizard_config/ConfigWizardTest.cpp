@@ -1,0 +1,462 @@
+// The configuration wizard end to end against virtual MegaRAID adapters:
+// every test checks the adapter's final state and that nothing else on it
+// changed.
+#include <fstream>
+#include <sstream>
+
+#include "WizardWorld.h"
+#include "native/HostRun.h"
+#include "wizard/RaidPageNodes.h"
+#include "wizard/RaidWizard.h"
+
+namespace wizard_test {
+namespace {
+
+constexpr UINT32 kFailed = 0xFE21;
+constexpr UINT32 kCreated = 0xFE22;
+
+nlohmann::json SixSasServer() {
+  std::ifstream File(std::string(RAIDCFG_SOURCE_DIR) +
+                     "/scenarios/megaraid-six-sas.json");
+  return nlohmann::json::parse(File);
+}
+
+// The adapter without what a creation may change: its drive groups and
+// its drives' states.
+nlohmann::json Unchangeable(nlohmann::json Adapter) {
+  Adapter.erase("driveGroups");
+  for (auto &Drive : Adapter["drives"]) {
+    Drive.erase("state");
+  }
+  return Adapter;
+}
+
+class ConfigWizardTest : public WizardWorld {
+ protected:
+  void StartOn(const nlohmann::json &Server) {
+    Start(ScenarioFrom(Server));
+    Before_ = MegaRaidState();
+  }
+  // Adapter Index's drive groups now; the other adapters unchanged.
+  nlohmann::json Groups(size_t Index) {
+    const nlohmann::json After = MegaRaidState();
+    EXPECT_EQ(After.size(), Before_.size());
+    for (size_t Other = 0; Other < After.size(); Other++) {
+      if (Other != Index) {
+        EXPECT_EQ(After[Other], Before_[Other]);
+      }
+    }
+    EXPECT_EQ(Unchangeable(After[Index]), Unchangeable(Before_[Index]));
+    return After[Index]["driveGroups"];
+  }
+  void NextTo(UINT32 Page) {
+    ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
+    ASSERT_EQ(gRaidCurrentPage, Page);
+  }
+  void Advanced(UINTN Mode) {
+    NextTo(RAID_PAGE_CONFIG_TYPE);
+    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1),
+              EFI_SUCCESS);
+    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_ADVANCED_MODE_COMBO), Mode),
+              EFI_SUCCESS);
+    NextTo(Mode == 0 ? RAID_PAGE_ADV_NEW_ARRAY : RAID_PAGE_ADV_SELECT_ARRAY);
+  }
+  void TickDrives(std::initializer_list<UINT32> Rows) {
+    for (UINT32 Row : Rows) {
+      ASSERT_EQ(Driver_.SetCell(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), Row, 0,
+                                1),
+                EFI_SUCCESS);
+    }
+  }
+  // Plans one virtual disk through the pop-up; an empty capacity keeps
+  // what is left.
+  void PlanVolume(const std::u16string &Capacity) {
+    ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+    if (!Capacity.empty()) {
+      ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), Capacity),
+                EFI_SUCCESS);
+    }
+    ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+    ASSERT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_EDIT_VOLUME));
+  }
+  // Verify, confirm, create and go back to page 1.
+  void CreateFrom(UINT32 VerifyPage) {
+    if (gRaidCurrentPage != VerifyPage) {
+      NextTo(VerifyPage);
+    }
+    Driver_.QueueAnswer(TRUE);
+    NextTo(RAID_PAGE_CREATION_RUNNING);
+    EXPECT_EQ(Driver_.Title(), u"RAID Setup - Creating Virtual Disk(s)");
+    EXPECT_EQ(State(RAID_NODE_NEXT), HOST_DISPLAY_SHOWN);
+    NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+  }
+
+  nlohmann::json Before_;
+};
+
+// ---- Simple configuration ---------------------------------------------------------
+
+struct SimpleCase {
+  int Level;
+  bool HotSpare;
+  size_t Members;  // of six drives
+};
+
+class SimplePathTest : public ConfigWizardTest,
+                       public ::testing::WithParamInterface<SimpleCase> {};
+
+TEST_P(SimplePathTest, CreatesTheLevelOverTheUnconfiguredDrives) {
+  const SimpleCase Case = GetParam();
+  StartOn(SixSasServer());
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  EXPECT_EQ(Driver_.Value(Node(RAID_NODE_CONFIG_TYPE_RADIO)), 0u);
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO),
+                           u"RAID Level " + framework::FromUtf8(
+                                                std::to_string(Case.Level))),
+            EFI_SUCCESS);
+  if (Case.Level == 0) {
+    EXPECT_EQ(State(RAID_NODE_HOT_SPARE_CHECK), HOST_DISPLAY_GRAYED);
+  }
+  if (Case.HotSpare) {
+    ASSERT_EQ(Driver_.Tick(Node(RAID_NODE_HOT_SPARE_CHECK), true), EFI_SUCCESS);
+  }
+  NextTo(RAID_PAGE_SIMPLE_VERIFY);
+  EXPECT_EQ(Text(RAID_NODE_VERIFY_DRIVES),
+            u"Disk Drives: " + framework::FromUtf8(std::to_string(Case.Members)));
+  EXPECT_EQ(Cell(RAID_NODE_VERIFY_TABLE, 0, 1), u"Volume1");
+  CreateFrom(RAID_PAGE_SIMPLE_VERIFY);
+  const nlohmann::json Made = Groups(0);
+  ASSERT_EQ(Made.size(), 1u);
+  EXPECT_EQ(Made[0]["raidLevel"], Case.Level);
+  EXPECT_EQ(Made[0]["members"].size(), Case.Members);
+  EXPECT_EQ(Made[0]["members"][0], "252:0");
+  EXPECT_EQ(Made[0]["dedicatedSpares"].size(), Case.HotSpare ? 1u : 0u);
+  if (Case.HotSpare) {
+    // The first drive after the last member.
+    EXPECT_EQ(Made[0]["dedicatedSpares"][0],
+              "252:" + std::to_string(Case.Members));
+  }
+  EXPECT_EQ(Made[0]["virtualDrives"][0]["name"], "Volume1");
+  EXPECT_EQ(Made[0]["virtualDrives"][0]["stripKb"], 256);
+  EXPECT_EQ(Events(), std::vector<UINT32>{kCreated});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Levels, SimplePathTest,
+    ::testing::Values(SimpleCase{0, false, 6}, SimpleCase{1, false, 6},
+                      SimpleCase{1, true, 4}, SimpleCase{5, false, 6},
+                      SimpleCase{5, true, 5}, SimpleCase{6, false, 6},
+                      SimpleCase{6, true, 5}, SimpleCase{10, false, 6},
+                      SimpleCase{10, true, 4}, SimpleCase{50, false, 6},
+                      SimpleCase{60, false, 6}),
+    [](const ::testing::TestParamInfo<SimpleCase> &Info) {
+      return "Raid" + std::to_string(Info.param.Level) +
+             (Info.param.HotSpare ? "HotSpare" : "");
+    });
+
+TEST_F(ConfigWizardTest, MixedDriveTypesGraySimpleConfiguration) {
+  StartOn(DemoScenarioJson());
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  EXPECT_EQ(Text(RAID_NODE_SIMPLE_WARNING),
+            u"Warning: Simple configuration does not support mixed types of "
+            u"disk drives!");
+  EXPECT_EQ(Driver_.Value(Node(RAID_NODE_CONFIG_TYPE_RADIO)), 1u);
+  EXPECT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 0) == EFI_SUCCESS,
+            false);
+  // No array has free capacity: only the new-array choice is offered.
+  EXPECT_EQ(Driver_.Options(Node(RAID_NODE_ADVANCED_MODE_COMBO)).size(), 1u);
+}
+
+// ---- Advanced configuration, new array ---------------------------------------------
+
+TEST_F(ConfigWizardTest, TwoVirtualDisksOnANewArray) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 5"),
+            EFI_SUCCESS);
+  EXPECT_EQ(Text(RAID_NODE_NEW_ARRAY_HINT),
+            u"3 to 32 disk drives are needed for RAID 5.");
+  TickDrives({1, 2});
+  EXPECT_EQ(Text(RAID_NODE_NEW_ARRAY_WARNING),
+            u"The minimum number of disks for RAID 5 is 3!");
+  EXPECT_EQ(State(RAID_NODE_NEXT), HOST_DISPLAY_GRAYED);
+  TickDrives({3});
+  EXPECT_EQ(State(RAID_NODE_NEXT), HOST_DISPLAY_SHOWN);
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"300");
+  PlanVolume(u"");
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 2, 1), u"Volume1");
+  EXPECT_EQ(State(RAID_NODE_CREATE_VD), HOST_DISPLAY_GRAYED);
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  const nlohmann::json Made = Groups(0);
+  ASSERT_EQ(Made.size(), 1u);
+  EXPECT_EQ(Made[0]["members"],
+            (nlohmann::json{"252:0", "252:1", "252:2"}));
+  ASSERT_EQ(Made[0]["virtualDrives"].size(), 2u);
+  EXPECT_EQ(Made[0]["virtualDrives"][0]["sizeMb"], 300 * 1024);
+  // The second went into the new array's free space and took all of it.
+  EXPECT_EQ(Made[0]["virtualDrives"][1]["offsetMb"], 300 * 1024);
+  EXPECT_EQ(Events(), (std::vector<UINT32>{kCreated, kCreated}));
+}
+
+TEST_F(ConfigWizardTest, ThreeVirtualDisksWithAHotSpareAndPolicies) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 1"),
+            EFI_SUCCESS);
+  TickDrives({1, 2, 3});
+  EXPECT_EQ(Text(RAID_NODE_NEW_ARRAY_WARNING),
+            u"The number of disk drives for RAID 1 should be even!");
+  // A dedicated hot spare does not count towards the members.
+  ASSERT_EQ(Driver_.ChooseCell(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), 3, 5,
+                               u"DHS"),
+            EFI_SUCCESS);
+  EXPECT_EQ(State(RAID_NODE_NEXT), HOST_DISPLAY_SHOWN);
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_POPUP_WRITE_COMBO), u"Write Through"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"100"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  PlanVolume(u"100");
+  PlanVolume(u"");
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  const nlohmann::json Made = Groups(0);
+  ASSERT_EQ(Made.size(), 1u);
+  EXPECT_EQ(Made[0]["dedicatedSpares"], nlohmann::json{"252:2"});
+  ASSERT_EQ(Made[0]["virtualDrives"].size(), 3u);
+  EXPECT_EQ(Made[0]["virtualDrives"][0]["writePolicy"].get<std::string>(),
+            "wt");
+  // The pop-up keeps the choices of the disk before.
+  EXPECT_EQ(Made[0]["virtualDrives"][1]["writePolicy"].get<std::string>(),
+            "wt");
+  EXPECT_EQ(Made[0]["virtualDrives"][2]["name"], "Volume2");
+}
+
+TEST_F(ConfigWizardTest, BackFromTheEditorKeepsThePlan) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1, 2});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"50");
+  ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
+  EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_NEW_ARRAY));
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), u"Volume0");
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 3), u"50 GB");
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  EXPECT_EQ(Groups(0)[0]["virtualDrives"][0]["sizeMb"], 50 * 1024);
+}
+
+TEST_F(ConfigWizardTest, NamesAreCheckedInThePopup) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"10");
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  const struct {
+    std::u16string Name;
+    const char16_t *Message;
+  } kCases[] = {
+      {u"Data-1", u"Error: Virtual disk name may contain"},
+      {u"Da ta", u"Error: Virtual disk name may contain"},
+      {u"ABCDEFGHIJKLMNOP", u"up to 15 characters"},
+      {u"Volume0", u"The virtual disk name has existed"},
+  };
+  for (const auto &Case : kCases) {
+    ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), Case.Name),
+              EFI_SUCCESS);
+    ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+    ASSERT_FALSE(Driver_.MessageBoxes().empty());
+    EXPECT_NE(Driver_.MessageBoxes().back().Text.find(Case.Message),
+              std::u16string::npos)
+        << framework::ToUtf8(Case.Name);
+  }
+  // Blanks around a name go; the longest name passes.
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), u" ABCDEFGHIJKLMNO "),
+            EFI_SUCCESS);
+  // "12a" empties the box and keeps 12.
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"12a"),
+            EFI_SUCCESS);
+  EXPECT_EQ(Text(RAID_NODE_POPUP_CAPACITY_EDIT), u"");
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 2, 1), u"ABCDEFGHIJKLMNO");
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 2, 3), u"12 GB");
+  // Removing a planned disk.
+  ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_PLANNED_TABLE), 1), EFI_SUCCESS);
+  Driver_.QueueAnswer(TRUE);
+  ASSERT_EQ(Press(RAID_NODE_REMOVE_VD), EFI_SUCCESS);
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), u"ABCDEFGHIJKLMNO");
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  EXPECT_EQ(Groups(0)[0]["virtualDrives"][0]["name"], "ABCDEFGHIJKLMNO");
+}
+
+// ---- Free capacity of an existing array ---------------------------------------------
+
+TEST_F(ConfigWizardTest, FreeCapacityOnAnExistingArray) {
+  StartOn(DemoScenarioJson());
+  ASSERT_EQ(ChooseAdapter(kConfiguredMegaRaid), EFI_SUCCESS);
+  Advanced(1);
+  EXPECT_EQ(Cell(RAID_NODE_FREE_SEGMENT_TABLE, 1, 2), u"RAID 1");
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  // The new disk keeps the array's stripe size, fixed.
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  EXPECT_EQ(State(RAID_NODE_POPUP_STRIPE_COMBO), HOST_DISPLAY_GRAYED);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"20"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  NextTo(RAID_PAGE_ADV_VERIFY);
+  EXPECT_EQ(Text(RAID_NODE_VERIFY_LEVEL + RAID_NODE_ADV_VERIFY_OFFSET),
+            u"RAID Level: 1");
+  Driver_.QueueAnswer(TRUE);
+  NextTo(RAID_PAGE_CREATION_RUNNING);
+  NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+  const nlohmann::json Made = Groups(1);
+  ASSERT_EQ(Made[0]["virtualDrives"].size(), 3u);
+  EXPECT_EQ(Made[0]["virtualDrives"][2]["name"], "Volume0");
+  EXPECT_EQ(Made[0]["virtualDrives"][2]["sizeMb"], 20 * 1024);
+  EXPECT_EQ(Made[1], Before_[1]["driveGroups"][1]);
+}
+
+// ---- A creation the adapter refuses ---------------------------------------------------
+
+TEST_F(ConfigWizardTest, RefusedCreationIsShownAndTheNextIsAttempted) {
+  StartOn(DemoScenarioJson());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 1"),
+            EFI_SUCCESS);
+  // A SAS and a SATA drive: the adapter refuses to mix interfaces.
+  TickDrives({1, 3});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"100");
+  PlanVolume(u"");
+  NextTo(RAID_PAGE_ADV_VERIFY);
+  Driver_.QueueAnswer(TRUE);
+  NextTo(RAID_PAGE_CREATION_RUNNING);
+  const std::string Screen = Driver_.Dump();
+  EXPECT_NE(Screen.find("Failure ("), std::string::npos) << Screen;
+  EXPECT_EQ(Events(), (std::vector<UINT32>{kFailed, kFailed}));
+  NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+  EXPECT_EQ(MegaRaidState(), Before_);
+}
+
+// ---- Languages ----------------------------------------------------------------------------
+
+TEST_F(ConfigWizardTest, LanguageChangesOnEveryPageOfTheFlow) {
+  StartOn(SixSasServer());
+  const char *Languages[] = {"fr-FR", "zh-Hans", "de-DE", "ru-RU",
+                             "ja-JP", "ko-KR", "en-US"};
+  size_t Next = 0;
+  auto Switch = [&] {
+    ASSERT_EQ(Driver_.SwitchLanguage(Languages[Next++ % 7]), EFI_SUCCESS);
+  };
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  Switch();
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1), EFI_SUCCESS);
+  NextTo(RAID_PAGE_ADV_NEW_ARRAY);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 1"),
+            EFI_SUCCESS);
+  Switch();  // zh-Hans: the hint names the level first
+  EXPECT_EQ(Text(RAID_NODE_NEW_ARRAY_HINT).find(u"RAID 1"), 0u);
+  TickDrives({1, 2});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"");
+  Switch();
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), u"Volume0");
+  NextTo(RAID_PAGE_ADV_VERIFY);
+  Switch();
+  Driver_.QueueAnswer(TRUE);
+  NextTo(RAID_PAGE_CREATION_RUNNING);
+  Switch();
+  NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+  const nlohmann::json Made = Groups(0);
+  ASSERT_EQ(Made.size(), 1u);
+  EXPECT_EQ(Made[0]["raidLevel"], 1);
+}
+
+// ---- Golden screens ---------------------------------------------------------------------------
+
+TEST_F(ConfigWizardTest, GoldenScreens) {
+  StartOn(SixSasServer());
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  ExpectGoldenScreen("page2.txt", Driver_.Dump());
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO), u"RAID Level 5"),
+            EFI_SUCCESS);
+  ExpectGoldenScreen("page3.txt", Driver_.Dump());
+  NextTo(RAID_PAGE_SIMPLE_VERIFY);
+  ExpectGoldenScreen("page4.txt", Driver_.Dump());
+  ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1), EFI_SUCCESS);
+  NextTo(RAID_PAGE_ADV_NEW_ARRAY);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1, 2});
+  ExpectGoldenScreen("page7.txt", Driver_.Dump());
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  ExpectGoldenScreen("page8-popup.txt", Driver_.Dump());
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"500"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  ExpectGoldenScreen("page8.txt", Driver_.Dump());
+  NextTo(RAID_PAGE_ADV_VERIFY);
+  ExpectGoldenScreen("page9.txt", Driver_.Dump());
+  Driver_.QueueAnswer(TRUE);
+  NextTo(RAID_PAGE_CREATION_RUNNING);
+  ExpectGoldenScreen("page10.txt", Driver_.Dump());
+  NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_ADVANCED_MODE_COMBO), 1),
+            EFI_SUCCESS);
+  NextTo(RAID_PAGE_ADV_SELECT_ARRAY);
+  ExpectGoldenScreen("page6.txt", Driver_.Dump());
+}
+
+// ---- Scripts -----------------------------------------------------------------------------------
+
+nlohmann::json RunScript(const std::string &Script) {
+  std::ostringstream Out;
+  std::ostringstream Err;
+  host::Options Options;
+  Options.Scenario =
+      std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/megaraid-six-sas.json";
+  Options.Script = std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/" + Script;
+  EXPECT_EQ(host::RunHost(Options, Out, Err), 0) << Err.str();
+  const std::string Printed = Out.str();
+  EXPECT_EQ(Printed.find("error"), std::string::npos) << Printed;
+  return nlohmann::json::parse(Printed.substr(Printed.rfind("\n{\n") + 1));
+}
+
+TEST(ConfigScriptTest, SimpleRaid5WithHotSpare) {
+  const nlohmann::json Groups =
+      RunScript("simple-raid5-hotspare.script")["megaraid"][0]["driveGroups"];
+  ASSERT_EQ(Groups.size(), 1u);
+  EXPECT_EQ(Groups[0]["raidLevel"], 5);
+  EXPECT_EQ(Groups[0]["members"].size(), 5u);
+  EXPECT_EQ(Groups[0]["dedicatedSpares"], nlohmann::json{"252:5"});
+  EXPECT_EQ(Groups[0]["virtualDrives"].size(), 1u);
+}
+
+TEST(ConfigScriptTest, TwoVirtualDisksOnANewRaid10) {
+  const nlohmann::json Groups =
+      RunScript("advanced-raid10-two-vds.script")["megaraid"][0]["driveGroups"];
+  ASSERT_EQ(Groups.size(), 1u);
+  EXPECT_EQ(Groups[0]["raidLevel"], 10);
+  EXPECT_EQ(Groups[0]["members"].size(), 4u);
+  ASSERT_EQ(Groups[0]["virtualDrives"].size(), 2u);
+  EXPECT_EQ(Groups[0]["virtualDrives"][0]["sizeMb"], 200 * 1024);
+  EXPECT_EQ(Groups[0]["virtualDrives"][1]["name"], "Volume1");
+}
+
+}  // namespace
+}  // namespace wizard_test
