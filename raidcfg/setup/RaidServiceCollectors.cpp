@@ -6,11 +6,12 @@
 
 namespace {
 
-// Fills Out with the records of a list, at most Max of them. The list heads
+// Walks the records of a list, handing each to Take until Max were taken;
+// Take(Record, Index) returns whether it took the record. The list heads
 // are the model's own, so they are walked through a non-const view.
-template <typename Record, LIST_ENTRY Record::*Link>
-UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out, UINT32 Max) {
-  if (Out == nullptr || Head.ForwardLink == nullptr) {
+template <typename Record, LIST_ENTRY Record::*Link, typename Taker>
+UINT32 CollectFrom(const LIST_ENTRY &Head, UINT32 Max, Taker Take) {
+  if (Head.ForwardLink == nullptr) {
     return 0;
   }
   UINT32 Count = 0;
@@ -18,29 +19,50 @@ UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out, UINT32 Max) {
     if (Count >= Max) {
       break;
     }
-    Out[Count++] = Item;
+    if (Take(Item, Count)) {
+      Count++;
+    }
   }
   return Count;
+}
+
+// Fills Out with the records of a list, at most Max of them.
+template <typename Record, LIST_ENTRY Record::*Link>
+UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out, UINT32 Max) {
+  if (Out == nullptr) {
+    return 0;
+  }
+  return CollectFrom<Record, Link>(Head, Max, [Out](Record *Item, UINT32 At) {
+    Out[At] = Item;
+    return true;
+  });
 }
 
 // The segments of an array whose IsVolume equals WantVolume.
 UINT32 CollectSegments(const RAID_ARRAY *Array, UINT8 WantVolume,
                        RAID_VOLUME **Out, UINT32 Max) {
-  if (Array == nullptr || Out == nullptr ||
-      Array->SegmentList.ForwardLink == nullptr) {
+  if (Array == nullptr || Out == nullptr) {
     return 0;
   }
-  UINT32 Count = 0;
-  for (RAID_VOLUME *Segment : uefi::ListOf<&RAID_VOLUME::Link>(
-           const_cast<LIST_ENTRY &>(Array->SegmentList))) {
-    if (Count >= Max) {
-      break;
-    }
-    if ((Segment->IsVolume != 0) == (WantVolume != 0)) {
-      Out[Count++] = Segment;
-    }
-  }
-  return Count;
+  return CollectFrom<RAID_VOLUME, &RAID_VOLUME::Link>(
+      Array->SegmentList, Max, [Out, WantVolume](RAID_VOLUME *Segment,
+                                                 UINT32 At) {
+        if ((Segment->IsVolume != 0) != (WantVolume != 0)) {
+          return false;
+        }
+        Out[At] = Segment;
+        return true;
+      });
+}
+
+// One of the capability's policy lists (List names it).
+UINT32 CollectPolicies(const RAID_CAPABILITY *Capability,
+                       LIST_ENTRY RAID_CAPABILITY::*List,
+                       RAID_POLICY_ENTRY **Out, UINT32 Max) {
+  return Capability == nullptr
+             ? 0
+             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
+                   Capability->*List, Out, Max);
 }
 
 }  // namespace
@@ -55,42 +77,31 @@ UINT32 RaidCollectLevels(const RAID_CAPABILITY *Capability,
 
 UINT32 RaidCollectReadPolicies(const RAID_CAPABILITY *Capability,
                                RAID_POLICY_ENTRY **Out, UINT32 Max) {
-  return Capability == nullptr
-             ? 0
-             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
-                   Capability->ReadPolicyList, Out, Max);
+  return CollectPolicies(Capability, &RAID_CAPABILITY::ReadPolicyList, Out,
+                         Max);
 }
 
 UINT32 RaidCollectWritePolicies(const RAID_CAPABILITY *Capability,
                                 RAID_POLICY_ENTRY **Out, UINT32 Max) {
-  return Capability == nullptr
-             ? 0
-             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
-                   Capability->WritePolicyList, Out, Max);
+  return CollectPolicies(Capability, &RAID_CAPABILITY::WritePolicyList, Out,
+                         Max);
 }
 
 UINT32 RaidCollectIoPolicies(const RAID_CAPABILITY *Capability,
                              RAID_POLICY_ENTRY **Out, UINT32 Max) {
-  return Capability == nullptr
-             ? 0
-             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
-                   Capability->IoPolicyList, Out, Max);
+  return CollectPolicies(Capability, &RAID_CAPABILITY::IoPolicyList, Out, Max);
 }
 
 UINT32 RaidCollectDiskCachePolicies(const RAID_CAPABILITY *Capability,
                                     RAID_POLICY_ENTRY **Out, UINT32 Max) {
-  return Capability == nullptr
-             ? 0
-             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
-                   Capability->DiskCachePolicyList, Out, Max);
+  return CollectPolicies(Capability, &RAID_CAPABILITY::DiskCachePolicyList,
+                         Out, Max);
 }
 
 UINT32 RaidCollectStripeSizes(const RAID_CAPABILITY *Capability,
                               RAID_POLICY_ENTRY **Out, UINT32 Max) {
-  return Capability == nullptr
-             ? 0
-             : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(
-                   Capability->StripeSizeList, Out, Max);
+  return CollectPolicies(Capability, &RAID_CAPABILITY::StripeSizeList, Out,
+                         Max);
 }
 
 UINT32 RaidCollectArrays(const RAID_CONTROLLER *Controller, RAID_ARRAY **Out,
@@ -110,19 +121,14 @@ UINT32 RaidCollectArrayDrives(const RAID_ARRAY *Array,
 
 UINT32 RaidCopyArrayDrives(const RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Out,
                            UINT32 Max) {
-  if (Array == nullptr || Out == nullptr ||
-      Array->DriveList.ForwardLink == nullptr) {
+  if (Array == nullptr || Out == nullptr) {
     return 0;
   }
-  UINT32 Count = 0;
-  for (RAID_PHYSICAL_DRIVE *Drive : uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(
-           const_cast<LIST_ENTRY &>(Array->DriveList))) {
-    if (Count >= Max) {
-      break;
-    }
-    CopyMem(&Out[Count++], Drive, sizeof(*Drive));
-  }
-  return Count;
+  return CollectFrom<RAID_PHYSICAL_DRIVE, &RAID_PHYSICAL_DRIVE::Link>(
+      Array->DriveList, Max, [Out](RAID_PHYSICAL_DRIVE *Drive, UINT32 At) {
+        CopyMem(&Out[At], Drive, sizeof(*Drive));
+        return true;
+      });
 }
 
 UINT32 RaidCollectVolumes(const RAID_ARRAY *Array, RAID_VOLUME **Out,
