@@ -10,47 +10,62 @@ constinit RAID_CONTROLLER *gCurrentRaidController = nullptr;
 
 namespace {
 
-// The controller with Id in the list at Head, or NULL.
-RAID_CONTROLLER *FindControllerInList(LIST_ENTRY *Head, UINT32 Id) {
+// The first record of the list at Head that Match accepts, or NULL.
+template <typename Record, LIST_ENTRY Record::*Link, typename Matcher>
+Record *FindInList(LIST_ENTRY *Head, Matcher Match) {
   if (Head == nullptr || Head->ForwardLink == nullptr) {
     return nullptr;
   }
-  for (RAID_CONTROLLER *Controller :
-       uefi::ListOf<&RAID_CONTROLLER::Link>(*Head)) {
-    if (Controller->Id == Id) {
-      return Controller;
+  for (Record *Item : uefi::ListOf<Link>(*Head)) {
+    if (Match(Item)) {
+      return Item;
     }
   }
   return nullptr;
+}
+
+// The controller with Id in the list at Head, or NULL.
+RAID_CONTROLLER *FindControllerInList(LIST_ENTRY *Head, UINT32 Id) {
+  return FindInList<RAID_CONTROLLER, &RAID_CONTROLLER::Link>(
+      Head, [Id](RAID_CONTROLLER *Controller) { return Controller->Id == Id; });
 }
 
 // The current controller's array with Id, or NULL.
 RAID_ARRAY *FindCurrentArray(UINT32 ArrayId) {
-  if (gCurrentRaidController == nullptr ||
-      gCurrentRaidController->ArrayList.ForwardLink == nullptr) {
+  if (gCurrentRaidController == nullptr) {
     return nullptr;
   }
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(gCurrentRaidController->ArrayList)) {
-    if (Array->Id == ArrayId) {
-      return Array;
-    }
-  }
-  return nullptr;
+  return FindInList<RAID_ARRAY, &RAID_ARRAY::Link>(
+      &gCurrentRaidController->ArrayList,
+      [ArrayId](RAID_ARRAY *Array) { return Array->Id == ArrayId; });
 }
 
 // The first volume (not free segment) of Array with Id, or NULL.
 RAID_VOLUME *FindVolume(RAID_ARRAY *Array, UINT32 VolumeId) {
-  if (Array->SegmentList.ForwardLink == nullptr) {
-    return nullptr;
+  return FindInList<RAID_VOLUME, &RAID_VOLUME::Link>(
+      &Array->SegmentList, [VolumeId](RAID_VOLUME *Segment) {
+        return Segment->IsVolume == 1 && Segment->Id == VolumeId;
+      });
+}
+
+// A core operation that reads a controller's information.
+using ControllerInfoReader = EFI_STATUS (*)(RAID_CONTROLLER *,
+                                            RAID_CONTROLLER **, UINT32 *);
+
+// Runs Read on the controller with Id in the list at Head (nothing when
+// there is none) and traces its status under the name of the service
+// function Caller.
+EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, ControllerInfoReader Read,
+                              LIST_ENTRY *Head, UINT32 Id,
+                              RAID_CONTROLLER **Controller,
+                              UINT32 *ErrorCode) {
+  RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
+  if (Found == nullptr) {
+    return EFI_SUCCESS;
   }
-  for (RAID_VOLUME *Segment :
-       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-    if (Segment->IsVolume == 1 && Segment->Id == VolumeId) {
-      return Segment;
-    }
-  }
-  return nullptr;
+  EFI_STATUS Status = Read(Found, Controller, ErrorCode);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
+  return Status;
 }
 
 }  // namespace
@@ -78,13 +93,12 @@ UINT32 GetRaidControllerList(LIST_ENTRY **Head) {
 
 RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level) {
   if (gCurrentRaidController != nullptr &&
-      gCurrentRaidController->Capability != nullptr &&
-      gCurrentRaidController->Capability->LevelList.ForwardLink != nullptr) {
-    for (RAID_LEVEL_CAP *Cap : uefi::ListOf<&RAID_LEVEL_CAP::Link>(
-             gCurrentRaidController->Capability->LevelList)) {
-      if (Cap->Level == Level) {
-        return Cap;
-      }
+      gCurrentRaidController->Capability != nullptr) {
+    RAID_LEVEL_CAP *Cap = FindInList<RAID_LEVEL_CAP, &RAID_LEVEL_CAP::Link>(
+        &gCurrentRaidController->Capability->LevelList,
+        [Level](RAID_LEVEL_CAP *Entry) { return Entry->Level == Level; });
+    if (Cap != nullptr) {
+      return Cap;
     }
   }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Cannot find the RAID level %d\n",
@@ -95,25 +109,15 @@ RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level) {
 EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
                                  RAID_CONTROLLER **Controller,
                                  UINT32 *ErrorCode) {
-  RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
-  if (Found == nullptr) {
-    return EFI_SUCCESS;
-  }
-  EFI_STATUS Status = GetControllerInfo(Found, Controller, ErrorCode);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
-  return Status;
+  return ReadControllerInfo(__func__, GetControllerInfo, Head, Id, Controller,
+                            ErrorCode);
 }
 
 EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
                                      RAID_CONTROLLER **Controller,
                                      UINT32 *ErrorCode) {
-  RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
-  if (Found == nullptr) {
-    return EFI_SUCCESS;
-  }
-  EFI_STATUS Status = RefreshControllerInfo(Found, Controller, ErrorCode);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
-  return Status;
+  return ReadControllerInfo(__func__, RefreshControllerInfo, Head, Id,
+                            Controller, ErrorCode);
 }
 
 // The drive is looked up within the table's DiskDriveCount entries; an index

@@ -22,5 +22,16 @@ extern TARN_SETUP_PROTOCOL *TarnSetupProtocol;
     }                                                                       \
   } while (0)
 
+// The same for a helper that traces on behalf of the function named
+// Function, so the line carries the public function's name.
+#define RAID_TRACE_AS(Function, Level, Format, ...)                         \
+  do {                                                                      \
+    if (TarnSetupProtocol != nullptr &&                                     \
+        TarnSetupProtocol->DebugPrint != nullptr) {                         \
+      TarnSetupProtocol->DebugPrint((Level), (Format),                      \
+                                    (Function)__VA_OPT__(, ) __VA_ARGS__);  \
+    }                                                                       \
+  } while (0)
+
 // The time-stamp counter the start-up trace lines carry.
 inline UINT64 RaidReadTimeStamp() { return __builtin_ia32_rdtsc(); }
