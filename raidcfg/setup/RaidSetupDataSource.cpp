@@ -11,43 +11,27 @@ namespace {
 constinit RAID_SETUP_DATA_SOURCE_PROTOCOL gRaidSetupDataSource = {};
 
 // The host reads and changes control values by node; the wizard keeps them
-// by the kind of value: texts, option lists, tables and bound numbers.
-EFI_STATUS EFIAPI RaidDataSourceGetValueCallback(HOST_PAGE_NODE *Node,
-                                                 VOID *Value) {
-  return RaidDataSourceGetValue(Node, static_cast<HOST_CONTROL_VALUE *>(Value));
-}
-
-EFI_STATUS EFIAPI RaidDataSourceSetValueCallback(HOST_PAGE_NODE *Node,
-                                                 VOID *Value) {
-  return RaidDataSourceSetValue(Node, static_cast<HOST_CONTROL_VALUE *>(Value));
-}
-
-EFI_STATUS EFIAPI RaidDataSourceGetOptionsCallback(HOST_PAGE_NODE *Node,
-                                                   VOID *Value) {
-  return RaidDataSourceGetOptions(Node, static_cast<HOST_OPTION_LIST *>(Value));
-}
-
-EFI_STATUS EFIAPI RaidDataSourceGetTableCallback(HOST_PAGE_NODE *Node,
-                                                 VOID *Value) {
-  return RaidDataSourceGetTable(Node, static_cast<HOST_TABLE *>(Value));
-}
-
-EFI_STATUS EFIAPI RaidDataSourceSetTableCellCallback(HOST_PAGE_NODE *Node,
-                                                     VOID *Value) {
-  return RaidDataSourceSetTableCell(
-      Node, static_cast<const HOST_TABLE_CELL_CHANGE *>(Value));
+// by the kind of value: texts, option lists, tables and bound numbers. Each
+// slot of the protocol hands its untyped value to the wizard's handler for
+// that kind.
+template <typename ValueType,
+          EFI_STATUS (*Handler)(HOST_PAGE_NODE *, ValueType *)>
+EFI_STATUS EFIAPI RaidDataSourceCallback(HOST_PAGE_NODE *Node, VOID *Value) {
+  return Handler(Node, static_cast<ValueType *>(Value));
 }
 
 }  // namespace
 
 EFI_STATUS InitRaidSetupDSProtocol(EFI_HANDLE ImageHandle) {
-  gRaidSetupDataSource = {RAID_SETUP_DATA_SOURCE_GUID,
-                          0,
-                          RaidDataSourceGetValueCallback,
-                          RaidDataSourceSetValueCallback,
-                          RaidDataSourceGetOptionsCallback,
-                          RaidDataSourceGetTableCallback,
-                          RaidDataSourceSetTableCellCallback};
+  gRaidSetupDataSource = {
+      RAID_SETUP_DATA_SOURCE_GUID,
+      0,
+      RaidDataSourceCallback<HOST_CONTROL_VALUE, RaidDataSourceGetValue>,
+      RaidDataSourceCallback<HOST_CONTROL_VALUE, RaidDataSourceSetValue>,
+      RaidDataSourceCallback<HOST_OPTION_LIST, RaidDataSourceGetOptions>,
+      RaidDataSourceCallback<HOST_TABLE, RaidDataSourceGetTable>,
+      RaidDataSourceCallback<const HOST_TABLE_CELL_CHANGE,
+                             RaidDataSourceSetTableCell>};
   EFI_HANDLE Handle = ImageHandle;
   EFI_STATUS Status = gBS->InstallMultipleProtocolInterfaces(
       &Handle, &gRaidSetupDataSourceProtocolGuid, &gRaidSetupDataSource,
