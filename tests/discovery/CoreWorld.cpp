@@ -5,7 +5,6 @@
 #include "sim/megaraid/MegaRaidJson.h"
 
 #include <cstdio>
-#include <fstream>
 
 namespace core_test {
 
@@ -14,14 +13,6 @@ namespace {
 std::string Hex4(UINT16 Value) {
   char Text[8];
   std::snprintf(Text, sizeof(Text), "%04X", Value);
-  return Text;
-}
-
-// The firmware's line end is CR LF; the tests compare lines without it.
-std::string WithoutLineEnd(std::string Text) {
-  while (!Text.empty() && (Text.back() == '\n' || Text.back() == '\r')) {
-    Text.pop_back();
-  }
   return Text;
 }
 
@@ -57,54 +48,22 @@ std::string RaidXml(const std::vector<std::string> &Blocks) {
   return Text + "</RAID>\n";
 }
 
-CoreWorld::CoreWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
-  char Template[] = "/tmp/raidcfg-core-XXXXXX";
-  Directory_ = mkdtemp(Template);
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  gRT = gST->RuntimeServices;
-  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  Xml_ = std::make_unique<emu::XmlParser>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  Volume_ = std::make_unique<emu::HostVolume>(*Firmware_, Directory_);
+CoreWorld::CoreWorld() : EmulatedServer("raidcfg-core", true) {
   gImageHandle = Firmware_->CreateImageHandle(Volume_->Handle());
 }
 
+// The core's model goes first; the server's parts follow in reverse.
 CoreWorld::~CoreWorld() {
   if (!Finalized_) {
     UINT32 ErrorCode = 0;
     FinalizeRaid(&ErrorCode);
   }
-  Devices_.clear();
   Smbios_.reset();
   Inventory_.reset();
-  Volume_.reset();
-  Shell_.reset();
-  Xml_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-  gRT = nullptr;
-  gImageHandle = nullptr;
-  std::filesystem::remove_all(Directory_);
 }
 
 VOID CoreWorld::AddFunction(const PciFunction &Function) {
-  emu::PciLocation Location;
-  Location.Bus = Function.Bus;
-  Location.Device = Function.Device;
-  Location.Function = Function.Function;
-  emu::PciIdentity Identity;
-  Identity.VendorId = Function.VendorId;
-  Identity.DeviceId = Function.DeviceId;
-  Identity.SubVendorId = Function.SubVendorId;
-  Identity.SubDeviceId = Function.SubDeviceId;
-  Identity.BaseClass = Function.BaseClass;
-  Identity.SubClass = Function.SubClass;
-  Identity.ProgInterface = Function.ProgIf;
-  Devices_.push_back(
-      std::make_unique<emu::PciDevice>(*Firmware_, Location, Identity));
+  EmulatedServer::AddFunction(Function);
   if (Function.VendorId == 0x1000) {
     MegaRaidAdapters_.push_back(
         {{"pci",
@@ -138,10 +97,6 @@ VOID CoreWorld::SetSlotInventory(std::vector<emu::SlotInventoryEntry> Entries) {
       std::make_unique<emu::SlotInventory>(*Firmware_, std::move(Entries));
 }
 
-VOID CoreWorld::WriteFile(const std::string &Name, const std::string &Text) {
-  std::ofstream(Directory_ / Name, std::ios::binary) << Text;
-}
-
 EFI_STATUS CoreWorld::Initialize(UINT32 *ErrorCode) {
   BindStorcli();
   return InitializeRaid(ErrorCode);
@@ -163,23 +118,6 @@ std::vector<RAID_CONTROLLER *> CoreWorld::Controllers() {
     Result.push_back(Controller);
   }
   return Result;
-}
-
-std::vector<std::string> CoreWorld::Trace() const {
-  std::vector<std::string> Lines;
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    Lines.push_back(WithoutLineEnd(Text));
-  }
-  return Lines;
-}
-
-bool CoreWorld::TraceHas(const std::string &Line) const {
-  for (const std::string &Text : Trace()) {
-    if (Text == Line) {
-      return true;
-    }
-  }
-  return false;
 }
 
 }  // namespace core_test

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "EmulatedServer.h"
 #include "emu/Emulator.h"
 #include <nlohmann/json.hpp>
 
@@ -19,19 +20,6 @@
 #include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
 
 namespace core_test {
-
-struct PciFunction {
-  UINT8 Bus;
-  UINT8 Device;
-  UINT8 Function;
-  UINT16 VendorId;
-  UINT16 DeviceId;
-  UINT16 SubVendorId;
-  UINT16 SubDeviceId;
-  UINT8 SubClass = 0x04;  // RAID
-  UINT8 ProgIf = 0x00;
-  UINT8 BaseClass = 0x01;  // mass storage
-};
 
 // One storage element of pcidb.xml, attributes in their usual order.
 std::string StorageElement(const std::string &Id, UINT16 Vendor,
@@ -43,15 +31,17 @@ std::string PcidbXml(const std::vector<std::string> &Elements);
 std::string ControllerBlock(const std::string &Id, const std::string &Tool);
 std::string RaidXml(const std::vector<std::string> &Blocks);
 
-class CoreWorld : public ::testing::Test {
+// The emulated server with the module's image handle in gImageHandle, as
+// the image entry leaves it, an optional SMBIOS table and slot inventory.
+class CoreWorld : public ::testing::Test, public EmulatedServer {
  public:
   CoreWorld();
   ~CoreWorld() override;
 
+  // A PCI function; a MegaRAID one also gets an empty virtual adapter.
   VOID AddFunction(const PciFunction &Function);
   VOID SetSlots(const std::vector<emu::SmbiosSlot> &Slots);
   VOID SetSlotInventory(std::vector<emu::SlotInventoryEntry> Entries);
-  VOID WriteFile(const std::string &Name, const std::string &Text);
 
   // InitializeRaid with the module's globals set up as the image entry
   // leaves them.
@@ -62,22 +52,13 @@ class CoreWorld : public ::testing::Test {
   VOID Finalize();
 
   std::vector<RAID_CONTROLLER *> Controllers();
-  std::vector<std::string> Trace() const;
-  bool TraceHas(const std::string &Line) const;
 
-  std::unique_ptr<emu::Firmware> Firmware_;
-  std::unique_ptr<emu::SetupProtocol> Setup_;
-  std::unique_ptr<emu::XmlParser> Xml_;
-  std::unique_ptr<emu::ShellCommand> Shell_;
   std::unique_ptr<emu::SlotInventory> Inventory_;
   std::unique_ptr<emu::SmbiosTable> Smbios_;
-  std::unique_ptr<emu::HostVolume> Volume_;
-  std::vector<std::unique_ptr<emu::PciDevice>> Devices_;
   // Every MegaRAID function gets an empty virtual adapter behind storcli,
   // so the backend's card search finds it as on a real server.
   std::vector<nlohmann::json> MegaRaidAdapters_;
   std::unique_ptr<sim::megaraid::Storcli> Storcli_;
-  std::filesystem::path Directory_;
   bool Finalized_ = false;
 };
 

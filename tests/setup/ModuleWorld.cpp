@@ -2,20 +2,9 @@
 
 #include <setup/ModuleEntry.h>
 
-#include <fstream>
+#include <filesystem>
 
 namespace setup_test {
-
-namespace {
-
-std::string WithoutLineEnd(std::string Text) {
-  while (!Text.empty() && (Text.back() == '\n' || Text.back() == '\r')) {
-    Text.pop_back();
-  }
-  return Text;
-}
-
-}  // namespace
 
 std::string Narrow(const std::u16string &Text) {
   std::string Out;
@@ -26,66 +15,23 @@ std::string Narrow(const std::u16string &Text) {
 }
 
 ModuleWorld::ModuleWorld(HostOffer Offer)
-    : Firmware_(std::make_unique<emu::Firmware>()) {
-  char Template[] = "/tmp/raidcfg-setup-XXXXXX";
-  Directory_ = mkdtemp(Template);
-  // Test code allocates from the pool before the image entry runs.
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  gRT = gST->RuntimeServices;
-  if (Offer.Setup) {
-    Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  }
+    : EmulatedServer("raidcfg-setup", Offer.Setup) {
   if (Offer.Gui) {
     Gui_ = std::make_unique<emu::GuiDriver>(*Firmware_);
   }
   if (Offer.Qol) {
     Qol_ = std::make_unique<emu::QolCommands>(*Firmware_);
   }
-  Xml_ = std::make_unique<emu::XmlParser>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  Volume_ = std::make_unique<emu::HostVolume>(*Firmware_, Directory_);
   Image_ = Firmware_->CreateImageHandle(Volume_->Handle());
 }
 
+// The module goes first; the server's parts follow in reverse.
 ModuleWorld::~ModuleWorld() {
   if (Loaded_) {
     Unload();
   }
-  Devices_.clear();
-  Volume_.reset();
-  Shell_.reset();
-  Xml_.reset();
   Qol_.reset();
   Gui_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-  gRT = nullptr;
-  gImageHandle = nullptr;
-  std::filesystem::remove_all(Directory_);
-}
-
-VOID ModuleWorld::AddFunction(const PciFunction &Function) {
-  emu::PciLocation Location;
-  Location.Bus = Function.Bus;
-  Location.Device = Function.Device;
-  Location.Function = Function.Function;
-  emu::PciIdentity Identity;
-  Identity.VendorId = Function.VendorId;
-  Identity.DeviceId = Function.DeviceId;
-  Identity.SubVendorId = Function.SubVendorId;
-  Identity.SubDeviceId = Function.SubDeviceId;
-  Identity.BaseClass = Function.BaseClass;
-  Identity.SubClass = Function.SubClass;
-  Identity.ProgInterface = Function.ProgIf;
-  Devices_.push_back(
-      std::make_unique<emu::PciDevice>(*Firmware_, Location, Identity));
-}
-
-VOID ModuleWorld::WriteFile(const std::string &Name, const std::string &Text) {
-  std::ofstream(Directory_ / Name, std::ios::binary) << Text;
 }
 
 VOID ModuleWorld::RemoveFile(const std::string &Name) {
@@ -139,26 +85,6 @@ EFI_STATUS ModuleWorld::Unload() {
   EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
   EXPECT_EQ(Firmware_->Memory().EventReport(), "");
   return Status;
-}
-
-std::vector<std::string> ModuleWorld::Trace() const {
-  std::vector<std::string> Lines;
-  if (Setup_ == nullptr) {
-    return Lines;
-  }
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    Lines.push_back(WithoutLineEnd(Text));
-  }
-  return Lines;
-}
-
-bool ModuleWorld::TraceHas(const std::string &Line) const {
-  for (const std::string &Text : Trace()) {
-    if (Text == Line) {
-      return true;
-    }
-  }
-  return false;
 }
 
 std::vector<std::string> ModuleWorld::ModuleTrace() const {

@@ -7,7 +7,6 @@
 #include <Library/UefiBootServicesTableLib.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,13 +31,13 @@ struct HostOffer {
 
 inline constexpr UINT16 kMicrochip = 0x9005;
 
-class ModuleWorld : public ::testing::Test {
+// The emulated server with the module's image handle on the boot volume
+// and the GUI driver and management-controller protocols as offered.
+class ModuleWorld : public ::testing::Test, public core_test::EmulatedServer {
  public:
   explicit ModuleWorld(HostOffer Offer = {});
   ~ModuleWorld() override;
 
-  VOID AddFunction(const PciFunction &Function);
-  VOID WriteFile(const std::string &Name, const std::string &Text);
   VOID RemoveFile(const std::string &Name);
   // Two Microchip adapters, both named in pcidb.xml and raid.xml.
   VOID BuildSmallServer();
@@ -52,21 +51,11 @@ class ModuleWorld : public ::testing::Test {
   // UnloadImage; its status. The pool must be empty afterwards.
   EFI_STATUS Unload();
 
-  // Trace lines without their CR LF.
-  std::vector<std::string> Trace() const;
-  bool TraceHas(const std::string &Line) const;
   // The module's own lines ("RAID: [" and "[...]<err>"), time stamps masked.
   std::vector<std::string> ModuleTrace() const;
 
-  std::unique_ptr<emu::Firmware> Firmware_;
-  std::unique_ptr<emu::SetupProtocol> Setup_;
   std::unique_ptr<emu::GuiDriver> Gui_;
   std::unique_ptr<emu::QolCommands> Qol_;
-  std::unique_ptr<emu::XmlParser> Xml_;
-  std::unique_ptr<emu::ShellCommand> Shell_;
-  std::unique_ptr<emu::HostVolume> Volume_;
-  std::vector<std::unique_ptr<emu::PciDevice>> Devices_;
-  std::filesystem::path Directory_;
   EFI_HANDLE Image_ = nullptr;
   bool Loaded_ = false;
 };
