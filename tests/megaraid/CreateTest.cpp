@@ -93,17 +93,9 @@ json CreatedVolume(uint32_t Number, const std::string &Name, uint64_t OffsetMb,
           {"diskCache", "on"}};
 }
 
-class CreateWorld : public MegaRaidWorld {
+class CreateWorld : public OneAdapterWorld {
  public:
   ~CreateWorld() override { gLsiCommandForm = 0; }
-
-  VOID StartWith(const json &Adapter) {
-    AddAdapter(MegaRaidAt(kBus), Adapter);
-    Start();
-    Controller = Refresh(ControllerAt(kBus));
-    Before = StateAt(kBus);
-    ClearCommands();
-  }
 
   // Runs CreateVolume through the dispatch.
   EFI_STATUS Create(Request &R, UINT32 *ErrorCode) {
@@ -116,9 +108,6 @@ class CreateWorld : public MegaRaidWorld {
     EXPECT_EQ(ModelJson(Controller).dump(1), ExpectedModel(AdapterAt(kBus)).dump(1));
     ExpectModelMatches(kBus);
   }
-
-  RAID_CONTROLLER *Controller = nullptr;
-  json Before;
 };
 
 // ---- New arrays -------------------------------------------------------------
@@ -152,7 +141,7 @@ class NewArrayTest : public CreateWorld,
 
 TEST_P(NewArrayTest, AddsExactlyTheNewArray) {
   const NewArrayCase &Case = GetParam();
-  StartWith(FreeDrivesAdapter());
+  StartWith(kBus, FreeDrivesAdapter());
   gLsiCommandForm = Case.Form;
   // Drives are handed over in a scrambled order: the command lists them by
   // enclosure in the controller's drive order.
@@ -199,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // The command lines of each form, word for word.
 TEST_F(CreateWorld, CommandLinesOfTheThreeForms) {
-  StartWith(FreeDrivesAdapter());
+  StartWith(kBus, FreeDrivesAdapter());
   const std::vector<std::pair<UINT32, std::string>> Forms = {
       {0, "storcli.efi /c0 add vd raid10 size=100.000GB name=v drives=252:0,1,253:0,1 "
           "pdperarray=2 pdcache=on cached wt nora strip=64  mronly nolog"},
@@ -230,7 +219,7 @@ TEST_F(CreateWorld, CommandLinesOfTheThreeForms) {
 // makes 252:7 a spare, finds no drive 252:253 and reports the command as
 // failed; that verdict, not the volume's, is the operation's.
 TEST_F(CreateWorld, SparesInTwoEnclosuresNameOnlyTheFirst) {
-  StartWith(FreeDrivesAdapter());
+  StartWith(kBus, FreeDrivesAdapter());
   auto R = NewArray(Controller, 1, {"252:0", "252:1"}, {"252:7", "253:7"}, 100000, u"m");
   UINT32 ErrorCode = 0;
   EXPECT_EQ(Create(*R, &ErrorCode), EFI_SUCCESS);
@@ -281,7 +270,7 @@ class ExistingArrayTest : public CreateWorld,
 
 TEST_P(ExistingArrayTest, PlacesTheVolumeInTheChosenSegment) {
   const ExistingCase &Case = GetParam();
-  StartWith(UsedAdapter());
+  StartWith(kBus, UsedAdapter());
   RAID_ARRAY *Array = ArrayWithId(Controller, Case.Array);
   ASSERT_NE(Array, nullptr);
   RAID_VOLUME *Segment = FreeSegmentAfter(Array, Case.AfterVd);
@@ -345,7 +334,7 @@ class RefusedCreateTest : public CreateWorld,
 
 TEST_P(RefusedCreateTest, ReportsTheToolsCodeAndChangesNothing) {
   const RefusalCase &Case = GetParam();
-  StartWith(UsedAdapter());
+  StartWith(kBus, UsedAdapter());
   auto R = NewArray(Controller, Case.Level, Case.Drives, {}, Case.Size, u"x");
   UINT32 ErrorCode = 0;
   EXPECT_EQ(Create(*R, &ErrorCode), EFI_SUCCESS);  // the refresh worked
@@ -372,7 +361,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // No member drives: nothing runs, the model is re-read all the same.
 TEST_F(CreateWorld, NewArrayWithoutDrivesRunsNothing) {
-  StartWith(UsedAdapter());
+  StartWith(kBus, UsedAdapter());
   auto R = NewArray(Controller, 1, {}, {}, 100000, u"x");
   UINT32 ErrorCode = 0;
   EXPECT_EQ(Create(*R, &ErrorCode), EFI_SUCCESS);

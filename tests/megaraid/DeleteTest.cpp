@@ -34,15 +34,9 @@ const json kAdapter = json::parse(R"({
   ]
 })");
 
-class DeleteTest : public MegaRaidWorld {
+class DeleteTest : public OneAdapterWorld {
  public:
-  DeleteTest() {
-    AddAdapter(MegaRaidAt(kBus), kAdapter);
-    Start();
-    Controller = Refresh(ControllerAt(kBus));
-    Before = StateAt(kBus);
-    ClearCommands();
-  }
+  DeleteTest() { StartWith(kBus, kAdapter); }
 
   // "del force" lines of the commands run, in order.
   std::vector<std::string> Deletions() const {
@@ -65,9 +59,6 @@ class DeleteTest : public MegaRaidWorld {
     Expected["driveGroups"][Group]["virtualDrives"] = Kept;
     return Expected;
   }
-
-  RAID_CONTROLLER *Controller = nullptr;
-  json Before;
 };
 
 TEST_F(DeleteTest, OneVolume) {

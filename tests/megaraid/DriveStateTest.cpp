@@ -47,20 +47,8 @@ struct StateCase {
   List ModelList;
 };
 
-class DriveStateTest : public MegaRaidWorld,
-                       public ::testing::WithParamInterface<StateCase> {
- public:
-  VOID SetUpWorld() {
-    AddAdapter(MegaRaidAt(kBus), kAdapter);
-    Start();
-    Controller = Refresh(ControllerAt(kBus));
-    Before = StateAt(kBus);
-    ClearCommands();
-  }
-
-  RAID_CONTROLLER *Controller = nullptr;
-  json Before;
-};
+class DriveStateTest : public OneAdapterWorld,
+                       public ::testing::WithParamInterface<StateCase> {};
 
 bool InList(const LIST_ENTRY &Head, const RAID_PHYSICAL_DRIVE *Drive) {
   for (const LIST_ENTRY *Entry = Head.ForwardLink; Entry != &Head;
@@ -72,7 +60,7 @@ bool InList(const LIST_ENTRY &Head, const RAID_PHYSICAL_DRIVE *Drive) {
 
 TEST_P(DriveStateTest, ChangesTheAdapterAndTheModel) {
   const StateCase &Case = GetParam();
-  SetUpWorld();
+  StartWith(kBus, kAdapter);
   RAID_PHYSICAL_DRIVE *Drive = DriveAt(Controller, Case.Address);
   ASSERT_NE(Drive, nullptr);
   const UINT32 Unconfigured = Controller->UnconfiguredDriveCount;

@@ -79,6 +79,14 @@ json MegaRaidWorld::StateAt(UINT8 Bus) const {
   return sim::megaraid::AdapterToJson(AdapterAt(Bus));
 }
 
+VOID OneAdapterWorld::StartWith(UINT8 Bus, const nlohmann::json &Content) {
+  AddAdapter(MegaRaidAt(Bus), Content);
+  Start();
+  Controller = Refresh(ControllerAt(Bus));
+  Before = StateAt(Bus);
+  ClearCommands();
+}
+
 RAID_CONTROLLER *MegaRaidWorld::Refresh(RAID_CONTROLLER *Controller) {
   RAID_CONTROLLER *Out = nullptr;
   UINT32 ErrorCode = 0xFFFFFFFF;

@@ -61,6 +61,19 @@ class MegaRaidWorld : public core_test::CoreWorld {
   std::vector<UINT8> Buses_;
 };
 
+// One adapter whose changes a test follows: the core started on it, its
+// refreshed controller and the adapter's state before the change.
+class OneAdapterWorld : public MegaRaidWorld {
+ public:
+  // Starts the core on a MegaRAID function at Bus holding Content, keeps
+  // the refreshed controller and the adapter's state, and forgets the
+  // commands run so far.
+  VOID StartWith(UINT8 Bus, const nlohmann::json &Content);
+
+  RAID_CONTROLLER *Controller = nullptr;
+  nlohmann::json Before;
+};
+
 // The first array, volume or drive of the model that satisfies a test.
 RAID_ARRAY *ArrayWithId(RAID_CONTROLLER *Controller, UINT32 Id);
 RAID_VOLUME *VolumeWithId(RAID_ARRAY *Array, UINT32 Id);
