@@ -12,11 +12,6 @@ namespace {
 
 Firmware &Fw() { return Firmware::Current(); }
 
-EFI_STATUS Unsupported(const char *Service) {
-  Fw().RecordUnsupported(Service);
-  return EFI_UNSUPPORTED;
-}
-
 // ---- Task priority ------------------------------------------------------
 
 EFI_TPL EFIAPI RaiseTpl(EFI_TPL NewTpl) {
@@ -400,6 +395,11 @@ UINT32 Crc32(const VOID *Data, UINTN Size) {
     }
   }
   return ~Crc;
+}
+
+EFI_STATUS Unsupported(const char *Service) {
+  Firmware::Current().RecordUnsupported(Service);
+  return EFI_UNSUPPORTED;
 }
 
 VOID SealTableHeader(EFI_TABLE_HEADER &Header) {

@@ -9,11 +9,6 @@ namespace {
 
 Firmware &Fw() { return Firmware::Current(); }
 
-EFI_STATUS Unsupported(const char *Service) {
-  Fw().RecordUnsupported(Service);
-  return EFI_UNSUPPORTED;
-}
-
 // 2024-01-01 00:00:00 plus the virtual time, within the first day.
 EFI_STATUS EFIAPI GetTime(EFI_TIME *Time, VOID *) {
   if (Time == nullptr) {
