@@ -84,9 +84,13 @@ PciDevice *PciDevice::Owner(EFI_PCI_IO_PROTOCOL *This) {
   return reinterpret_cast<Instance *>(This)->Owner;
 }
 
-EFI_STATUS PciDevice::CheckAccess(EFI_PCI_IO_PROTOCOL_WIDTH Width,
+EFI_STATUS PciDevice::CheckAccess(EFI_PCI_IO_PROTOCOL *This,
+                                  EFI_PCI_IO_PROTOCOL_WIDTH Width,
                                   UINT32 Offset, UINTN Count, VOID *Buffer,
                                   UINTN &Bytes) {
+  if (This == nullptr) {
+    return EFI_INVALID_PARAMETER;
+  }
   UINTN Unit;
   switch (Width) {
     case EfiPciIoWidthUint8:
@@ -115,11 +119,9 @@ EFI_STATUS EFIAPI PciDevice::ConfigRead(EFI_PCI_IO_PROTOCOL *This,
                                         EFI_PCI_IO_PROTOCOL_WIDTH Width,
                                         UINT32 Offset, UINTN Count,
                                         VOID *Buffer) {
-  if (This == nullptr) {
-    return EFI_INVALID_PARAMETER;
-  }
   UINTN Bytes = 0;
-  const EFI_STATUS Status = CheckAccess(Width, Offset, Count, Buffer, Bytes);
+  const EFI_STATUS Status =
+      CheckAccess(This, Width, Offset, Count, Buffer, Bytes);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -133,11 +135,9 @@ EFI_STATUS EFIAPI PciDevice::ConfigWrite(EFI_PCI_IO_PROTOCOL *This,
                                          EFI_PCI_IO_PROTOCOL_WIDTH Width,
                                          UINT32 Offset, UINTN Count,
                                          VOID *Buffer) {
-  if (This == nullptr) {
-    return EFI_INVALID_PARAMETER;
-  }
   UINTN Bytes = 0;
-  const EFI_STATUS Status = CheckAccess(Width, Offset, Count, Buffer, Bytes);
+  const EFI_STATUS Status =
+      CheckAccess(This, Width, Offset, Count, Buffer, Bytes);
   if (EFI_ERROR(Status)) {
     return Status;
   }

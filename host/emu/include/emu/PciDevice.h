@@ -77,8 +77,10 @@ class PciDevice {
       EFI_PCI_IO_PROTOCOL *This,
       EFI_PCI_IO_PROTOCOL_ATTRIBUTE_OPERATION Operation, UINT64 Attributes,
       UINT64 *Result);
-  // Checks a configuration access; the byte count on success.
-  static EFI_STATUS CheckAccess(EFI_PCI_IO_PROTOCOL_WIDTH Width,
+  // Checks a configuration access, the instance included; the byte count
+  // on success.
+  static EFI_STATUS CheckAccess(EFI_PCI_IO_PROTOCOL *This,
+                                EFI_PCI_IO_PROTOCOL_WIDTH Width,
                                 UINT32 Offset, UINTN Count, VOID *Buffer,
                                 UINTN &Bytes);
 
