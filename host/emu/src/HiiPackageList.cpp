@@ -114,6 +114,17 @@ bool SkipExtendedBlock(Reader &Blocks, UINT8 BlockType, std::string *Error) {
   return true;
 }
 
+// Reads one NUL-terminated UCS-2 string and gives it the next id.
+bool ReadNextString(Reader &Blocks,
+                    std::map<EFI_STRING_ID, std::u16string> &Texts,
+                    UINT32 &NextId, std::string *Error) {
+  std::u16string Text;
+  if (!Blocks.ReadUcs2(Text)) {
+    return Fail(Error, "unterminated string");
+  }
+  return AddString(Texts, NextId, std::move(Text), Error);
+}
+
 // Reads the string blocks of one package into Texts.
 bool ParseStringBlocks(Reader &Blocks,
                        std::map<EFI_STRING_ID, std::u16string> &Texts,
@@ -127,27 +138,18 @@ bool ParseStringBlocks(Reader &Blocks,
     switch (BlockType) {
       case EFI_HII_SIBT_END:
         return true;
-      case EFI_HII_SIBT_STRING_UCS2: {
-        std::u16string Text;
-        if (!Blocks.ReadUcs2(Text)) {
-          return Fail(Error, "unterminated string");
-        }
-        if (!AddString(Texts, NextId, std::move(Text), Error)) {
+      case EFI_HII_SIBT_STRING_UCS2:
+        if (!ReadNextString(Blocks, Texts, NextId, Error)) {
           return false;
         }
         break;
-      }
       case kSibtStringsUcs2: {
         UINT16 Count;
         if (!Blocks.Read(Count)) {
           return Fail(Error, "truncated SIBT_STRINGS_UCS2");
         }
         for (UINT16 Index = 0; Index < Count; ++Index) {
-          std::u16string Text;
-          if (!Blocks.ReadUcs2(Text)) {
-            return Fail(Error, "unterminated string");
-          }
-          if (!AddString(Texts, NextId, std::move(Text), Error)) {
+          if (!ReadNextString(Blocks, Texts, NextId, Error)) {
             return false;
           }
         }
