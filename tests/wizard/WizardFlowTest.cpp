@@ -47,10 +47,10 @@ TEST_F(WizardFlowTest, PageOneIsBuiltOnce) {
 
 TEST_F(WizardFlowTest, LoadingProgressMovesPerAdapter) {
   StartDemo();
-  // Five adapters: 30 + 14 per adapter, the last one 100 (not seen, it
+  // Six adapters: 30 + 70 / 6 per adapter, the last one 100 (not seen, it
   // closes the box).
   EXPECT_EQ(Driver_.ProgressSeen(),
-            (std::vector<UINT8>{10, 30, 44, 58, 72, 86}));
+            (std::vector<UINT8>{10, 30, 41, 52, 63, 74, 85}));
 }
 
 TEST_F(WizardFlowTest, NextAndBackBetweenThePages) {
@@ -66,8 +66,18 @@ TEST_F(WizardFlowTest, NextAndBackBetweenThePages) {
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_CONTROLLER_SELECTION));
   EXPECT_EQ(framework::FocusNode(), Node(RAID_NODE_NEXT));
-  // Start enters the same page.
+  // Start enters the same page. The first adapter's drives are of mixed
+  // types, so only the advanced path is open: Next goes to the new array.
   ASSERT_EQ(Press(RAID_NODE_START), EFI_SUCCESS);
+  EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_CONFIG_TYPE));
+  ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
+  EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_NEW_ARRAY));
+}
+
+TEST_F(WizardFlowTest, DrivesOfOneTypeOpenTheSimplePath) {
+  StartDemo();
+  ASSERT_EQ(ChooseAdapter(kSasMegaRaid), EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
   EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_CONFIG_TYPE));
   ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
   EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_SIMPLE_LEVEL));
@@ -162,9 +172,9 @@ INSTANTIATE_TEST_SUITE_P(
       return Name;
     });
 
-// The model dump reads every controller: both MegaRAIDs with every drive,
+// The model dump reads every controller: the MegaRAIDs with every drive,
 // drive group, virtual disk and free segment.
-TEST(DemoModelTest, DumpShowsBothMegaRaidAdaptersWhole) {
+TEST(DemoModelTest, DumpShowsEveryMegaRaidAdapterWhole) {
   host::Server Machine(host::DemoScenario());
   const host::ModelJson Model = host::RunModuleForModel(Machine);
   ASSERT_FALSE(Model.is_null());
@@ -174,9 +184,10 @@ TEST(DemoModelTest, DumpShowsBothMegaRaidAdaptersWhole) {
       MegaRaids.push_back(Controller);
     }
   }
-  ASSERT_EQ(MegaRaids.size(), 2u);
+  ASSERT_EQ(MegaRaids.size(), 3u);
   EXPECT_EQ(MegaRaids[0]["DriveTable"].size(), 8u);
   EXPECT_EQ(MegaRaids[1]["DriveTable"].size(), 9u);
+  EXPECT_EQ(MegaRaids[2]["DriveTable"].size(), 8u);
   ASSERT_EQ(MegaRaids[1]["Arrays"].size(), 2u);
   size_t Volumes = 0;
   size_t FreeSegments = 0;

@@ -18,6 +18,7 @@ namespace wizard_test {
 // The demo server's adapters by radio option.
 constexpr UINTN kEmptyMegaRaid = 0;       // eight unconfigured drives
 constexpr UINTN kConfiguredMegaRaid = 1;  // two arrays, three virtual disks
+constexpr UINTN kSasMegaRaid = 2;         // eight unconfigured SAS drives
 
 class WizardWorld : public ::testing::Test {
  protected:

@@ -424,13 +424,19 @@ TEST_F(ConfigWizardTest, GoldenScreens) {
 
 // ---- Scripts -----------------------------------------------------------------------------------
 
-nlohmann::json RunScript(const std::string &Script) {
+// Runs a script of scenarios/ on a scenario file, or on the embedded demo
+// server when Scenario is empty.
+nlohmann::json RunScript(const std::string &Script,
+                         const std::string &Scenario = "megaraid-six-sas.json") {
   std::ostringstream Out;
   std::ostringstream Err;
   host::Options Options;
-  Options.Scenario =
-      std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/megaraid-six-sas.json";
-  Options.Script = std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/" + Script;
+  if (!Scenario.empty()) {
+    Options.Scenario = std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/" + Scenario;
+  }
+  Options.Script = Script.front() == '/'
+                       ? Script
+                       : std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/" + Script;
   EXPECT_EQ(host::RunHost(Options, Out, Err), 0) << Err.str();
   const std::string Printed = Out.str();
   EXPECT_EQ(Printed.find("error"), std::string::npos) << Printed;
@@ -456,6 +462,36 @@ TEST(ConfigScriptTest, TwoVirtualDisksOnANewRaid10) {
   ASSERT_EQ(Groups[0]["virtualDrives"].size(), 2u);
   EXPECT_EQ(Groups[0]["virtualDrives"][0]["sizeMb"], 200 * 1024);
   EXPECT_EQ(Groups[0]["virtualDrives"][1]["name"], "Volume1");
+}
+
+// The same two flows on the demo server that the README's first command
+// starts, on its third MegaRAID adapter; the other adapters stay as they were.
+TEST(ConfigScriptTest, DemoServerFlowsTouchOnlyTheChosenAdapter) {
+  const std::string Idle = ::testing::TempDir() + "/idle.script";
+  std::ofstream(Idle) << "expect-title \"RAID Setup - Select RAID Adapter\"\n";
+  const nlohmann::json Before = RunScript(Idle, "")["megaraid"];
+  ASSERT_EQ(Before.size(), 3u);
+  struct Flow {
+    const char *Script;
+    int Level;
+    size_t Members;
+    size_t Spares;
+    size_t Volumes;
+  };
+  for (const Flow &Case : {Flow{"demo-simple-raid5-hotspare.script", 5, 7, 1, 1},
+                           Flow{"demo-advanced-raid10-two-vds.script", 10, 4, 0, 2}}) {
+    SCOPED_TRACE(Case.Script);
+    const nlohmann::json After = RunScript(Case.Script, "")["megaraid"];
+    ASSERT_EQ(After.size(), 3u);
+    EXPECT_EQ(After[0], Before[0]);
+    EXPECT_EQ(After[1], Before[1]);
+    const nlohmann::json &Groups = After[2]["driveGroups"];
+    ASSERT_EQ(Groups.size(), 1u);
+    EXPECT_EQ(Groups[0]["raidLevel"], Case.Level);
+    EXPECT_EQ(Groups[0]["members"].size(), Case.Members);
+    EXPECT_EQ(Groups[0]["dedicatedSpares"].size(), Case.Spares);
+    EXPECT_EQ(Groups[0]["virtualDrives"].size(), Case.Volumes);
+  }
 }
 
 }  // namespace
