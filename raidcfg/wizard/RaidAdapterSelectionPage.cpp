@@ -148,19 +148,6 @@ UINT32 ListArrays(RAID_ARRAY **Arrays) {
                            RAID_SERVICE_MAX_ARRAYS);
 }
 
-// A table cell holding a pool copy of Text; FALSE when memory is short.
-BOOLEAN SetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
-                    CHAR16 *Text) {
-  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
-  if (Cell == nullptr || Text == nullptr) {
-    FreePool(Text);
-    return FALSE;
-  }
-  FreePool(const_cast<CHAR16 *>(Cell->Text));
-  Cell->Text = Text;
-  return TRUE;
-}
-
 // The capacity cell of an array row; kind 5 shows RAID 1 and 10 arrays at
 // half their size.
 CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
@@ -181,12 +168,13 @@ CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
 
 BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
                      const RAID_ARRAY *Array) {
-  return SetCellText(Table, Row, 0, AllocString(u"")) &&
-         SetCellText(Table, Row, 1, AllocString(Array->Name)) &&
-         SetCellText(Table, Row, 2,
-                     RaidFormatText(16, u"%s%d", u"RAID ",
-                                    static_cast<UINT32>(Array->RaidLevel))) &&
-         SetCellText(Table, Row, 3, ArrayCapacityText(Array));
+  return RaidSetCellText(Table, Row, 0, AllocString(u"")) &&
+         RaidSetCellText(Table, Row, 1, AllocString(Array->Name)) &&
+         RaidSetCellText(
+             Table, Row, 2,
+             RaidFormatText(16, u"%s%d", u"RAID ",
+                            static_cast<UINT32>(Array->RaidLevel))) &&
+         RaidSetCellText(Table, Row, 3, ArrayCapacityText(Array));
 }
 
 BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
@@ -195,15 +183,16 @@ BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
   CHAR16 Size[kSizeTextLength] = {};
   RaidFormatSizeText(Size, sizeof(Size), Volume->SizeFigure / 1000,
                      Volume->SizeFigure % 1000, Volume->SizeUnit);
-  return SetCellText(Table, Row, 0, AllocString(u"")) &&
-         SetCellText(Table, Row, 1,
-                     RaidFormatText(StrLen(Name) + 20, u"     VD%d: %s",
-                                    Volume->Id, Name)) &&
-         SetCellText(Table, Row, 2,
-                     RaidFormatText(StrLen(GetStateText(Volume->State)) + 5,
-                                    u"     %s", GetStateText(Volume->State))) &&
-         SetCellText(Table, Row, 3,
-                     RaidFormatText(kSizeTextLength, u"     %s", Size));
+  return RaidSetCellText(Table, Row, 0, AllocString(u"")) &&
+         RaidSetCellText(Table, Row, 1,
+                         RaidFormatText(StrLen(Name) + 20, u"     VD%d: %s",
+                                        Volume->Id, Name)) &&
+         RaidSetCellText(
+             Table, Row, 2,
+             RaidFormatText(StrLen(GetStateText(Volume->State)) + 5, u"     %s",
+                            GetStateText(Volume->State))) &&
+         RaidSetCellText(Table, Row, 3,
+                         RaidFormatText(kSizeTextLength, u"     %s", Size));
 }
 
 // The heading row, written only when the controller has an array.

@@ -59,17 +59,6 @@ HOST_PAGE_NODE *DriveTable() {
   return RaidFindNode(kNewArrayPage, RAID_NODE_NEW_ARRAY_DRIVE_TABLE);
 }
 
-BOOLEAN SetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
-                    CHAR16 *Text) {
-  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
-  if (Cell == nullptr || Text == nullptr) {
-    FreePool(Text);
-    return FALSE;
-  }
-  Cell->Text = Text;
-  return TRUE;
-}
-
 // "%ld GB" of a size in thousandths of Unit.
 CHAR16 *SizeText(UINT64 Figure, UINT32 Unit) {
   CHAR16 Buffer[kSizeTextLength] = {};
@@ -127,22 +116,23 @@ VOID GetRaidSelectArrayTableData(RAID_TABLE_DATA *Table) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return;
   }
-  SetCellText(Table, 0, 1, AllocString(RaidString(STR_COLUMN_NAME)));
-  SetCellText(Table, 0, 2, AllocString(RaidString(STR_RAID_LEVEL_PREFIX)));
-  SetCellText(Table, 0, 3, AllocString(RaidString(STR_COLUMN_FREE_CAPACITY)));
+  RaidSetCellText(Table, 0, 1, AllocString(RaidString(STR_COLUMN_NAME)));
+  RaidSetCellText(Table, 0, 2, AllocString(RaidString(STR_RAID_LEVEL_PREFIX)));
+  RaidSetCellText(Table, 0, 3,
+                  AllocString(RaidString(STR_COLUMN_FREE_CAPACITY)));
   UINT32 Row = 1;
   for (UINT32 Index = 0; Index < Count; Index++) {
     RAID_VOLUME *Segments[kMaxSegments] = {};
     const UINT32 SegmentCount =
         RaidCollectFreeSegments(Arrays[Index], Segments, kMaxSegments);
     for (UINT32 Segment = 0; Segment < SegmentCount && Row < Rows; Segment++) {
-      SetCellText(Table, Row, 1, AllocString(Arrays[Index]->Name));
-      SetCellText(Table, Row, 2,
-                  RaidFormatText(kSizeTextLength, u"%s%d", u"RAID ",
-                                 Arrays[Index]->RaidLevel));
-      SetCellText(Table, Row, 3,
-                  SizeText(Segments[Segment]->SizeFigure,
-                           Segments[Segment]->SizeUnit));
+      RaidSetCellText(Table, Row, 1, AllocString(Arrays[Index]->Name));
+      RaidSetCellText(Table, Row, 2,
+                      RaidFormatText(kSizeTextLength, u"%s%d", u"RAID ",
+                                     Arrays[Index]->RaidLevel));
+      RaidSetCellText(
+          Table, Row, 3,
+          SizeText(Segments[Segment]->SizeFigure, Segments[Segment]->SizeUnit));
       Row++;
     }
   }
@@ -256,14 +246,17 @@ VOID WriteRaidArrayData(RAID_TABLE_DATA *Table, UINT32 Row,
                         const RAID_PHYSICAL_DRIVE *Drive) {
   HOST_TABLE_CELL *Check = RaidTableCell(Table, Row, kCheckColumn);
   Check->Kind = HOST_CELL_CHECK_BOX;
-  SetCellText(Table, Row, 1,
-              RaidFormatText(StrLen(Drive->Location), u"%s", Drive->Location));
-  SetCellText(Table, Row, kTypeColumn, AllocString(MediaWord(Drive->MediaType)));
-  SetCellText(Table, Row, kStateColumn, AllocString(GetStateText(Drive->State)));
+  RaidSetCellText(
+      Table, Row, 1,
+      RaidFormatText(StrLen(Drive->Location), u"%s", Drive->Location));
+  RaidSetCellText(Table, Row, kTypeColumn,
+                  AllocString(MediaWord(Drive->MediaType)));
+  RaidSetCellText(Table, Row, kStateColumn,
+                  AllocString(GetStateText(Drive->State)));
   CHAR16 Buffer[kSizeTextLength] = {};
   RaidFormatSizeText(Buffer, sizeof(Buffer), Drive->SizeFigure / 1000,
                      Drive->SizeFigure % 1000, Drive->SizeUnit);
-  SetCellText(Table, Row, 4, AllocString(Buffer));
+  RaidSetCellText(Table, Row, 4, AllocString(Buffer));
   FillRoleCell(RaidTableCell(Table, Row, kRoleColumn));
 }
 
@@ -316,14 +309,16 @@ VOID GetCreateRaidTableData() {
   RaidTableCell(&Table, 0, kCheckColumn)->Kind = HOST_CELL_CHECK_BOX;
   const BOOLEAN Enclosures = gRaidAdapterKind == RAID_ADAPTER_KIND_STORCLI ||
                              gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF;
-  SetCellText(&Table, 0, 1,
-              AllocString(Enclosures ? u"EID:Slot"
-                                     : RaidString(STR_COLUMN_DRIVE)));
-  SetCellText(&Table, 0, kTypeColumn, AllocString(RaidString(STR_COLUMN_TYPE)));
-  SetCellText(&Table, 0, kStateColumn,
-              AllocString(RaidString(STR_COLUMN_STATE)));
-  SetCellText(&Table, 0, 4, AllocString(RaidString(STR_COLUMN_CAPACITY)));
-  SetCellText(&Table, 0, kRoleColumn, AllocString(RaidString(STR_COLUMN_ROLE)));
+  RaidSetCellText(
+      &Table, 0, 1,
+      AllocString(Enclosures ? u"EID:Slot" : RaidString(STR_COLUMN_DRIVE)));
+  RaidSetCellText(&Table, 0, kTypeColumn,
+                  AllocString(RaidString(STR_COLUMN_TYPE)));
+  RaidSetCellText(&Table, 0, kStateColumn,
+                  AllocString(RaidString(STR_COLUMN_STATE)));
+  RaidSetCellText(&Table, 0, 4, AllocString(RaidString(STR_COLUMN_CAPACITY)));
+  RaidSetCellText(&Table, 0, kRoleColumn,
+                  AllocString(RaidString(STR_COLUMN_ROLE)));
   UINT32 Row = 1;
   for (RAID_PHYSICAL_DRIVE *Drive :
        uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(Controller->PhysicalDriveList)) {

@@ -132,6 +132,18 @@ HOST_TABLE_CELL *RaidTableCell(RAID_TABLE_DATA *Table, UINT32 Row,
   return &Table->Cells[static_cast<UINTN>(Row) * Table->ColumnCount + Column];
 }
 
+BOOLEAN RaidSetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
+                        CHAR16 *Text) {
+  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
+  if (Cell == nullptr || Text == nullptr) {
+    FreePool(Text);
+    return FALSE;
+  }
+  FreePool(const_cast<CHAR16 *>(Cell->Text));
+  Cell->Text = Text;
+  return TRUE;
+}
+
 VOID RaidFreeTable(RAID_TABLE_DATA *Table) {
   if (Table == nullptr) {
     return;

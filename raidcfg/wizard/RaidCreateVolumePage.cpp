@@ -25,17 +25,6 @@ HOST_PAGE_NODE *PlannedTable() {
   return RaidFindNode(kPage, RAID_NODE_PLANNED_TABLE);
 }
 
-BOOLEAN SetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
-                    CHAR16 *Text) {
-  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
-  if (Cell == nullptr || Text == nullptr) {
-    FreePool(Text);
-    return FALSE;
-  }
-  Cell->Text = Text;
-  return TRUE;
-}
-
 UINT32 PlannedCount() {
   UINT32 Count = 0;
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
@@ -52,21 +41,21 @@ VOID GetCreateRaidVolumeTableData(RAID_TABLE_DATA *Table) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return;
   }
-  SetCellText(Table, 0, 1,
-              AllocString(RaidString(STR_COLUMN_VIRTUAL_DISK_NAME)));
-  SetCellText(Table, 0, 2, AllocString(RaidString(STR_RAID_LEVEL_PREFIX)));
-  SetCellText(Table, 0, 3, AllocString(RaidString(STR_COLUMN_CAPACITY)));
+  RaidSetCellText(Table, 0, 1,
+                  AllocString(RaidString(STR_COLUMN_VIRTUAL_DISK_NAME)));
+  RaidSetCellText(Table, 0, 2, AllocString(RaidString(STR_RAID_LEVEL_PREFIX)));
+  RaidSetCellText(Table, 0, 3, AllocString(RaidString(STR_COLUMN_CAPACITY)));
   UINT32 Row = 1;
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
        Record != nullptr && Row < Table->RowCount;
        Record = Record->Next, Row++) {
-    SetCellText(Table, Row, 1, AllocString(Record->Name));
-    SetCellText(Table, Row, 2,
-                RaidFormatText(kSizeTextLength, u"%d", Record->RaidLevel));
+    RaidSetCellText(Table, Row, 1, AllocString(Record->Name));
+    RaidSetCellText(Table, Row, 2,
+                    RaidFormatText(kSizeTextLength, u"%d", Record->RaidLevel));
     CHAR16 Size[kSizeTextLength] = {};
     RaidFormatSizeText(Size, sizeof(Size), Record->Size / 1000,
                        Record->Size % 1000, RAID_VOLUME_SIZE_UNIT);
-    SetCellText(Table, Row, 3, AllocString(Size));
+    RaidSetCellText(Table, Row, 3, AllocString(Size));
   }
 }
 

@@ -127,17 +127,6 @@ BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
   return TRUE;
 }
 
-BOOLEAN SetCell(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
-                CHAR16 *Text) {
-  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
-  if (Cell == nullptr || Text == nullptr) {
-    FreePool(Text);
-    return FALSE;
-  }
-  Cell->Text = Text;
-  return TRUE;
-}
-
 // One drive's row.
 BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
                                   const RAID_PHYSICAL_DRIVE *Drive,
@@ -145,10 +134,11 @@ BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
   CHAR16 Size[kSizeTextLength] = {};
   RaidFormatSizeText(Size, sizeof(Size), Drive->SizeFigure / 1000,
                      Drive->SizeFigure % 1000, Drive->SizeUnit);
-  return SetCell(Table, Row, 0, AllocString(Drive->Location)) &&
-         SetCell(Table, Row, 1, AllocString(GetStateText(Drive->State))) &&
-         SetCell(Table, Row, 2, AllocString(Size)) &&
-         SetCell(Table, Row, 3, AllocString(Drive->Model)) &&
+  return RaidSetCellText(Table, Row, 0, AllocString(Drive->Location)) &&
+         RaidSetCellText(Table, Row, 1,
+                         AllocString(GetStateText(Drive->State))) &&
+         RaidSetCellText(Table, Row, 2, AllocString(Size)) &&
+         RaidSetCellText(Table, Row, 3, AllocString(Drive->Model)) &&
          FillActionCell(RaidTableCell(Table, Row, kActionColumn),
                         RowTargetWord(Drive->State, HasArray));
 }
@@ -163,7 +153,7 @@ BOOLEAN GetRaidManagePhyDrvTableData(RAID_TABLE_DATA *Table) {
   const BOOLEAN FullAdapter = gRaidAdapterKind == RAID_ADAPTER_KIND_STORCLI ||
                               gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF;
   if (FullAdapter) {
-    if (!SetCell(Table, 0, 0, AllocString(u"EID:Slot"))) {
+    if (!RaidSetCellText(Table, 0, 0, AllocString(u"EID:Slot"))) {
       return FALSE;
     }
   } else {

@@ -29,34 +29,25 @@ constexpr const CHAR16 *kRowTitles[] = {
     u"Write Policy",      u"IO Policy", u"Disk Cache Policy"};
 constexpr UINT32 kRows = sizeof(kRowTitles) / sizeof(kRowTitles[0]);
 
-BOOLEAN SetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
-                    CHAR16 *Text) {
-  HOST_TABLE_CELL *Cell = RaidTableCell(Table, Row, Column);
-  if (Cell == nullptr || Text == nullptr) {
-    FreePool(Text);
-    return FALSE;
-  }
-  Cell->Text = Text;
-  return TRUE;
-}
-
 // The seven rows of one planned record in column Column.
 VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
                       const RAID_VOLUME_PARAMETER *Record) {
-  SetCellText(Table, 0, Column, AllocString(Record->Name));
+  RaidSetCellText(Table, 0, Column, AllocString(Record->Name));
   CHAR16 Size[kSizeTextLength] = {};
   RaidFormatSizeText(Size, sizeof(Size), Record->Size / 1000,
                      Record->Size % 1000, RAID_VOLUME_SIZE_UNIT);
-  SetCellText(Table, 1, Column, AllocString(Size));
-  SetCellText(Table, 2, Column,
-              AllocString(RaidStripeSizeWord(Record->StripeSize)));
-  SetCellText(Table, 3, Column,
-              AllocString(RaidReadPolicyWord(Record->ReadPolicy)));
-  SetCellText(Table, 4, Column,
-              AllocString(RaidWritePolicyWord(Record->WritePolicy)));
-  SetCellText(Table, 5, Column, AllocString(RaidIoPolicyWord(Record->IoPolicy)));
-  SetCellText(Table, 6, Column,
-              AllocString(RaidDiskCachePolicyWord(Record->DiskCachePolicy)));
+  RaidSetCellText(Table, 1, Column, AllocString(Size));
+  RaidSetCellText(Table, 2, Column,
+                  AllocString(RaidStripeSizeWord(Record->StripeSize)));
+  RaidSetCellText(Table, 3, Column,
+                  AllocString(RaidReadPolicyWord(Record->ReadPolicy)));
+  RaidSetCellText(Table, 4, Column,
+                  AllocString(RaidWritePolicyWord(Record->WritePolicy)));
+  RaidSetCellText(Table, 5, Column,
+                  AllocString(RaidIoPolicyWord(Record->IoPolicy)));
+  RaidSetCellText(
+      Table, 6, Column,
+      AllocString(RaidDiskCachePolicyWord(Record->DiskCachePolicy)));
 }
 
 // The table: the row titles, then one column per planned record.
@@ -70,7 +61,7 @@ BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
     return FALSE;
   }
   for (UINT32 Row = 0; Row < kRows; Row++) {
-    SetCellText(Table, Row, 0, AllocString(kRowTitles[Row]));
+    RaidSetCellText(Table, Row, 0, AllocString(kRowTitles[Row]));
   }
   UINT32 Column = 1;
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();

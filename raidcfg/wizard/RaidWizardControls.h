@@ -67,6 +67,11 @@ HOST_TABLE_CELL *RaidTableCell(RAID_TABLE_DATA *Table, UINT32 Row,
                                UINT32 Column);
 // Frees the cells' texts and options and the cells.
 VOID RaidFreeTable(RAID_TABLE_DATA *Table);
+// Gives the cell at Row, Column the text Text (a pool string it takes; the
+// cell's previous text is freed). FALSE, Text freed, when the cell is
+// missing or Text is NULL (memory was short).
+BOOLEAN RaidSetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
+                        CHAR16 *Text);
 
 // The text the control shows (takes Text, a pool string; NULL drops the
 // module's text so the control's text id shows again); refresh mark 4.
