@@ -59,14 +59,6 @@ HOST_PAGE_NODE *DriveTable() {
   return RaidFindNode(kNewArrayPage, RAID_NODE_NEW_ARRAY_DRIVE_TABLE);
 }
 
-// "%ld GB" of a size in thousandths of Unit.
-CHAR16 *SizeText(UINT64 Figure, UINT32 Unit) {
-  CHAR16 Buffer[kSizeTextLength] = {};
-  RaidFormatSizeText(Buffer, sizeof(Buffer), Figure / 1000, Figure % 1000,
-                     Unit);
-  return AllocString(Buffer);
-}
-
 // ---- Page 6 ------------------------------------------------------------------------
 
 // Makes free segment Index (counted over all arrays) the chosen one, its
@@ -130,9 +122,9 @@ VOID GetRaidSelectArrayTableData(RAID_TABLE_DATA *Table) {
       RaidSetCellText(Table, Row, 2,
                       RaidFormatText(kSizeTextLength, u"%s%d", u"RAID ",
                                      Arrays[Index]->RaidLevel));
-      RaidSetCellText(
-          Table, Row, 3,
-          SizeText(Segments[Segment]->SizeFigure, Segments[Segment]->SizeUnit));
+      RaidSetCellText(Table, Row, 3,
+                      RaidSizeText(Segments[Segment]->SizeFigure,
+                                   Segments[Segment]->SizeUnit));
       Row++;
     }
   }
@@ -253,10 +245,8 @@ VOID WriteRaidArrayData(RAID_TABLE_DATA *Table, UINT32 Row,
                   AllocString(MediaWord(Drive->MediaType)));
   RaidSetCellText(Table, Row, kStateColumn,
                   AllocString(GetStateText(Drive->State)));
-  CHAR16 Buffer[kSizeTextLength] = {};
-  RaidFormatSizeText(Buffer, sizeof(Buffer), Drive->SizeFigure / 1000,
-                     Drive->SizeFigure % 1000, Drive->SizeUnit);
-  RaidSetCellText(Table, Row, 4, AllocString(Buffer));
+  RaidSetCellText(Table, Row, 4,
+                  RaidSizeText(Drive->SizeFigure, Drive->SizeUnit));
   FillRoleCell(RaidTableCell(Table, Row, kRoleColumn));
 }
 

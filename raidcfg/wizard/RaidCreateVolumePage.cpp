@@ -52,10 +52,8 @@ VOID GetCreateRaidVolumeTableData(RAID_TABLE_DATA *Table) {
     RaidSetCellText(Table, Row, 1, AllocString(Record->Name));
     RaidSetCellText(Table, Row, 2,
                     RaidFormatText(kSizeTextLength, u"%d", Record->RaidLevel));
-    CHAR16 Size[kSizeTextLength] = {};
-    RaidFormatSizeText(Size, sizeof(Size), Record->Size / 1000,
-                       Record->Size % 1000, RAID_VOLUME_SIZE_UNIT);
-    RaidSetCellText(Table, Row, 3, AllocString(Size));
+    RaidSetCellText(Table, Row, 3,
+                    RaidSizeText(Record->Size, RAID_VOLUME_SIZE_UNIT));
   }
 }
 

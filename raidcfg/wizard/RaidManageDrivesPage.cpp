@@ -34,7 +34,6 @@ constexpr UINT32 kSelectOption = 0;
 constexpr UINT16 kMaxTableHeight = 14;
 // Drive counts from which the table takes its whole height.
 constexpr UINT32 kManyDrives = 9;
-constexpr UINTN kSizeTextLength = 32;
 
 // The fixed words of the row actions.
 constexpr CHAR16 kWordJbod[] = u"JBOD";
@@ -131,13 +130,11 @@ BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
 BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
                                   const RAID_PHYSICAL_DRIVE *Drive,
                                   BOOLEAN HasArray) {
-  CHAR16 Size[kSizeTextLength] = {};
-  RaidFormatSizeText(Size, sizeof(Size), Drive->SizeFigure / 1000,
-                     Drive->SizeFigure % 1000, Drive->SizeUnit);
   return RaidSetCellText(Table, Row, 0, AllocString(Drive->Location)) &&
          RaidSetCellText(Table, Row, 1,
                          AllocString(GetStateText(Drive->State))) &&
-         RaidSetCellText(Table, Row, 2, AllocString(Size)) &&
+         RaidSetCellText(Table, Row, 2,
+                         RaidSizeText(Drive->SizeFigure, Drive->SizeUnit)) &&
          RaidSetCellText(Table, Row, 3, AllocString(Drive->Model)) &&
          FillActionCell(RaidTableCell(Table, Row, kActionColumn),
                         RowTargetWord(Drive->State, HasArray));

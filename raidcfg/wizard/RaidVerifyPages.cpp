@@ -19,7 +19,6 @@ namespace {
 constexpr UINT32 kSimplePage = RAID_PAGE_SIMPLE_VERIFY;
 constexpr UINT32 kAdvancedPage = RAID_PAGE_ADV_VERIFY;
 constexpr UINT32 kOffset = RAID_NODE_ADV_VERIFY_OFFSET;
-constexpr UINTN kSizeTextLength = 40;
 // Sizes above this many GB are beyond what an MBR partition table reaches.
 constexpr UINT32 kMbrLimitGb = 2252;
 
@@ -33,10 +32,8 @@ constexpr UINT32 kRows = sizeof(kRowTitles) / sizeof(kRowTitles[0]);
 VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
                       const RAID_VOLUME_PARAMETER *Record) {
   RaidSetCellText(Table, 0, Column, AllocString(Record->Name));
-  CHAR16 Size[kSizeTextLength] = {};
-  RaidFormatSizeText(Size, sizeof(Size), Record->Size / 1000,
-                     Record->Size % 1000, RAID_VOLUME_SIZE_UNIT);
-  RaidSetCellText(Table, 1, Column, AllocString(Size));
+  RaidSetCellText(Table, 1, Column,
+                  RaidSizeText(Record->Size, RAID_VOLUME_SIZE_UNIT));
   RaidSetCellText(Table, 2, Column,
                   AllocString(RaidStripeSizeWord(Record->StripeSize)));
   RaidSetCellText(Table, 3, Column,

@@ -46,6 +46,9 @@ CHAR16 *RaidAppendText(EFI_STRING_ID Id, const CHAR16 *Suffix);
 CHAR16 *AllocString(const CHAR16 *Text);
 // A pool string formatted from Format, at most Characters long.
 CHAR16 *EFIAPI RaidFormatText(UINTN Characters, const CHAR16 *Format, ...);
+// "%ld GB" of a size given in thousandths of Unit (a size unit code; ""
+// for another unit), in a pool buffer; NULL when memory is short.
+CHAR16 *RaidSizeText(UINT64 Thousandths, UINT32 Unit);
 
 // ---- Values kept for controls ------------------------------------------------------
 

@@ -23,6 +23,8 @@ namespace {
 constexpr UINTN kMaxTreeDepth = 16;
 // Room a formatted number needs beyond its format's text.
 constexpr UINTN kNumberTextExtra = 25;
+// Room of a size text: "%ld GB" of a 64-bit figure is at most 23 characters.
+constexpr UINTN kSizeTextLength = 32;
 
 // Page roots the wizard made itself because no host could instantiate the
 // template (no setup protocol): bare nodes that keep the build-once rule.
@@ -294,6 +296,13 @@ CHAR16 *EFIAPI RaidFormatText(UINTN Characters, const CHAR16 *Format, ...) {
 CHAR16 *RaidFormatNumberText(EFI_STRING_ID Id, UINT32 Number) {
   const CHAR16 *Format = RaidString(Id);
   return RaidFormatText(StrLen(Format) + kNumberTextExtra, Format, Number);
+}
+
+CHAR16 *RaidSizeText(UINT64 Thousandths, UINT32 Unit) {
+  CHAR16 Buffer[kSizeTextLength] = {};
+  RaidFormatSizeText(Buffer, sizeof(Buffer), Thousandths / 1000,
+                     Thousandths % 1000, Unit);
+  return AllocString(Buffer);
 }
 
 CHAR16 *RaidAppendText(EFI_STRING_ID Id, const CHAR16 *Suffix) {
