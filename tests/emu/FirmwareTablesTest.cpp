@@ -1,7 +1,6 @@
 // The system table and its service tables as a module receives them.
 #include <Protocol/LoadedImage.h>
 
-#include <cstring>
 
 #include "EmuTestSupport.h"
 #include "emu/SmbiosTable.h"
@@ -57,20 +56,6 @@ TEST_F(FirmwareTablesTest, UnneededServicesAnswerUnsupportedAndAreNoted) {
             Fw().UnsupportedCalls());
 }
 
-TEST_F(FirmwareTablesTest, ConfigurationTableAddsReplacesAndRemoves) {
-  EFI_GUID Guid = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
-  int First = 0, Second = 0;
-  ASSERT_EQ(EFI_SUCCESS, gBS->InstallConfigurationTable(&Guid, &First));
-  ASSERT_EQ(1u, gST->NumberOfTableEntries);
-  EXPECT_EQ(&First, gST->ConfigurationTable[0].VendorTable);
-  ASSERT_EQ(EFI_SUCCESS, gBS->InstallConfigurationTable(&Guid, &Second));
-  ASSERT_EQ(1u, gST->NumberOfTableEntries);
-  EXPECT_EQ(&Second, gST->ConfigurationTable[0].VendorTable);
-  ASSERT_EQ(EFI_SUCCESS, gBS->InstallConfigurationTable(&Guid, nullptr));
-  EXPECT_EQ(0u, gST->NumberOfTableEntries);
-  EXPECT_EQ(EFI_NOT_FOUND, gBS->InstallConfigurationTable(&Guid, nullptr));
-}
-
 EFI_STATUS EFIAPI UnloadRefuses(EFI_HANDLE) { return EFI_ACCESS_DENIED; }
 EFI_STATUS EFIAPI UnloadAgrees(EFI_HANDLE) { return EFI_SUCCESS; }
 
@@ -91,22 +76,6 @@ TEST_F(FirmwareTablesTest, ImageHandleCarriesLoadedImageAndUnloads) {
   Loaded->Unload = UnloadAgrees;
   EXPECT_EQ(EFI_SUCCESS, gBS->UnloadImage(Image));
   EXPECT_FALSE(Fw().Handles().IsValid(Image));
-}
-
-TEST_F(FirmwareTablesTest, ConsoleOutputIsCaptured) {
-  gST->ConOut->OutputString(gST->ConOut, const_cast<CHAR16 *>(u"Hello\r\n"));
-  EXPECT_EQ("Hello\r\n", Fw().ConsoleOut().Text());
-  EFI_INPUT_KEY Key;
-  EXPECT_EQ(EFI_NOT_READY, gST->ConIn->ReadKeyStroke(gST->ConIn, &Key));
-}
-
-TEST_F(FirmwareTablesTest, CopyMemAndSetMemHandleOverlap) {
-  UINT8 Bytes[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-  gBS->CopyMem(Bytes + 2, Bytes, 4);
-  EXPECT_EQ(0, std::memcmp(Bytes, "\1\2\1\2\3\4\7\10", 8));
-  gBS->SetMem(Bytes, 3, 0xEE);
-  EXPECT_EQ(0xEE, Bytes[2]);
-  EXPECT_EQ(2, Bytes[3]);
 }
 
 }  // namespace
