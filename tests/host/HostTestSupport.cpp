@@ -53,21 +53,6 @@ std::string ProductFile(const char *Name) {
   return std::string(*host::FindEmbeddedFile(Name));
 }
 
-std::string WithoutController(const std::string &RaidXml,
-                              const std::string &Id) {
-  const std::string Open = "<CONTROLLER ID=\"" + Id + "\">";
-  const std::string Close = "</CONTROLLER>";
-  const std::size_t Start = RaidXml.find(Open);
-  EXPECT_NE(Start, std::string::npos) << "raid.xml has no block " << Id;
-  if (Start == std::string::npos) {
-    return RaidXml;
-  }
-  const std::size_t End = RaidXml.find(Close, Start);
-  std::string Result = RaidXml;
-  Result.erase(Start, End + Close.size() - Start);
-  return Result;
-}
-
 DumpRun RunDump(const json &Scenario, const host::ServerOptions &Options,
                 const host::FamilyRegistry &Families) {
   return RunDump(host::ParseScenario(Scenario, "."), Options, Families);

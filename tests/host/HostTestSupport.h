@@ -26,9 +26,6 @@ json FourFamilyScenario();
 
 // The embedded product file Name.
 std::string ProductFile(const char *Name);
-// raid.xml without the CONTROLLER block of family Id.
-std::string WithoutController(const std::string &RaidXml,
-                              const std::string &Id);
 
 struct DumpRun {
   host::ModelJson Model;

@@ -7,15 +7,6 @@
 namespace host_test {
 namespace {
 
-// The controllers' Ids in dump order.
-std::vector<unsigned> Ids(const host::ModelJson &Model) {
-  std::vector<unsigned> Result;
-  for (const auto &Controller : Model["controllers"]) {
-    Result.push_back(Controller["Id"].get<unsigned>());
-  }
-  return Result;
-}
-
 struct FamilyExpectation {
   const char *StorageId;
   const char *Name;
@@ -109,96 +100,6 @@ TEST(ModelDump, ControllerAndPrivateKeysInOrder) {
                       "CardId", "StorageId", "ProductName", "Bus", "Device",
                       "Function", "VendorId", "DeviceId", "SubVendorId",
                       "SubDeviceId", "Flags", "Signature"}));
-}
-
-TEST(ModelDump, FamilyWithoutProfileHasNullCapability) {
-  json Scenario = FourFamilyScenario();
-  Scenario["volumeFiles"]["raid.xml"]["text"] =
-      WithoutController(ProductFile("raid.xml"), "MCHP");
-  DumpRun Run = RunDump(Scenario);
-  const auto &Controllers = Run.Model["controllers"];
-  ASSERT_EQ(Controllers.size(), 4u);
-  EXPECT_TRUE(Controllers[1]["Capability"].is_null());
-  EXPECT_EQ(Controllers[1]["Private"]["Signature"], "");
-  EXPECT_EQ(Controllers[1]["Private"]["CardId"], 0xFFFFFFFFu);
-  for (std::size_t I : {0, 2, 3}) {
-    EXPECT_TRUE(Controllers[I]["Capability"].is_object()) << I;
-  }
-}
-
-TEST(ModelDump, UnmatchedFunctionLeavesAGapInTheIds) {
-  json Scenario = FourFamilyScenario();
-  // A MegaRAID function pcidb.xml does not list, between two listed ones
-  // in the scan, and not named by the inventory.
-  Scenario["pciFunctions"].insert(
-      Scenario["pciFunctions"].begin() + 1,
-      json::parse(R"({"location": "40:00.0", "vendorId": "1000",
-                      "deviceId": "0097", "subVendorId": "1000",
-                      "subDeviceId": "3090"})"));
-  Scenario["slotInventory"] = json::array();
-  DumpRun Run = RunDump(Scenario);
-  EXPECT_EQ(Ids(Run.Model), (std::vector<unsigned>{0, 2, 3, 4}));
-  EXPECT_EQ(Run.Model["controllers"][1]["Name"], "SmartRAID 3154-8i");
-}
-
-TEST(ModelDump, SlotInventoryOrdersTheControllers) {
-  json Scenario = FourFamilyScenario();
-  Scenario["slotInventory"] = json::parse(R"([
-      {"slot": "M.2 Slot 1", "device": "Marvell"},
-      {"slot": null, "device": "Intel RSTe"},
-      {"slot": "PCIe Slot 6", "device": "SmartRAID"}])");
-  DumpRun Run = RunDump(Scenario);
-  std::vector<std::string> Names;
-  for (const auto &Controller : Run.Model["controllers"]) {
-    Names.push_back(Controller["Private"]["StorageId"]);
-  }
-  // The three inventory entries first, the MegaRAID left over at the end.
-  EXPECT_EQ(Names, (std::vector<std::string>{"M.2", "RSTe", "MCHP", "LSI"}));
-  EXPECT_EQ(Ids(Run.Model), (std::vector<unsigned>{0, 1, 2, 3}));
-}
-
-TEST(ModelDump, SlotOneAlsoMatchesAnInventoryTextNamingSlotTwelve) {
-  json Scenario = json::parse(R"({
-    "pciFunctions": [
-      {"name": "in-slot-1", "location": "10:00.0", "vendorId": "1000",
-       "deviceId": "0016", "subVendorId": "1000", "subDeviceId": "9460"},
-      {"name": "in-slot-12", "location": "20:00.0", "vendorId": "1000",
-       "deviceId": "10E2", "subVendorId": "1000", "subDeviceId": "4010"}
-    ],
-    "smbios": {"slots": [{"slotId": 1, "bus": "10"},
-                         {"slotId": 12, "bus": "20"}]},
-    "slotInventory": [{"slot": "PCIe Slot 12", "device": "MegaRAID 9560"},
-                      {"slot": "PCIe Slot 1", "device": "MegaRAID 9460"}]
-  })");
-  DumpRun Run = RunDump(Scenario);
-  const auto &Controllers = Run.Model["controllers"];
-  ASSERT_EQ(Controllers.size(), 2u);
-  // "Slot 1" occurs inside "PCIe Slot 12", so the slot 1 adapter comes
-  // first; the slot 12 adapter matches nothing and follows.
-  EXPECT_EQ(Controllers[0]["SlotNumber"], 1);
-  EXPECT_EQ(Controllers[1]["SlotNumber"], 12);
-}
-
-TEST(ModelDump, MissingRaidXmlLeavesEveryCapabilityNull) {
-  json Scenario = FourFamilyScenario();
-  Scenario["volumeFiles"]["raid.xml"] = nullptr;
-  DumpRun Run = RunDump(Scenario);
-  EXPECT_EQ(Run.Model["status"], "Success");
-  EXPECT_EQ(Run.Model["errorCode"], 0);
-  ASSERT_EQ(Run.Model["controllers"].size(), 4u);
-  for (const auto &Controller : Run.Model["controllers"]) {
-    EXPECT_TRUE(Controller["Capability"].is_null());
-    EXPECT_EQ(Controller["ToolType"], 1);  // matched, never bound
-  }
-}
-
-TEST(ModelDump, MissingPcidbXmlFindsNoController) {
-  json Scenario = FourFamilyScenario();
-  Scenario["volumeFiles"]["pcidb.xml"] = nullptr;
-  DumpRun Run = RunDump(Scenario);
-  EXPECT_EQ(Run.Model["status"], "Not Found");
-  EXPECT_EQ(Run.Model["errorCode"], 0x0020000E);
-  EXPECT_EQ(Run.Model["controllers"], host::ModelJson::array());
 }
 
 TEST(ModelDump, NoPoolAllocationOutlivesTheRun) {

@@ -116,14 +116,6 @@ TEST(Scenario, EveryShippedScenarioRunsCleanly) {
   EXPECT_GE(Count, 3u);
 }
 
-TEST(Scenario, ShippedSlotSubstringScenarioShowsTheQuirk) {
-  DumpRun Run = RunDump(host::LoadScenarioFile(
-      std::filesystem::path(RAIDCFG_SCENARIO_DIR) / "slot-substring.json"));
-  ASSERT_EQ(Run.Model["controllers"].size(), 2u);
-  EXPECT_EQ(Run.Model["controllers"][0]["SlotNumber"], 1);
-  EXPECT_EQ(Run.Model["controllers"][1]["SlotNumber"], 12);
-}
-
 struct BadScenario {
   const char *Name;
   const char *Json;
