@@ -10,7 +10,7 @@ namespace {
 
 using LsiReadTest = LsiWorld;
 
-TEST_F(LsiReadTest, RichConfigurationFillsControllerArraysAndVolumes) {
+TEST_F(LsiReadTest, RichConfigurationGivesSegmentsInTheWizardsOrder) {
   AnswerRichConfiguration();
   ReadModel();
   EXPECT_EQ(Commands(), (std::vector<std::string>{
@@ -19,10 +19,6 @@ TEST_F(LsiReadTest, RichConfigurationFillsControllerArraysAndVolumes) {
                             "storcli.efi /c0/v0 show all mronly nolog",
                             "storcli.efi /c0/v1 show all mronly nolog",
                             "storcli.efi /c0/v2 show all mronly nolog"}));
-  EXPECT_EQ(Narrow(Controller_->Private->ProductName), "MegaRAID 9460-8i");
-  EXPECT_EQ(Narrow(Controller_->SerialNumber), "SK01234567");
-  EXPECT_EQ(Narrow(Controller_->FirmwareVersion), "51.14.0-3900");
-  EXPECT_EQ(Narrow(Controller_->Name), "MegaRAID 9460-8i");
   EXPECT_TRUE(Controller_->Private->Flags & RAID_FLAG_OUTPUT_VALID);
 
   RAID_ARRAY *Raid5 = Array(0);
@@ -31,14 +27,7 @@ TEST_F(LsiReadTest, RichConfigurationFillsControllerArraysAndVolumes) {
   ASSERT_NE(Raid10, nullptr);
   EXPECT_EQ(CountListEntries(&Controller_->ArrayList), 2u);
   EXPECT_EQ(Narrow(Raid5->Name), "Array0");
-  EXPECT_EQ(Raid5->RaidLevel, 5);
-  EXPECT_EQ(Raid5->SizeFigure, 1089u);
   EXPECT_EQ(Raid5->SizeUnit, (UINT32)RAID_UNIT_TB);
-  EXPECT_EQ(Raid10->RaidLevel, 10);
-  EXPECT_EQ(Raid10->SizeFigure, 744687u);
-  EXPECT_EQ(Raid10->SizeUnit, (UINT32)RAID_UNIT_GB);
-  EXPECT_EQ(Raid5->Controller, Controller_);
-  ASSERT_NE(Raid5->Extra, nullptr);
 
   // Free segments: "-" at the head, a number ahead of the record with that
   // Id; the KB row is ignored.
@@ -64,48 +53,15 @@ TEST_F(LsiReadTest, RichConfigurationFillsControllerArraysAndVolumes) {
   EXPECT_EQ(Head->State, RAID_SEGMENT_AFTER_NO_VOLUME);
   EXPECT_EQ(Head->SizeFigure, 512000u);
   EXPECT_EQ(Head->SizeUnit, (UINT32)RAID_UNIT_MB);
-
-  struct VolumeExpectation {
-    UINT32 Id;
-    UINT32 State;
-    UINT64 Size;
-    UINT32 Unit;
-    UINT32 Stripe, Read, Write, Io, DiskCache;
-  };
-  const VolumeExpectation Expected[] = {
-      {0, RAID_STATE_OPTIMAL, 200000, RAID_UNIT_GB, 256, 0, 1, 1, 2},
-      {1, RAID_STATE_DEGRADED, 512500, RAID_UNIT_MB, 1024, 1, 0, 0, 0},
-      {2, RAID_STATE_PARTIALLY_DEGRADED, 100000, RAID_UNIT_GB, 2048, 0, 2, 0,
-       1},
-  };
-  for (const VolumeExpectation &E : Expected) {
-    RAID_VOLUME *Found = nullptr;
-    for (RAID_ARRAY *A : {Raid5, Raid10}) {
-      for (RAID_VOLUME *V :
-           uefi::ListOf<&RAID_VOLUME::Link>(A->SegmentList)) {
-        if (V->IsVolume == 1 && V->Id == E.Id) {
-          Found = V;
-        }
-      }
-    }
-    ASSERT_NE(Found, nullptr) << E.Id;
-    EXPECT_EQ(Found->State, E.State) << E.Id;
-    EXPECT_EQ(Found->SizeFigure, E.Size) << E.Id;
-    EXPECT_EQ(Found->SizeUnit, E.Unit) << E.Id;
-    EXPECT_EQ(Found->StripeSize, E.Stripe) << E.Id;
-    EXPECT_EQ(Found->ReadPolicy, E.Read) << E.Id;
-    EXPECT_EQ(Found->WritePolicy, E.Write) << E.Id;
-    EXPECT_EQ(Found->IoPolicy, E.Io) << E.Id;
-    EXPECT_EQ(Found->DiskCachePolicy, E.DiskCache) << E.Id;
-  }
 }
 
-TEST_F(LsiReadTest, EveryDriveRowGetsStateRoleOwnerAndTableEntry) {
+// Rows the virtual adapter never prints (a copy-back member, unknown state
+// words, sizes in MB); the others are compared with it end to end.
+TEST_F(LsiReadTest, UnusualDriveRowsGetStateRoleOwnerAndTableEntry) {
   AnswerRichConfiguration();
   ReadModel();
   ASSERT_EQ(Controller_->DiskDriveCount, 18u);
   EXPECT_EQ(Controller_->DriveTable[18], nullptr);
-  RAID_ARRAY *Raid5 = Array(0);
   RAID_ARRAY *Raid10 = Array(1);
   struct DriveExpectation {
     const char *Location;
@@ -116,23 +72,7 @@ TEST_F(LsiReadTest, EveryDriveRowGetsStateRoleOwnerAndTableEntry) {
   };
   LIST_ENTRY *Unassigned = &Controller_->PhysicalDriveList;
   const DriveExpectation Expected[] = {
-      {"252:0", RAID_STATE_ONLINE, RAID_ROLE_MEMBER, Raid5, &Raid5->DriveList},
-      {"252:3", RAID_STATE_DHS, RAID_ROLE_HOT_SPARE, Raid5, &Raid5->DriveList},
-      {"253:0", RAID_STATE_ONLINE, RAID_ROLE_MEMBER, Raid10, &Raid10->DriveList},
-      {"253:1", RAID_STATE_REBUILD, RAID_ROLE_MEMBER, Raid10, &Raid10->DriveList},
-      {"253:2", RAID_STATE_OFFLINE, RAID_ROLE_MEMBER, Raid10, &Raid10->DriveList},
       {"253:3", RAID_STATE_INVALID, RAID_ROLE_OTHER, Raid10, &Raid10->DriveList},
-      {"252:4", RAID_STATE_UGOOD, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
-      {"252:5", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
-      {"252:6", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
-      {"252:7", RAID_STATE_JBOD, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
-      {"252:8", RAID_STATE_JBOD, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
-      {"252:9", RAID_STATE_GHS, RAID_ROLE_HOT_SPARE, Controller_,
-       &Controller_->SpareDriveList},
-      {"252:10", RAID_STATE_UGOOD_FOREIGN, RAID_ROLE_UNCONFIGURED, Controller_,
-       Unassigned},
-      {"252:11", RAID_STATE_UBAD_FOREIGN, RAID_ROLE_UNCONFIGURED, Controller_,
-       Unassigned},
       {"252:12", 0, RAID_ROLE_UNCONFIGURED, Controller_, Unassigned},
       {"252:13", RAID_STATE_INVALID, RAID_ROLE_UNCONFIGURED, Controller_,
        Unassigned},
@@ -150,23 +90,8 @@ TEST_F(LsiReadTest, EveryDriveRowGetsStateRoleOwnerAndTableEntry) {
     }
     EXPECT_TRUE(InList) << E.Location;
   }
-  EXPECT_EQ(Raid5->MemberDriveCount, 3u);
-  EXPECT_EQ(Raid5->DedicatedSpareCount, 1u);
   EXPECT_EQ(Raid10->MemberDriveCount, 4u);
-  EXPECT_EQ(Controller_->UnconfiguredDriveCount, 9u);
-  EXPECT_EQ(Controller_->GlobalSpareCount, 1u);
-
-  // Table order is the tool's row order; fields of single rows.
   EXPECT_EQ(Narrow(Controller_->DriveTable[8]->Location), "252:4");
-  RAID_PHYSICAL_DRIVE *Sata = DriveAt("252:5");
-  EXPECT_EQ(Sata->Id, 31u);
-  EXPECT_EQ(Narrow(Sata->Model), "INTEL");
-  EXPECT_EQ(Sata->MediaType, (UINT32)RAID_MEDIA_SATA_SSD);
-  EXPECT_EQ(Sata->SizeFigure, 1818u);
-  EXPECT_EQ(Sata->SizeUnit, (UINT32)RAID_UNIT_TB);
-  EXPECT_EQ(Sata->Position->EnclosureId, 252u);
-  EXPECT_EQ(Sata->Position->SlotNumber, 5u);
-  EXPECT_EQ(DriveAt("252:6")->MediaType, (UINT32)RAID_MEDIA_NVME_SSD);
   EXPECT_EQ(DriveAt("252:7")->MediaType, (UINT32)RAID_MEDIA_PCIE_SSD);
   EXPECT_EQ(DriveAt("252:13")->MediaType, (UINT32)RAID_MEDIA_OTHER);
   EXPECT_EQ(DriveAt("252:13")->SizeUnit, (UINT32)RAID_UNIT_MB);
@@ -183,15 +108,6 @@ TEST_F(LsiReadTest, CurrentModelIsNotReadAgain) {
   EXPECT_EQ(Commands().size(), Runs);
   EXPECT_EQ(ErrorCode, 0u);
   EXPECT_TRUE(TraceHas("[LsiGetControllerInfo] Info is up to date.\r\n"));
-}
-
-TEST_F(LsiReadTest, ReadingAgainReplacesTheModel) {
-  AnswerRichConfiguration();
-  ReadModel();
-  ReadModel();
-  EXPECT_EQ(CountListEntries(&Controller_->ArrayList), 2u);
-  EXPECT_EQ(Controller_->UnconfiguredDriveCount, 9u);
-  EXPECT_EQ(SegmentNames(Array(0)).size(), 4u);
 }
 
 TEST_F(LsiReadTest, SummaryFailureSkipsFreeSpaceAndVolumes) {
@@ -332,15 +248,10 @@ TEST_P(LsiCardIdTest, FindsTheCardOfOurPciLocation) {
 INSTANTIATE_TEST_SUITE_P(
     Adapters, LsiCardIdTest,
     ::testing::Values(
-        // None: refused. One: card 0 without asking.
+        // None: refused. One: card 0 without asking. No match among
+        // three fails with the last verdict (matches run end to end).
         CardSearchCase{0, {}, EFI_ABORTED, RAID_CARD_ID_UNSET, 0, 1},
         CardSearchCase{1, {}, EFI_SUCCESS, 0, 0, 1},
-        // Two: card 0 matches, or card 1 is taken without its command.
-        CardSearchCase{2, {0x3B, 0x10}, EFI_SUCCESS, 0, 0, 2},
-        CardSearchCase{2, {0x10, 0x77}, EFI_SUCCESS, 1, 0, 2},
-        // Three: searched in order; a match clears the earlier mismatches'
-        // code, no match fails with the last verdict.
-        CardSearchCase{3, {0x10, 0x11, 0x3B}, EFI_SUCCESS, 2, 0, 4},
         CardSearchCase{3, {0x10, 0x11, 0x12}, EFI_ABORTED, RAID_CARD_ID_UNSET,
                        0x200023, 4}));
 
