@@ -117,20 +117,6 @@ std::vector<ReadSegment> ReadFreeSpace(const std::string &Output) {
   return Result;
 }
 
-ReadVolumeProperties ReadVolumeShowAll(const std::string &Output) {
-  const auto Lines = ModuleLines(Output);
-  ReadVolumeProperties Result;
-  for (size_t Index = 0; Index < Lines.size(); ++Index) {
-    const std::string &Line = Lines[Index];
-    if (StartsWith(Line, "Strip Size")) Result.StripValue = RawValue(Line);
-    if (StartsWith(Line, "Disk Cache Policy")) Result.DiskCacheValue = RawValue(Line);
-    if (StartsWith(Line, "DG/VD TYPE") && Index + 2 < Lines.size()) {
-      Result.CacheWord = Word(Words(Lines[Index + 2]), 5);
-    }
-  }
-  return Result;
-}
-
 uint32_t ReadControllerCount(const std::string &Output) {
   for (const auto &Line : ModuleLines(Output)) {
     if (StartsWith(Line, "Controller Count")) return Decimal(RawValue(Line));

@@ -36,15 +36,9 @@ struct ReadController {
 struct ReadSegment {
   std::string Id, Dg, AfterVd, Size, Unit;
 };
-struct ReadVolumeProperties {
-  std::string StripValue;      // behind "=", blank and "\r" included
-  std::string DiskCacheValue;  // likewise
-  std::string CacheWord;       // sixth word of the DG/VD row
-};
 
 ReadController ReadControllerShow(const std::string &Output);
 std::vector<ReadSegment> ReadFreeSpace(const std::string &Output);
-ReadVolumeProperties ReadVolumeShowAll(const std::string &Output);
 uint32_t ReadControllerCount(const std::string &Output);
 std::optional<std::array<uint32_t, 3>> ReadBusDeviceFunction(const std::string &Output);
 // The module's verdict code of a volume command (0, 0x201000 | n, 0x20100e).

@@ -83,86 +83,6 @@ TEST(StorcliShowTest, EveryLineEndsInCrLf) {
   }
 }
 
-TEST(StorcliShowTest, ControllerSummaryReadsBackAsTheAdapterState) {
-  auto Tool = RichTool();
-  const Adapter &State = Tool.Adapters()[0];
-  const auto Read = ReadControllerShow(Tool.Run(Line("/c0 show")));
-  EXPECT_EQ(Read.Status, "Success");
-  EXPECT_EQ(Read.ProductName, "AVAGO MegaRAID SAS 9361-8i");
-  EXPECT_EQ(Read.SerialNumber, "SK72938411");
-  EXPECT_EQ(Read.FwPackageBuild, "24.21.0-0148");
-
-  ASSERT_EQ(Read.Arrays.size(), 2u);
-  EXPECT_EQ(Read.Arrays[0].Dg, "0");
-  EXPECT_EQ(Read.Arrays[0].Type, "RAID1");
-  EXPECT_EQ(Read.Arrays[0].Size + " " + Read.Arrays[0].Unit, "931.000 GB");
-  EXPECT_EQ(Read.Arrays[1].Type, "RAID5");
-  EXPECT_EQ(Read.Arrays[1].Size + " " + Read.Arrays[1].Unit,
-            FormatSize(State.GroupCapacityMb(1)));
-
-  ASSERT_EQ(Read.Volumes.size(), 3u);
-  const char *const DgVd[] = {"0/0", "1/1", "1/2"};
-  const char *const Names[] = {"os", "data", "logs"};
-  for (size_t Index = 0; Index < 3; ++Index) {
-    EXPECT_EQ(Read.Volumes[Index].DgVd, DgVd[Index]);
-    EXPECT_EQ(Read.Volumes[Index].State, "Optl");
-    EXPECT_EQ(Read.Volumes[Index].Name, Names[Index]);
-  }
-  EXPECT_EQ(Read.Volumes[1].Size, "500.000");
-  EXPECT_EQ(Read.Volumes[1].Unit, "GB");
-
-  ASSERT_EQ(Read.Drives.size(), State.Drives().size());
-  for (size_t Index = 0; Index < Read.Drives.size(); ++Index) {
-    const auto &Drive = State.Drives()[Index];
-    const auto &Row = Read.Drives[Index];
-    EXPECT_EQ(Row.Location, Drive.Address.Text());
-    EXPECT_EQ(Row.Did, std::to_string(Drive.DeviceId));
-    EXPECT_EQ(Row.State, DriveStateWord(Drive.State));
-    EXPECT_EQ(Row.Size + " " + Row.Unit, FormatSize(Drive.SizeMb));
-    EXPECT_EQ(Row.Interface, InterfaceWord(Drive.Interface));
-    EXPECT_EQ(Row.Medium, MediumWord(Drive.Medium));
-    EXPECT_EQ(Row.Model, Drive.Model);
-    EXPECT_EQ(Row.Size.find('B'), std::string::npos) << "slid columns";
-  }
-  // DG column: members and the dedicated spare name their group, the
-  // foreign drive "F", the others "-".
-  EXPECT_EQ(Read.Drives[0].Dg, "0");
-  EXPECT_EQ(Read.Drives[5].Dg, "1");
-  EXPECT_EQ(Read.Drives[5].State, "DHS");
-  EXPECT_EQ(Read.Drives[8].Dg, "F");
-  EXPECT_EQ(Read.Drives[8].State, "UGood");
-  EXPECT_EQ(Read.Drives[7].State, "JBOD");
-  EXPECT_EQ(Read.Drives[11].State, "GHS");
-  EXPECT_EQ(Read.Drives[11].Dg, "-");
-}
-
-TEST(StorcliShowTest, BusDeviceFunctionFollowEachOther) {
-  auto Tool = RichTool();
-  const auto Bdf = ReadBusDeviceFunction(Tool.Run(Line("/c0 show")));
-  ASSERT_TRUE(Bdf.has_value());
-  EXPECT_EQ(*Bdf, (std::array<uint32_t, 3>{3, 0, 0}));
-}
-
-TEST(StorcliShowTest, FreeSpaceSegmentsFollowTheirVolumes) {
-  auto Tool = RichTool();
-  const auto Segments = ReadFreeSpace(Tool.Run(Line("/c0 show freespace")));
-  ASSERT_EQ(Segments.size(), 4u);
-  struct Want {
-    const char *Id, *Dg, *After, *Size, *Unit;
-  };
-  const Want Expected[] = {{"0", "0", "0", "831.000", "GB"},
-                           {"1", "1", "-", "50.000", "GB"},
-                           {"2", "1", "1", "100.000", "GB"},
-                           {"3", "1", "2", "1012.000", "GB"}};
-  for (size_t Index = 0; Index < 4; ++Index) {
-    EXPECT_EQ(Segments[Index].Id, Expected[Index].Id);
-    EXPECT_EQ(Segments[Index].Dg, Expected[Index].Dg);
-    EXPECT_EQ(Segments[Index].AfterVd, Expected[Index].After);
-    EXPECT_EQ(Segments[Index].Size, Expected[Index].Size);
-    EXPECT_EQ(Segments[Index].Unit, Expected[Index].Unit);
-  }
-}
-
 TEST(StorcliShowTest, FullGroupHasNoFreeSegmentAndTableStaysEmpty) {
   Storcli Tool({AdapterFromJson(nlohmann::json::parse(R"({
     "drives": [{"address": "8:0", "sizeMb": 1000}, {"address": "8:1", "sizeMb": 1000}],
@@ -171,29 +91,6 @@ TEST(StorcliShowTest, FullGroupHasNoFreeSegmentAndTableStaysEmpty) {
   EXPECT_TRUE(ReadFreeSpace(Tool.Run(Line("/c0 show freespace"))).empty());
 }
 
-struct VolumePropertyCase {
-  const char *Arguments;
-  const char *Strip;
-  const char *DiskCache;
-  const char *Cache;
-};
-
-class VolumePropertyTest : public ::testing::TestWithParam<VolumePropertyCase> {};
-
-TEST_P(VolumePropertyTest, ReadsStripDiskCacheAndCacheWord) {
-  auto Tool = RichTool();
-  const auto Read = ReadVolumeShowAll(Tool.Run(Line(GetParam().Arguments)));
-  EXPECT_EQ(Read.StripValue, GetParam().Strip);
-  EXPECT_EQ(Read.DiskCacheValue, GetParam().DiskCache);
-  EXPECT_EQ(Read.CacheWord, GetParam().Cache);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rich, VolumePropertyTest,
-    ::testing::Values(
-        VolumePropertyCase{"/c0/v0 show all", " 64 KB\r", " Disabled\r", "RWTC"},
-        VolumePropertyCase{"/c0/v1 show all", " 1.0 MB\r", " Enabled\r", "NRAWBD"},
-        VolumePropertyCase{"/c0/v2 show all", " 256 KB\r", " Disk's Default\r", "RWBD"}));
 
 TEST(StorcliShowTest, StripSizeTexts) {
   EXPECT_EQ(StripSizeText(8), "8 KB");
