@@ -245,6 +245,15 @@ UINT64 AllocatedCapacity() {
   return Sum;
 }
 
+UINT32 RaidPlannedVolumeCount() {
+  UINT32 Count = 0;
+  for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
+       Record != nullptr; Record = Record->Next) {
+    Count++;
+  }
+  return Count;
+}
+
 BOOLEAN CheckVolumeNameInAllArray(const CHAR16 *Name) {
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   const UINT32 Count = RaidCollectArrays(gCurrentRaidController, Arrays,

@@ -86,6 +86,8 @@ VOID RaidFreeConfigWizardState();
 
 // The sum of the planned virtual disks' whole GB.
 UINT64 AllocatedCapacity();
+// The number of planned virtual disks.
+UINT32 RaidPlannedVolumeCount();
 // The whole GB page 8 may distribute for the advanced mode in force.
 UINT64 GetArrayMaxAvailableFreeCapacity();
 // Fills the verify table of Page (4 or 9) from the planned list.

@@ -25,18 +25,9 @@ HOST_PAGE_NODE *PlannedTable() {
   return RaidFindNode(kPage, RAID_NODE_PLANNED_TABLE);
 }
 
-UINT32 PlannedCount() {
-  UINT32 Count = 0;
-  for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
-       Record != nullptr; Record = Record->Next) {
-    Count++;
-  }
-  return Count;
-}
-
 // The planned table: one row per planned virtual disk.
 VOID GetCreateRaidVolumeTableData(RAID_TABLE_DATA *Table) {
-  if (!RaidAllocTable(Table, PlannedCount() + 1, 4,
+  if (!RaidAllocTable(Table, RaidPlannedVolumeCount() + 1, 4,
                       HOST_TABLE_HEADING | HOST_TABLE_SELECTABLE)) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return;
@@ -59,7 +50,7 @@ VOID GetCreateRaidVolumeTableData(RAID_TABLE_DATA *Table) {
 
 // The number of virtual disks the array will hold.
 UINT32 CountVolumes() {
-  const UINT32 Planned = PlannedCount();
+  const UINT32 Planned = RaidPlannedVolumeCount();
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Number of volume(s) created = %d\n",
              Planned);
   RAID_ARRAY *Array = gRaidAdvancedMode == 1 ? RaidSelectedArray() : nullptr;
@@ -195,7 +186,7 @@ VOID RaidUpdateEditVolumeButtons() {
   } else {
     RaidGrayControl(kPage, RAID_NODE_CREATE_VD);
   }
-  if (PlannedCount() != 0) {
+  if (RaidPlannedVolumeCount() != 0) {
     RaidShowControl(kPage, RAID_NODE_EDIT_VD);
     RaidShowControl(kPage, RAID_NODE_REMOVE_VD);
   } else {

@@ -49,11 +49,7 @@ VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
 
 // The table: the row titles, then one column per planned record.
 BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
-  UINT32 Records = 0;
-  for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
-       Record != nullptr; Record = Record->Next) {
-    Records++;
-  }
+  const UINT32 Records = RaidPlannedVolumeCount();
   if (Records == 0 || !RaidAllocTable(Table, kRows, Records + 1, 0)) {
     return FALSE;
   }
