@@ -747,12 +747,7 @@ VOID ShowTable2() {
 VOID InitRaidAdvCreateArraySelectionPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = kNewArrayPage;
-  if (RaidPageRoot(kNewArrayPage) == nullptr) {
-    RaidInstantiatePage(kNewArrayPage);
-  } else {
-    RaidRegisterPageControls(kNewArrayPage);
-    RaidMarkForReRead(RaidPageRoot(kNewArrayPage));
-  }
+  RaidInstantiateOrRefreshPage(kNewArrayPage);
   SetDriveTableSize();
   RaidShowPage(kNewArrayPage, RAID_NODE_NEW_ARRAY_LEVEL_COMBO);
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kNewArrayPage)] != 0) {

@@ -417,12 +417,7 @@ VOID ShowTable6() {
 
 VOID InitRaidManagePhyDrvPage() {
   gRaidCurrentPage = kPage;
-  if (RaidPageRoot(kPage) == nullptr) {
-    RaidInstantiatePage(kPage);
-  } else {
-    RaidRegisterPageControls(kPage);
-    RaidMarkForReRead(RaidPageRoot(kPage));
-  }
+  RaidInstantiateOrRefreshPage(kPage);
   SetTableSize();
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kPage)] != 0) {
     ResetManageDrivesPage();

@@ -124,6 +124,9 @@ VOID ShowNoAdapterFoundMsg();
 HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page);
 // Builds Page's control table again (the page is re-entered).
 VOID RaidRegisterPageControls(UINT32 Page);
+// Entry into Page: instantiates it on first use; on a later entry builds
+// its control table again and marks its tree to be read again.
+VOID RaidInstantiateOrRefreshPage(UINT32 Page);
 // Frees a page tree and clears *Root.
 VOID FreeRaidStaticPageNodes(HOST_PAGE_NODE **Root,
                              const HOST_PAGE_TEMPLATE *Template);

@@ -385,6 +385,15 @@ HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page) {
   return Root;
 }
 
+VOID RaidInstantiateOrRefreshPage(UINT32 Page) {
+  if (RaidPageRoot(Page) == nullptr) {
+    RaidInstantiatePage(Page);
+  } else {
+    RaidRegisterPageControls(Page);
+    RaidMarkForReRead(RaidPageRoot(Page));
+  }
+}
+
 // Frees a page tree: the host frees the nodes it made with their control
 // records; the values the wizard kept for them go too.
 VOID FreeRaidStaticPageNodes(HOST_PAGE_NODE **Root,
