@@ -33,24 +33,23 @@ TEST(RaidLibMessages, StateTextsAtTheBoundariesOfTheTable) {
 }
 
 TEST(RaidLibMessages, ErrorMessagesByLowTwelveBits) {
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(0x00200001)), "Invalid command");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(RAID_ERROR_OUT_OF_RESOURCES)),
-            "Given array index is invalid");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(RAID_ERROR_NOT_FOUND)),
-            "Flash memory allocation failed");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(RAID_ERROR_MISSING)),
-            "Error writing MFC data to SEEPROM");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(0x00200070)),
-            "Flashing was ok but FW restart is not required, ex: No change in "
-            "FW from current");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(0x00200071)), "Unknown Error");
-  EXPECT_EQ(Narrow(RaidLibErrorMessage(0x00200000)), "Unknown Error");
-  EXPECT_EQ(RaidLibErrorMessageStringId(0x00200001), 1015);
-  EXPECT_EQ(RaidLibErrorMessageStringId(0x00200070), 1126);
-  EXPECT_EQ(RaidLibErrorMessageStringId(0x00200071), 0);
-  for (UINT32 K = 1; K <= RAID_ERROR_MESSAGE_LAST; K++) {
-    EXPECT_EQ(gRaidErrorMessages[K - 1].Index, K);
-    EXPECT_EQ(gRaidErrorMessages[K - 1].StringId, 1014 + K);
+  struct Case {
+    UINT32 Code;
+    const char *Text;
+    EFI_STRING_ID StringId;
+  } Cases[] = {
+      {0x00200001, "Invalid command", 1015},
+      {RAID_ERROR_OUT_OF_RESOURCES, "Given array index is invalid", 1023},
+      {RAID_ERROR_NOT_FOUND, "Flash memory allocation failed", 1028},
+      {RAID_ERROR_MISSING, "Error writing MFC data to SEEPROM", 1047},
+      {0x00200070, "Flashing was ok but FW restart is not required, ex: No "
+                   "change in FW from current", 1126},
+      {0x00200071, "Unknown Error", 0},
+      {0x00200000, "Unknown Error", 0},
+  };
+  for (const Case &Row : Cases) {
+    EXPECT_EQ(Narrow(RaidLibErrorMessage(Row.Code)), Row.Text) << Row.Code;
+    EXPECT_EQ(RaidLibErrorMessageStringId(Row.Code), Row.StringId) << Row.Code;
   }
 }
 
@@ -105,69 +104,51 @@ TEST(RaidLibWords, EveryListWithItsOtherCode) {
 
 // ---- Segment order -----------------------------------------------------------
 
-class SegmentOrder : public ::testing::Test {
- protected:
-  void SetUp() override { InitializeListHead(&Array_.SegmentList); }
-  void TearDown() override {
-    while (!IsListEmpty(&Array_.SegmentList)) {
-      LIST_ENTRY *Node = GetFirstNode(&Array_.SegmentList);
-      RemoveEntryList(Node);
-      delete uefi::RecordOf<&RAID_VOLUME::Link>(Node);
+// "V<id>" for volumes, "F<id>" for free segments, in list order; frees them.
+std::string TakeOrder(RAID_ARRAY &Array) {
+  std::string Result;
+  while (!IsListEmpty(&Array.SegmentList)) {
+    LIST_ENTRY *Node = GetFirstNode(&Array.SegmentList);
+    RemoveEntryList(Node);
+    RAID_VOLUME *Record = uefi::RecordOf<&RAID_VOLUME::Link>(Node);
+    Result += (Record->IsVolume ? "V" : "F") + std::to_string(Record->Id) + " ";
+    delete Record;
+  }
+  return Result;
+}
+
+// Each case adds volumes, then free segments (Id, the volume they follow) in
+// order. The search for the volume looks at free segments too.
+TEST(SegmentOrder, FreeSegmentsGoAheadOfTheFirstRecordWithTheirVolumeId) {
+  struct Case {
+    std::vector<UINT32> Volumes;
+    std::vector<std::pair<UINT32, UINT32>> Free;
+    const char *Order;
+  } Cases[] = {
+      {{0, 1}, {{0, RAID_SEGMENT_AFTER_NO_VOLUME}}, "F0 V0 V1 "},
+      {{0, 1, 2}, {{0, 1}, {1, 0}}, "F1 V0 F0 V1 V2 "},
+      {{0}, {{0, 7}}, "V0 F0 "},
+      {{}, {{0, RAID_SEGMENT_AFTER_NO_VOLUME}, {1, 3}}, "F0 F1 "},
+  };
+  for (const Case &Row : Cases) {
+    RAID_ARRAY Array{};  // without volumes the list is never initialised
+    if (!Row.Volumes.empty()) {
+      InitializeListHead(&Array.SegmentList);
     }
-  }
-  void AddVolume(UINT32 Id) {
-    auto *Volume = new RAID_VOLUME{};
-    Volume->Id = Id;
-    Volume->IsVolume = 1;
-    InsertTailList(&Array_.SegmentList, &Volume->Link);
-  }
-  void AddFree(UINT32 Id, UINT32 AfterVolume) {
-    auto *Segment = new RAID_VOLUME{};
-    Segment->Id = Id;
-    Segment->State = AfterVolume;
-    RaidLibInsertFreeSegment(&Array_, Segment);
-  }
-  // "V<id>" for volumes, "F<id>" for free segments, in list order.
-  std::string Order() {
-    std::string Result;
-    for (RAID_VOLUME *Record :
-         uefi::ListOf<&RAID_VOLUME::Link>(Array_.SegmentList)) {
-      Result += (Record->IsVolume ? "V" : "F") + std::to_string(Record->Id) + " ";
+    for (UINT32 Id : Row.Volumes) {
+      auto *Volume = new RAID_VOLUME{};
+      Volume->Id = Id;
+      Volume->IsVolume = 1;
+      InsertTailList(&Array.SegmentList, &Volume->Link);
     }
-    return Result;
+    for (const auto &[Id, After] : Row.Free) {
+      auto *Segment = new RAID_VOLUME{};
+      Segment->Id = Id;
+      Segment->State = After;
+      RaidLibInsertFreeSegment(&Array, Segment);
+    }
+    EXPECT_EQ(TakeOrder(Array), Row.Order);
   }
-  RAID_ARRAY Array_{};
-};
-
-TEST_F(SegmentOrder, NoAfterVolumeGoesToTheHead) {
-  AddVolume(0);
-  AddVolume(1);
-  AddFree(0, RAID_SEGMENT_AFTER_NO_VOLUME);
-  EXPECT_EQ(Order(), "F0 V0 V1 ");
-}
-
-TEST_F(SegmentOrder, AfterVolumeGoesAheadOfTheFirstRecordWithThatId) {
-  AddVolume(0);
-  AddVolume(1);
-  AddVolume(2);
-  AddFree(0, 1);
-  EXPECT_EQ(Order(), "V0 F0 V1 V2 ");
-  // The search looks at free segments too: Id 0 is first met at V0.
-  AddFree(1, 0);
-  EXPECT_EQ(Order(), "F1 V0 F0 V1 V2 ");
-}
-
-TEST_F(SegmentOrder, UnknownAfterVolumeGoesToTheTail) {
-  AddVolume(0);
-  AddFree(0, 7);
-  EXPECT_EQ(Order(), "V0 F0 ");
-}
-
-TEST_F(SegmentOrder, AnArrayWithoutVolumes) {
-  Array_.SegmentList = LIST_ENTRY{nullptr, nullptr};  // never initialised
-  AddFree(0, RAID_SEGMENT_AFTER_NO_VOLUME);
-  AddFree(1, 3);
-  EXPECT_EQ(Order(), "F0 F1 ");
 }
 
 // ---- Families and binding ------------------------------------------------------
