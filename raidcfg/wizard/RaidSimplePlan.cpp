@@ -66,57 +66,62 @@ UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability, UINT32 Level) {
   return RaidStripeSizeCode(Default->Name);
 }
 
+// One policy of the planned virtual disk: the profile list it comes from,
+// the field it sets, the value when the list is empty, and its trace lines
+// (count, empty list, default found).
+struct DEFAULT_POLICY {
+  UINT32 (*Collect)(const RAID_CAPABILITY *, RAID_POLICY_ENTRY **, UINT32);
+  UINT32 RAID_VOLUME_PARAMETER::*Field;
+  UINT32 Other;
+  const CHAR8 *CountTrace;
+  const CHAR8 *MissingTrace;
+  const CHAR8 *DefaultTrace;
+};
+
+constexpr DEFAULT_POLICY kDefaultPolicies[] = {
+    {RaidCollectReadPolicies, &RAID_VOLUME_PARAMETER::ReadPolicy,
+     RAID_READ_POLICY_OTHER, "RAID: [%a] Read policy count is %d\n",
+     "RAID: [%a] The read policy is not available\n",
+     "RAID: [%a] Use the default read policy: %S\n"},
+    {RaidCollectWritePolicies, &RAID_VOLUME_PARAMETER::WritePolicy,
+     RAID_WRITE_POLICY_OTHER, "RAID: [%a] Write policy count is %d\n",
+     "RAID: [%a] The write policy is not available\n",
+     "RAID: [%a] Use the default write policy: %S\n"},
+    {RaidCollectIoPolicies, &RAID_VOLUME_PARAMETER::IoPolicy,
+     RAID_IO_POLICY_OTHER, "RAID: [%a] IO policy count is %d\n",
+     "RAID: [%a] IO policy is not available\n",
+     "RAID: [%a] Use default IO policy: %S\n"},
+    // The default is traced with the I/O policy's words, as the adapter
+    // logs have it.
+    {RaidCollectDiskCachePolicies, &RAID_VOLUME_PARAMETER::DiskCachePolicy,
+     RAID_DISK_CACHE_POLICY_OTHER, "RAID: [%a] Disk cache policy count is %d\n",
+     "RAID: [%a] Disk cache policy is not available\n",
+     "RAID: [%a] Use default IO policy: %S\n"},
+};
+
+// Sets Policy's field of Parameter to the profile's default; the trace
+// lines carry Caller's name.
+VOID ApplyDefaultPolicy(const CHAR8 *Caller, const DEFAULT_POLICY &Policy,
+                        const RAID_CAPABILITY *Capability,
+                        RAID_VOLUME_PARAMETER *Parameter) {
+  RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
+  const UINT32 Count = Policy.Collect(Capability, Entries, kMaxPolicies);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, Policy.CountTrace, Count);
+  RAID_POLICY_ENTRY *Default = DefaultEntry(Entries, Count);
+  Parameter->*Policy.Field = Policy.Other;
+  if (Count == 0) {
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, Policy.MissingTrace);
+  } else if (Default != nullptr) {
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, Policy.DefaultTrace, Default->Name);
+    Parameter->*Policy.Field = Default->Value;
+  }
+}
+
 // The profile's default policies into Parameter.
 VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
                      RAID_VOLUME_PARAMETER *Parameter) {
-  RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
-  UINT32 Count = RaidCollectReadPolicies(Capability, Entries, kMaxPolicies);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Read policy count is %d\n", Count);
-  RAID_POLICY_ENTRY *Default = DefaultEntry(Entries, Count);
-  Parameter->ReadPolicy = RAID_READ_POLICY_OTHER;
-  if (Count == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] The read policy is not available\n");
-  } else if (Default != nullptr) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Use the default read policy: %S\n",
-               Default->Name);
-    Parameter->ReadPolicy = Default->Value;
-  }
-  Count = RaidCollectWritePolicies(Capability, Entries, kMaxPolicies);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Write policy count is %d\n", Count);
-  Default = DefaultEntry(Entries, Count);
-  Parameter->WritePolicy = RAID_WRITE_POLICY_OTHER;
-  if (Count == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO,
-               "RAID: [%a] The write policy is not available\n");
-  } else if (Default != nullptr) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Use the default write policy: %S\n",
-               Default->Name);
-    Parameter->WritePolicy = Default->Value;
-  }
-  Count = RaidCollectIoPolicies(Capability, Entries, kMaxPolicies);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] IO policy count is %d\n", Count);
-  Default = DefaultEntry(Entries, Count);
-  Parameter->IoPolicy = RAID_IO_POLICY_OTHER;
-  if (Count == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] IO policy is not available\n");
-  } else if (Default != nullptr) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Use default IO policy: %S\n",
-               Default->Name);
-    Parameter->IoPolicy = Default->Value;
-  }
-  Count = RaidCollectDiskCachePolicies(Capability, Entries, kMaxPolicies);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Disk cache policy count is %d\n",
-             Count);
-  Default = DefaultEntry(Entries, Count);
-  Parameter->DiskCachePolicy = RAID_DISK_CACHE_POLICY_OTHER;
-  if (Count == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO,
-               "RAID: [%a] Disk cache policy is not available\n");
-  } else if (Default != nullptr) {
-    // Traced with the I/O policy's words, as the adapter logs have it.
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Use default IO policy: %S\n",
-               Default->Name);
-    Parameter->DiskCachePolicy = Default->Value;
+  for (const DEFAULT_POLICY &Policy : kDefaultPolicies) {
+    ApplyDefaultPolicy(__func__, Policy, Capability, Parameter);
   }
 }
 
