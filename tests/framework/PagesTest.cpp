@@ -7,27 +7,19 @@ namespace {
 
 using demo::Current;
 
-TEST_F(FrameworkTest, ControlsShowTheDataSourcesValues) {
-  EXPECT_EQ(Driver.Title(), u"Demo - Select Adapter");
-  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disk Drives: 4");
-  EXPECT_EQ(Driver.Options(On(demo::kAdapterRadio)).size(), 3u);
-  EXPECT_EQ(Driver.Text(On(demo::kModeCombo)), u"Fast");
-  EXPECT_EQ(Driver.Value(On(demo::kDriveTable)), 1u);
-  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 0, 3), u"Role");
-  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 2, 1), u"Disk 1");
-  // The slider's range comes from the data source too.
+// The adapter page's texts, options and cells are pinned by its golden
+// screen; the slider's range is not drawn as a number.
+TEST_F(FrameworkTest, SliderRangeComesFromTheDataSource) {
   Driver.Press(On(demo::kNextButton));
   EXPECT_EQ(ControlOn(demo::kCapacitySlider)->Maximum, 500u);
   EXPECT_EQ(TextOn(demo::kCapacityLabel), u"Capacity: 100 GB");
 }
 
 TEST_F(FrameworkTest, DisplayStatesFollowTheCallbacks) {
-  HOST_PAGE_NODE *Label = On(demo::kAdvancedLabel);
-  EXPECT_EQ(Driver.State(Label), HOST_DISPLAY_HIDDEN);
+  // The label shown on ticking is pinned by the advanced golden screen.
   EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
-  EXPECT_EQ(Driver.State(Label), HOST_DISPLAY_SHOWN);
-  EXPECT_EQ(Label->RefreshMark, 0) << "the framework read the mark";
-  EXPECT_NE(Driver.Dump().find("Show advanced settings\n"), std::string::npos);
+  EXPECT_EQ(On(demo::kAdvancedLabel)->RefreshMark, 0)
+      << "the framework read the mark";
 
   // Choosing the second adapter grays Remove: pressing it is refused and
   // its callback does not run.
@@ -36,8 +28,6 @@ TEST_F(FrameworkTest, DisplayStatesFollowTheCallbacks) {
   Current().Events.clear();
   EXPECT_EQ(Driver.Press(On(demo::kDeleteButton)), EFI_ACCESS_DENIED);
   EXPECT_TRUE(Current().Events.empty());
-  // The label's formatted text was read again (refresh mark 4).
-  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disk Drives: 0");
 }
 
 TEST_F(FrameworkTest, HiddenContainersHideTheirChildren) {
@@ -256,7 +246,6 @@ TEST_F(FrameworkTest, ShowingAPageClosesTheProgressBox) {
                                demo::kStrRefresh, nullptr);
   Setup.Interface().SetProgress(30);
   EXPECT_TRUE(framework::MessageBox().Open);
-  EXPECT_NE(Driver.Dump().find(" 30%"), std::string::npos);
   Setup.Interface().ShowPage(demo::AdapterPage(), 0);
   EXPECT_FALSE(framework::MessageBox().Open);
   EXPECT_EQ(Driver.Dump().find(" 30%"), std::string::npos);
@@ -266,11 +255,9 @@ TEST_F(FrameworkTest, HelpShowsTheModulesEntriesHeadingFirst) {
   Driver.Help();
   const framework::HelpState &Help = framework::Help();
   ASSERT_TRUE(Help.Open);
-  ASSERT_EQ(Help.Count, 3u);
+  ASSERT_EQ(Help.Count, 3u);  // the texts are pinned by the help golden
   EXPECT_EQ(Help.Lines[0].Style, HOST_HELP_HEADING);
-  EXPECT_EQ(std::u16string(Help.Lines[0].Text), u"Adapter Selection");
   EXPECT_EQ(Help.Lines[2].Style, HOST_HELP_PARAGRAPH);
-  EXPECT_NE(Driver.Dump().find("Tick the drives to use"), std::string::npos);
   Driver.CloseHelp();
   EXPECT_FALSE(framework::Help().Open);
   // Without the module's callbacks the host shows its own help.
@@ -287,11 +274,7 @@ TEST_F(FrameworkTest, LanguageSwitchReadsEveryTextAgain) {
   EXPECT_EQ(Driver.SwitchLanguage("fr-FR"), EFI_SUCCESS);
   EXPECT_EQ(Current().LanguageCallbacks, 1);
   EXPECT_FALSE(framework::Help().Open) << "its texts were in English";
-  EXPECT_EQ(Driver.Title(), u"Démo - Choisir l'adaptateur");
-  EXPECT_EQ(TextOn(demo::kDriveLabel), u"Disques : 4");
-  EXPECT_EQ(TextOn(demo::kModeCombo), u"Rapide");
-  EXPECT_EQ(Driver.Cell(On(demo::kDriveTable), 1, 3), u"Membre");
-  // A page not shown is read again when it is shown.
+  // The page shown is pinned by the French golden; a page not shown is read again when it is shown.
   Driver.Press(On(demo::kNextButton));
   EXPECT_EQ(TextOn(demo::kBackButton), u"Retour");
   EXPECT_EQ(Driver.SwitchLanguage("xx-XX"), EFI_NOT_FOUND);
