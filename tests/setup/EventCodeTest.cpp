@@ -17,44 +17,34 @@ class EventCodeTest : public ModuleWorld {
   ~EventCodeTest() override { RaidcfgSetupResetGlobals(); }
 };
 
-TEST(EventTable, HoldsTheCatalogueEntriesExactlyAndEndsWithCodeZero) {
+// Every catalogue entry goes out with its exact identifier and message.
+TEST_F(EventCodeTest, KnownEventIsSentWithItsMessageAndIdentifier) {
   struct Row {
+    UINT8 Byte;
     const char *Id;
-    UINT32 Code;
     const char *Message;
   };
   const Row Expected[] = {
-      {"KDZPMSR0001K", 0xFE01, "Find unsupported RAID adapter."},
-      {"KDZPMRS0011K", 0xFE11, "Failed to change disk drives' state."},
-      {"KDZPMSR0012I", 0xFE12, "Change disk drives' state successfully."},
-      {"KDZPMSR0021L", 0xFE21, "Failed to create new virtual disk"},
-      {"KDZPMSR0022I", 0xFE22, "Create new virtual disk successfully."},
-      {"KDZPMSR0031L", 0xFE31, "Failed to remove existing virtual disk."},
-      {"KDZPMSR0032I", 0xFE32, "Removed existing virtual disk successfully."},
+      {0x01, "KDZPMSR0001K", "Find unsupported RAID adapter."},
+      {0x11, "KDZPMRS0011K", "Failed to change disk drives' state."},
+      {0x12, "KDZPMSR0012I", "Change disk drives' state successfully."},
+      {0x21, "KDZPMSR0021L", "Failed to create new virtual disk"},
+      {0x22, "KDZPMSR0022I", "Create new virtual disk successfully."},
+      {0x31, "KDZPMSR0031L", "Failed to remove existing virtual disk."},
+      {0x32, "KDZPMSR0032I", "Removed existing virtual disk successfully."},
   };
-  for (size_t Index = 0; Index < 7; Index++) {
-    SCOPED_TRACE(Index);
-    const RAID_EVENT_ENTRY &Entry = gRaidEventTable[Index];
-    EXPECT_STREQ(Entry.MessageId, Expected[Index].Id);
-    EXPECT_EQ(Entry.EventCode, Expected[Index].Code);
-    EXPECT_STREQ(Entry.Message, Expected[Index].Message);
-  }
-  EXPECT_EQ(gRaidEventTable[7].EventCode, 0u);
-}
-
-TEST_F(EventCodeTest, KnownEventIsSentWithItsMessageAndIdentifier) {
-  const UINT8 Bytes[] = {0x01, 0x11, 0x12, 0x21, 0x22, 0x31, 0x32};
-  for (UINT8 Byte : Bytes) {
-    SendEventCode(Byte);
+  for (const Row &Entry : Expected) {
+    SendEventCode(Entry.Byte);
   }
   ASSERT_EQ(Qol_->Events().size(), 7u);
   for (size_t Index = 0; Index < 7; Index++) {
     const emu::SentEvent &Event = Qol_->Events()[Index];
-    EXPECT_EQ(Event.EventCode, 0xFE00u | Bytes[Index]);
-    EXPECT_EQ(Event.Message, gRaidEventTable[Index].Message);
-    EXPECT_EQ(Event.Identifier, gRaidEventTable[Index].MessageId);
+    EXPECT_EQ(Event.EventCode, 0xFE00u | Expected[Index].Byte);
+    EXPECT_EQ(Event.Message, Expected[Index].Message);
+    EXPECT_EQ(Event.Identifier, Expected[Index].Id);
     EXPECT_EQ(Event.Count, 1u);
   }
+  EXPECT_EQ(gRaidEventTable[7].EventCode, 0u);
   EXPECT_TRUE(TraceHas("RAID: [SendEventCode] Send out event code "
                        "successfully"));
 }

@@ -71,13 +71,6 @@ TEST(ServiceConverters, RaidLevelWords) {
   }
 }
 
-TEST(ServiceConverters, StateTexts) {
-  EXPECT_EQ(Narrow(GetStateText(RAID_STATE_OPTIMAL)), "Optimal");
-  EXPECT_EQ(Narrow(GetStateText(RAID_STATE_JBOD)), "JBOD");
-  EXPECT_EQ(Narrow(GetStateText(58)), "Invalid State");
-  EXPECT_EQ(Narrow(GetStateText(0xFFFFFFFF)), "Invalid State");
-}
-
 struct SizeCase {
   UINT64 Figure;
   UINT64 Fraction;

@@ -167,92 +167,60 @@ class ServiceLayerTest : public ModuleWorld {
   RAID_CONTROLLER *Other_ = nullptr;
 };
 
+// What Collect put in a list of 8 within Max, by Field; nothing may be
+// written beyond the count it returns.
+template <typename Source, typename T>
+std::vector<UINT32> Collected(UINT32 (*Collect)(const Source *, T **, UINT32),
+                              const Source *From, UINT32 Max,
+                              UINT32 T::*Field) {
+  T *Out[8] = {};
+  const UINT32 Count = Collect(From, Out, Max);
+  std::vector<UINT32> Values;
+  for (UINT32 Index = 0; Index < 8; Index++) {
+    if (Index < Count) {
+      Values.push_back(Out[Index]->*Field);
+    } else {
+      EXPECT_EQ(Out[Index], nullptr) << "written beyond the count";
+    }
+  }
+  return Values;
+}
+
 TEST_F(ServiceLayerTest, CollectorsListRecordsInOrderWithinTheLimit) {
+  using Ids = std::vector<UINT32>;
   RAID_ARRAY *Array = AddArray(Controller_, 0, 3,
                                {{7, false}, {0, true}, {1, false}, {1, true}});
   AddArray(Controller_, 1, 2, {});
   AddArray(Controller_, 2, 2, {});
-
-  struct CollectCase {
-    const char *Name;
-    UINT32 Max;
-    std::function<UINT32(VOID **, UINT32)> Collect;
-    std::vector<UINT32> Ids;  // Ids (or levels, values) expected
-    std::function<UINT32(VOID *)> IdOf;
-  };
-  auto LevelOf = [](VOID *R) { return static_cast<RAID_LEVEL_CAP *>(R)->Level; };
-  auto ValueOf = [](VOID *R) { return static_cast<RAID_POLICY_ENTRY *>(R)->Value; };
-  auto ArrayIdOf = [](VOID *R) { return static_cast<RAID_ARRAY *>(R)->Id; };
-  auto DriveIdOf = [](VOID *R) { return static_cast<RAID_PHYSICAL_DRIVE *>(R)->Id; };
-  auto SegmentIdOf = [](VOID *R) { return static_cast<RAID_VOLUME *>(R)->Id; };
   const RAID_CAPABILITY *Capability = Controller_->Capability;
-  const CollectCase Cases[] = {
-      {"levels", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectLevels(Capability, (RAID_LEVEL_CAP **)Out, Max);
-       },
-       {0, 1, 5}, LevelOf},
-      {"stripes, limited", 2,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectStripeSizes(Capability, (RAID_POLICY_ENTRY **)Out,
-                                       Max);
-       },
-       {64, 128}, ValueOf},
-      {"read policies, empty", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectReadPolicies(Capability, (RAID_POLICY_ENTRY **)Out,
-                                        Max);
-       },
-       {}, ValueOf},
-      {"arrays", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectArrays(Controller_, (RAID_ARRAY **)Out, Max);
-       },
-       {0, 1, 2}, ArrayIdOf},
-      {"arrays, limited", 1,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectArrays(Controller_, (RAID_ARRAY **)Out, Max);
-       },
-       {0}, ArrayIdOf},
-      {"drives", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectArrayDrives(Array, (RAID_PHYSICAL_DRIVE **)Out, Max);
-       },
-       {0, 1, 2}, DriveIdOf},
-      {"volumes", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectVolumes(Array, (RAID_VOLUME **)Out, Max);
-       },
-       {0, 1}, SegmentIdOf},
-      {"free segments", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectFreeSegments(Array, (RAID_VOLUME **)Out, Max);
-       },
-       {7, 1}, SegmentIdOf},
-      {"no controller", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectArrays(nullptr, (RAID_ARRAY **)Out, Max);
-       },
-       {}, ArrayIdOf},
-      {"no capability", 8,
-       [&](VOID **Out, UINT32 Max) {
-         return RaidCollectLevels(nullptr, (RAID_LEVEL_CAP **)Out, Max);
-       },
-       {}, LevelOf},
-  };
-  for (const CollectCase &Case : Cases) {
-    SCOPED_TRACE(Case.Name);
-    VOID *Out[8] = {};
-    const UINT32 Count = Case.Collect(Out, Case.Max);
-    std::vector<UINT32> Ids;
-    for (UINT32 Index = 0; Index < Count; Index++) {
-      Ids.push_back(Case.IdOf(Out[Index]));
-    }
-    EXPECT_EQ(Ids, Case.Ids);
-    for (UINT32 Index = Count; Index < 8; Index++) {
-      EXPECT_EQ(Out[Index], nullptr) << "written beyond the count";
-    }
-  }
+  EXPECT_EQ(Collected(RaidCollectLevels, Capability, 8, &RAID_LEVEL_CAP::Level),
+            (Ids{0, 1, 5}));
+  EXPECT_EQ(Collected(RaidCollectStripeSizes, Capability, 2,
+                      &RAID_POLICY_ENTRY::Value),
+            (Ids{64, 128}));
+  EXPECT_EQ(Collected(RaidCollectReadPolicies, Capability, 8,
+                      &RAID_POLICY_ENTRY::Value),
+            Ids{});
+  EXPECT_EQ(Collected<RAID_CONTROLLER>(RaidCollectArrays, Controller_, 8,
+                                       &RAID_ARRAY::Id),
+            (Ids{0, 1, 2}));
+  EXPECT_EQ(Collected<RAID_CONTROLLER>(RaidCollectArrays, Controller_, 1,
+                                       &RAID_ARRAY::Id),
+            Ids{0});
+  EXPECT_EQ(Collected<RAID_ARRAY>(RaidCollectArrayDrives, Array, 8,
+                                  &RAID_PHYSICAL_DRIVE::Id),
+            (Ids{0, 1, 2}));
+  EXPECT_EQ(Collected<RAID_ARRAY>(RaidCollectVolumes, Array, 8, &RAID_VOLUME::Id),
+            (Ids{0, 1}));
+  EXPECT_EQ(Collected<RAID_ARRAY>(RaidCollectFreeSegments, Array, 8,
+                                  &RAID_VOLUME::Id),
+            (Ids{7, 1}));
+  EXPECT_EQ(Collected<RAID_CONTROLLER>(RaidCollectArrays, nullptr, 8,
+                                       &RAID_ARRAY::Id),
+            Ids{});
+  EXPECT_EQ(Collected<RAID_CAPABILITY>(RaidCollectLevels, nullptr, 8,
+                                       &RAID_LEVEL_CAP::Level),
+            Ids{});
 }
 
 TEST_F(ServiceLayerTest, DriveCopiesAreWholeRecords) {
