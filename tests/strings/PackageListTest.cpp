@@ -93,8 +93,6 @@ TEST(PackageListTest, EnglishTextsAreExact) {
       {STR_ADAPTER_NO_VIRTUAL_DISKS, u"%s     (No virtual disks created)    "},
       {STR_CONFIRM_REMOVE_PLANNED, u"Do you want to remove the created volume ?"},
       {STR_ADAPTER_MESSAGE, u""},
-      {STR_ERROR_MESSAGE_033, u"Error writing MFC data to SEEPROM"},
-      {STR_ERROR_MESSAGE_041, u"Unknown Error"},
   };
   for (const auto &[Id, Text] : Expected) {
     EXPECT_EQ(Text, English.at(Id)) << Id;
