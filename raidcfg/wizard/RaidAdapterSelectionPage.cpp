@@ -112,30 +112,38 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
   RaidRedrawScreen();
 }
 
+// The adapter labels are read on behalf of UpdateControllerNamesInRadioControl,
+// and its name is the one the log shows.
+constexpr const CHAR8 *kUpdateControllerNames =
+    "UpdateControllerNamesInRadioControl";
+
 // Reads adapter Index again, makes it current and returns its label.
 CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head, RAID_CONTROLLER *Controller,
                          UINT32 Index) {
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID :[%a] Get RAID adapter %d information\n",
-             Index);
+  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+                "RAID :[%a] Get RAID adapter %d information\n", Index);
   UINT32 ErrorCode = 0;
   RAID_CONTROLLER *Read = nullptr;
   EFI_STATUS Status =
       GetRaidControllerInfo(Head, Controller->Id, &Read, &ErrorCode);
   gCurrentRaidController = Controller;
-  RAID_TRACE(TARN_DEBUG_INFO,
-             "RAID :[%a] Get Raid controller info Status is %r, Errorcode is "
-             "%x\n",
-             Status, ErrorCode);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID :[%a] Disk drive count is %d\n",
-             Controller->DiskDriveCount);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID :[%a] Free disk drive count is %d\n",
-             Controller->UnconfiguredDriveCount);
+  RAID_TRACE_AS(
+      kUpdateControllerNames, TARN_DEBUG_INFO,
+      "RAID :[%a] Get Raid controller info Status is %r, Errorcode is "
+      "%x\n",
+      Status, ErrorCode);
+  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+                "RAID :[%a] Disk drive count is %d\n",
+                Controller->DiskDriveCount);
+  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+                "RAID :[%a] Free disk drive count is %d\n",
+                Controller->UnconfiguredDriveCount);
   CHAR16 *Label = AdapterLabel(Controller, GetVolumeCount(Controller));
   if (!IsSupported(Controller)) {
     SendEventCode(RAID_EVENT_UNSUPPORTED_ADAPTER);
   }
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Controller name: %S\n",
-             Controller->Name);
+  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+                "RAID: [%a] Controller name: %S\n", Controller->Name);
   return Label;
 }
 
