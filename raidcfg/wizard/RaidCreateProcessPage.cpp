@@ -40,6 +40,10 @@ constinit HOST_PAGE_NODE *gRow = nullptr;
 constinit EFI_STATUS gLastStatus = EFI_SUCCESS;
 constinit UINT32 gLastErrorCode = 0;
 
+// The step's helpers trace on behalf of RaidShowCreateVolumeProcess, whose
+// name the log shows.
+constexpr const CHAR8 *kCreationStep = "RaidShowCreateVolumeProcess";
+
 HOST_PAGE_NODE *ChildOf(HOST_PAGE_NODE *Group, UINT32 NodeId) {
   for (HOST_PAGE_NODE *Child = Group != nullptr ? Group->FirstChild : nullptr;
        Child != nullptr; Child = Child->NextSibling) {
@@ -81,10 +85,7 @@ VOID ShowRowResult(HOST_PAGE_NODE *Row, const CHAR8 *FailureTrace) {
     SetNodeState(ChildOf(Row, RAID_NODE_RESULT_SUCCESS), HOST_DISPLAY_SHOWN);
     return;
   }
-  if (TarnSetupProtocol != nullptr && TarnSetupProtocol->DebugPrint != nullptr) {
-    TarnSetupProtocol->DebugPrint(TARN_DEBUG_ERROR, FailureTrace,
-                                  "RaidShowCreateVolumeProcess");
-  }
+  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_ERROR, FailureTrace);
   HOST_PAGE_NODE *Failure = ChildOf(Row, RAID_NODE_RESULT_FAILURE);
   const CHAR16 *Format = RaidString(STR_CREATE_FAILURE);
   RaidSetControlText(Failure, RaidFormatText(StrLen(Format) + kFailureExtra,
@@ -133,10 +134,10 @@ VOID PointAtNewArray(RAID_VOLUME_PARAMETER *Record) {
 VOID CreateRecord(RAID_VOLUME_PARAMETER *Record) {
   gLastErrorCode = 0;
   gLastStatus = CreateRaidVolume(Record, 0, &gLastErrorCode);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] CreateRaidVolume Status is %r\n",
-             gLastStatus);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] CreateRaidVolume Errorcode is %x\n",
-             gLastErrorCode);
+  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
+                "RAID: [%a] CreateRaidVolume Status is %r\n", gLastStatus);
+  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
+                "RAID: [%a] CreateRaidVolume Errorcode is %x\n", gLastErrorCode);
   SendEventCode(gLastStatus == EFI_SUCCESS && gLastErrorCode == 0
                     ? kEventCreated
                     : kEventCreateFailed);
@@ -147,13 +148,15 @@ VOID FinishCreation() {
   gRunning = FALSE;
   RaidResetConfigurationState();
   RaidShowControl(kPage, RAID_NODE_NEXT);
-  RAID_TRACE(TARN_DEBUG_INFO,
-             "RAID: [%a] Clear the volume information and the tables created\n");
+  RAID_TRACE_AS(
+      kCreationStep, TARN_DEBUG_INFO,
+      "RAID: [%a] Clear the volume information and the tables created\n");
   HideDots();
   if (gRow != nullptr) {
     ShowRowResult(gRow, "RAID: [%a] Volume creation failed\n");
   }
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Restore the default value of pages\n");
+  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
+                "RAID: [%a] Restore the default value of pages\n");
   RaidRestoreConfigTypePage();
 }
 

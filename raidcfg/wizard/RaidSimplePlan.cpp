@@ -25,6 +25,10 @@ constexpr UINT32 kMaxMembers = 256;
 
 constexpr UINT32 kVerifyPage = RAID_PAGE_SIMPLE_VERIFY;
 
+// The planner's helpers trace on behalf of
+// UpdateSimpleConfigNewVolumeParameters, whose name the log shows.
+constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
+
 // The first entry marked default, or NULL.
 RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries, UINT32 Count) {
   for (UINT32 Index = 0; Index < Count; Index++) {
@@ -52,17 +56,19 @@ UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability, UINT32 Level) {
   }
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = RaidCollectStripeSizes(Capability, Entries, kMaxPolicies);
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Stripe size count is %d\n", Count);
+  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+                "RAID: [%a] Stripe size count is %d\n", Count);
   if (Count == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] No strip size found\n");
+    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+                  "RAID: [%a] No strip size found\n");
     return RAID_STRIPE_SIZE_OTHER;
   }
   RAID_POLICY_ENTRY *Default = DefaultEntry(Entries, Count);
   if (Default == nullptr) {
     return 0;
   }
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] The default stripe size is %S\n",
-             Default->Name);
+  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+                "RAID: [%a] The default stripe size is %S\n", Default->Name);
   return RaidStripeSizeCode(Default->Name);
 }
 
@@ -121,7 +127,7 @@ VOID ApplyDefaultPolicy(const CHAR8 *Caller, const DEFAULT_POLICY &Policy,
 VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
                      RAID_VOLUME_PARAMETER *Parameter) {
   for (const DEFAULT_POLICY &Policy : kDefaultPolicies) {
-    ApplyDefaultPolicy(__func__, Policy, Capability, Parameter);
+    ApplyDefaultPolicy(kPlanVolume, Policy, Capability, Parameter);
   }
 }
 
@@ -175,8 +181,9 @@ UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
       continue;
     }
     const UINT64 Capacity = RaidDriveCapacity(Drive);
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Disk drive %d capacity is %dGB\n",
-               Drive->Id, static_cast<UINT32>(Capacity / 1000));
+    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+                  "RAID: [%a] Disk drive %d capacity is %dGB\n", Drive->Id,
+                  static_cast<UINT32>(Capacity / 1000));
     if (Found != 0 && Capacity != *Smallest) {
       *Unequal = TRUE;
     }
