@@ -250,28 +250,34 @@ BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
   }
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
     if (StrCmp(StateText, kWordUGood) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change UGOOD to  GHS\n");
+      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                    "RAID: [%a] Change UGOOD to  GHS\n");
       *Target = RAID_STATE2_DEDICATED;
       return TRUE;
     }
     if (StrCmp(StateText, kWordDedicated) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change GHS to  UGOOD\n");
+      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                    "RAID: [%a] Change GHS to  UGOOD\n");
       *Target = RAID_STATE2_UGOOD;
       return TRUE;
     }
     return FALSE;
   }
   if (StrCmp(StateText, kWordJbod) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change JBOD to UGOOD\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change JBOD to UGOOD\n");
     *Target = RAID_STATE_UGOOD;
   } else if (StrCmp(StateText, kWordUGood) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change UGOOD to  JBOD\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change UGOOD to  JBOD\n");
     *Target = RAID_STATE_JBOD;
   } else if (StrCmp(StateText, kWordNonRaid) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change Non-RAID to GHS\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change Non-RAID to GHS\n");
     *Target = RAID_STATE4_GHS;
   } else if (StrCmp(StateText, kWordGhs) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change GHS to Non-RAID\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change GHS to Non-RAID\n");
     *Target = RAID_STATE4_NON_RAID;
   } else {
     return FALSE;
@@ -280,8 +286,8 @@ BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
 }
 
 VOID ReportStateChangeFailure(EFI_STATUS Status, UINT32 ErrorCode) {
-  RAID_TRACE_AS(kManageNext, TARN_DEBUG_ERROR, "RAID: [%a] Status = %r, ErrorCode = %x",
-             Status, ErrorCode);
+  RAID_TRACE_AS(kManageNext, TARN_DEBUG_ERROR,
+                "RAID: [%a] Status = %r, ErrorCode = %x", Status, ErrorCode);
   SendEventCode(RAID_EVENT_DRIVE_STATE_FAILED);
   ShowRaidErrorBox(ErrorCode);
 }
@@ -290,10 +296,12 @@ VOID ReportStateChangeFailure(EFI_STATUS Status, UINT32 ErrorCode) {
 VOID ApplyAllDrivesAction() {
   UINT32 State = RAID_STATE_JBOD;
   if (gLastAllDrivesAction == kActionJbodToUGood) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change all JBOD to UGOOD\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change all JBOD to UGOOD\n");
     State = RAID_STATE_UGOOD;
   } else {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] Change all UGOOD to JBOD\n");
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+                  "RAID: [%a] Change all UGOOD to JBOD\n");
   }
   LIST_ENTRY *Head = nullptr;
   GetRaidControllerList(&Head);
@@ -310,7 +318,8 @@ VOID ApplyAllDrivesAction() {
 // The rows' own choices, in row order, until one fails.
 VOID ApplyRowActions(RAID_TABLE_DATA *Table) {
   for (UINT32 Row = 1; Row < Table->RowCount; Row++) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n", Row);
+    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n",
+                  Row);
     HOST_TABLE_CELL *Action = RaidTableCell(Table, Row, kActionColumn);
     if (Action == nullptr || Action->Value == kSelectOption) {
       continue;
