@@ -284,6 +284,10 @@ VOID SetHotSpareState(UINT8 State) {
   }
 }
 
+// The level choice's helpers trace on behalf of _RaidLevelSelRGCallback,
+// whose name the log shows.
+constexpr const CHAR8 *kLevelChoice = "_RaidLevelSelRGCallback";
+
 // Whether the adapter kind may add a hot spare with Level, and the check
 // box's look.
 VOID DecideHotSpare(const RAID_LEVEL_CAP *Level,
@@ -291,15 +295,18 @@ VOID DecideHotSpare(const RAID_LEVEL_CAP *Level,
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_MVSETUP ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Hide hot spare check box\n");
+    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+                  "RAID: [%a] Hide hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_HIDDEN);
     gHotSpareAllowed = 0;
   } else if (Level->MinPhysicalDrives >= Counts.UGood || Level->Level == 0) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Gray out hot spare check box\n");
+    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+                  "RAID: [%a] Gray out hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_GRAYED);
     gHotSpareAllowed = 0;
   } else {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Activate hot spare check box\n");
+    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+                  "RAID: [%a] Activate hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_SHOWN);
     gHotSpareAllowed = 1;
   }
