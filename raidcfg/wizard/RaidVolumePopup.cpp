@@ -459,7 +459,9 @@ VOID SetCapacity(UINT64 Capacity, UINT64 Limit) {
                          static_cast<UINT32>(Limit)));
 }
 
-BOOLEAN AttachPopup() {
+// Attaches the pop-up page to the module once; a failure is traced under
+// Caller's name.
+BOOLEAN AttachPopup(const CHAR8 *Caller) {
   if (gPopupRoot != nullptr) {
     return TRUE;
   }
@@ -469,7 +471,7 @@ BOOLEAN AttachPopup() {
           RaidPageTemplate(RAID_POPUP_PAGE), gRaidModuleRoot,
           gRaidModuleIdentity, &gPopupRoot))) {
     gPopupRoot = nullptr;
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return FALSE;
   }
   if (TarnSetupProtocol->BuildControlTable != nullptr) {
@@ -500,7 +502,7 @@ VOID FixStripeToArray() {
 // Opens the pop-up with the policies of the first virtual disk.
 BOOLEAN InitRaidAdvCreateVolumePage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
-  if (!AttachPopup()) {
+  if (!AttachPopup(__func__)) {
     return FALSE;
   }
   if (RaidVolumeParameterQueue() == nullptr) {
@@ -704,22 +706,28 @@ VOID RaidOpenCreateVolumePopup() {
   FixupCreatePopup();
 }
 
+// Editing lays the pop-up out on behalf of UpdateCreateVolumeLayout, whose
+// name the log shows.
+constexpr const CHAR8 *kEditLayout = "UpdateCreateVolumeLayout";
+
 VOID RaidOpenEditVolumePopup(UINT32 Row) {
   gCreateMode = 0;
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] start\n");
   RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
   for (UINT32 Index = 1; Record != nullptr && Index < Row; Index++) {
     Record = Record->Next;
   }
-  if (Row == 0 || Record == nullptr || !AttachPopup()) {
-    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Pointer to VD is null\n");
+  if (Row == 0 || Record == nullptr || !AttachPopup(kEditLayout)) {
+    RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                  "RAID: [%a] Pointer to VD is null\n");
     return;
   }
   gEdited = Record;
   gEditedSize = Record->Size / 1000;
   StrCpyS(gNameBeforeEdit, kNameBeforeEditCharacters,
           Record->Name != nullptr ? Record->Name : u"");
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n", gNameBeforeEdit);
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
+                gNameBeforeEdit);
   SetText(RAID_NODE_POPUP_NAME_EDIT, AllocString(gNameBeforeEdit));
   SetCapacity(gEditedSize, LeftCapacity() + gEditedSize);
   const UINT8 Capacity =
