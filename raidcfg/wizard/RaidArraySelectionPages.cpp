@@ -720,7 +720,7 @@ UINT64 GetArrayMaxAvailableFreeCapacity() {
 VOID InitRaidAdvArraySelectionPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = kArrayPage;
-  RaidInstantiatePage(kArrayPage);
+  RaidInstantiatePage(__func__, kArrayPage);
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kArrayPage)] != 0) {
     gRaidSelectedArrayId = RAID_NO_SELECTION;
     gRaidSelectedSegmentId = RAID_NO_SELECTION;
@@ -747,7 +747,7 @@ VOID ShowTable2() {
 VOID InitRaidAdvCreateArraySelectionPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = kNewArrayPage;
-  RaidInstantiateOrRefreshPage(kNewArrayPage);
+  RaidInstantiateOrRefreshPage(__func__, kNewArrayPage);
   SetDriveTableSize();
   RaidShowPage(kNewArrayPage, RAID_NODE_NEW_ARRAY_LEVEL_COMBO);
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kNewArrayPage)] != 0) {

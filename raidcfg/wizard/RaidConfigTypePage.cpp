@@ -368,7 +368,7 @@ RAID_CONTROL_CALLBACK(_RaidLevelSelNextButtonCallback) {
   (void)Event;
   if (gRecompute != 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Update volume parameters\n");
-    RaidInstantiatePage(RAID_PAGE_SIMPLE_VERIFY);
+    RaidInstantiatePage(__func__, RAID_PAGE_SIMPLE_VERIFY);
     UpdateSimpleConfigNewVolumeParameters();
     gRecompute = 0;
     ShowTable5(RAID_PAGE_SIMPLE_VERIFY);
@@ -405,7 +405,7 @@ constexpr HOST_CONTROL_DESCRIPTOR kLevelOwn[] = {
 
 VOID InitRaidConfigTypeSelPage() {
   gRaidCurrentPage = kTypePage;
-  RaidInstantiatePage(kTypePage);
+  RaidInstantiatePage(__func__, kTypePage);
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kTypePage)] != 0) {
     ResetConfigTypePage();
   }
@@ -414,7 +414,7 @@ VOID InitRaidConfigTypeSelPage() {
 
 VOID InitRaidSimpleLevelPage() {
   gRaidCurrentPage = kLevelPage;
-  RaidInstantiatePage(kLevelPage);
+  RaidInstantiatePage(__func__, kLevelPage);
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kLevelPage)] != 0) {
     gRaidReInitFlags[RAID_REINIT_FLAG(kLevelPage)] = 0;
     gRaidSelectedLevelNumber = RAID_NO_SELECTION;

@@ -138,7 +138,7 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateEditVolNextCallback) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Show table 5\n");
   if (gRaidVerifyTableRefresh != 0) {
     gRaidVerifyTableRefresh = 0;
-    RaidInstantiatePage(RAID_PAGE_ADV_VERIFY);
+    RaidInstantiatePage(__func__, RAID_PAGE_ADV_VERIFY);
     ShowTable5(RAID_PAGE_ADV_VERIFY);
   }
   InitRaidAdvSummaryPage();
@@ -211,7 +211,7 @@ BOOLEAN RaidBelowVolumeLimit() { return CountVolumes() < MaxLogicalDrives(); }
 VOID InitRaidAdvCreateEditVolPage() {
   gRaidCurrentPage = kPage;
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
-  RaidInstantiatePage(kPage);
+  RaidInstantiatePage(__func__, kPage);
   RaidShowPage(kPage, 0);
   if (gRaidSelectionChanged != 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Need to update virtual disk table\n");

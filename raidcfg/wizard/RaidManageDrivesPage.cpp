@@ -430,7 +430,7 @@ VOID ShowTable6() {
 
 VOID InitRaidManagePhyDrvPage() {
   gRaidCurrentPage = kPage;
-  RaidInstantiateOrRefreshPage(kPage);
+  RaidInstantiateOrRefreshPage(__func__, kPage);
   SetTableSize();
   if (gRaidReInitFlags[RAID_REINIT_FLAG(kPage)] != 0) {
     ResetManageDrivesPage();

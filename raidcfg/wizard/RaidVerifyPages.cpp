@@ -196,7 +196,7 @@ VOID InitRaidVerifySummaryPage() {
   gRaidCurrentPage = kSimplePage;
   if (RaidPageRoot(kSimplePage) == nullptr) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] verify page will be created\n");
-    RaidInstantiatePage(kSimplePage);
+    RaidInstantiatePage(__func__, kSimplePage);
   }
   RaidShowPage(kSimplePage, RAID_NODE_NEXT);
 }
@@ -205,7 +205,7 @@ VOID InitRaidAdvSummaryPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = kAdvancedPage;
   if (RaidPageRoot(kAdvancedPage) == nullptr) {
-    RaidInstantiatePage(kAdvancedPage);
+    RaidInstantiatePage(__func__, kAdvancedPage);
     ShowTable5(kAdvancedPage);
   }
   RAIDGetVolumeDataDynamicaly();

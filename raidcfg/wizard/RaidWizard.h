@@ -120,13 +120,15 @@ VOID ShowNoAdapterFoundMsg();
 
 // Instantiates Page from its template under the module root on first use
 // and builds its control table; the page's root (NULL when it could not be
-// built). Later calls only return it.
-HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page);
+// built). Later calls only return it. A failure is traced under Caller's
+// name, the page initialiser or callback that enters the page.
+HOST_PAGE_NODE *RaidInstantiatePage(const CHAR8 *Caller, UINT32 Page);
 // Builds Page's control table again (the page is re-entered).
 VOID RaidRegisterPageControls(UINT32 Page);
 // Entry into Page: instantiates it on first use; on a later entry builds
-// its control table again and marks its tree to be read again.
-VOID RaidInstantiateOrRefreshPage(UINT32 Page);
+// its control table again and marks its tree to be read again. Caller as
+// for RaidInstantiatePage.
+VOID RaidInstantiateOrRefreshPage(const CHAR8 *Caller, UINT32 Page);
 // Frees a page tree and clears *Root.
 VOID FreeRaidStaticPageNodes(HOST_PAGE_NODE **Root,
                              const HOST_PAGE_TEMPLATE *Template);

@@ -356,7 +356,7 @@ VOID RaidRegisterPageControls(UINT32 Page) {
                                        Controls->OwnCount);
 }
 
-HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page) {
+HOST_PAGE_NODE *RaidInstantiatePage(const CHAR8 *Caller, UINT32 Page) {
   const UINT32 Slot = RootSlot(Page);
   if (Slot < RAID_PAGE_CONTROLLER_SELECTION || Slot > RAID_PAGE_MANAGE_DRIVES) {
     return nullptr;
@@ -377,7 +377,7 @@ HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page) {
     gBareRoot[Slot] = Root != nullptr;
   }
   if (Root == nullptr) {
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return nullptr;
   }
   gRaidPageRoots[Slot] = Root;
@@ -385,9 +385,9 @@ HOST_PAGE_NODE *RaidInstantiatePage(UINT32 Page) {
   return Root;
 }
 
-VOID RaidInstantiateOrRefreshPage(UINT32 Page) {
+VOID RaidInstantiateOrRefreshPage(const CHAR8 *Caller, UINT32 Page) {
   if (RaidPageRoot(Page) == nullptr) {
-    RaidInstantiatePage(Page);
+    RaidInstantiatePage(Caller, Page);
   } else {
     RaidRegisterPageControls(Page);
     RaidMarkForReRead(RaidPageRoot(Page));

@@ -90,7 +90,8 @@ VOID InitRaidControllerSelectionPage() {
                                     RAID_PAGE_CONTROLLER_SELECTION, nullptr,
                                     nullptr, RaidSetupLangCallBack);
   }
-  if (RaidInstantiatePage(RAID_PAGE_CONTROLLER_SELECTION) == nullptr) {
+  if (RaidInstantiatePage(__func__, RAID_PAGE_CONTROLLER_SELECTION) ==
+      nullptr) {
     return;
   }
   ShowEmptyAdapterPage();
