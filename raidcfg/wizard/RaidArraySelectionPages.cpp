@@ -620,6 +620,10 @@ UINT64 GetNewArrayFreeCpacity() {
   return Capacity;
 }
 
+// The drive lists are collected on behalf of RaidAdvCreateArrayNextCallback,
+// whose name the log shows.
+constexpr const CHAR8 *kCreateArrayNext = "RaidAdvCreateArrayNextCallback";
+
 // Splits the ticked rows into members and dedicated hot spares.
 VOID CollectSelectedDrives() {
   RaidFreeSelectedDrives();
@@ -633,7 +637,8 @@ VOID CollectSelectedDrives() {
   gRaidHotSpareDriveIds = static_cast<UINT32 *>(
       AllocateZeroPool(sizeof(UINT32) * (static_cast<UINTN>(gRowCount) + 1)));
   if (gRaidMemberDriveIds == nullptr || gRaidHotSpareDriveIds == nullptr) {
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_ERROR,
+                  "RAID: [%a] Out of resource\n");
     RaidFreeSelectedDrives();
     return;
   }
@@ -647,11 +652,12 @@ VOID CollectSelectedDrives() {
       gRaidMemberDriveIds[gRaidMemberDriveCount++] = gRowDriveIds[Row - 1];
     }
   }
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Member disk drive number %d\n",
-             gRaidMemberDriveCount);
-  RAID_TRACE(TARN_DEBUG_INFO,
-             "RAID: [%a] Dedicated hot spare disk drive number %d\n",
-             gRaidHotSpareDriveCount);
+  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+                "RAID: [%a] Member disk drive number %d\n",
+                gRaidMemberDriveCount);
+  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+                "RAID: [%a] Dedicated hot spare disk drive number %d\n",
+                gRaidHotSpareDriveCount);
   gRaidTotalCapacity = GetArrayMaxAvailableFreeCapacity();
 }
 
