@@ -117,9 +117,10 @@ VOID RAIDGetVolumeDataDynamicaly() {
   RaidHideControl(kAdvancedPage, RAID_NODE_VERIFY_UNEQUAL_WARNING + kOffset);
 }
 
-// Asks whether to create the planned virtual disks.
-BOOLEAN ConfirmCreation() {
-  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
+// Asks whether to create the planned virtual disks; the trace carries
+// Caller's name, the Next button that asks.
+BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] start\n");
   return RaidMessageBox(HOST_MSGBOX_YES_NO, STR_CONFIRMATION_TITLE,
                         STR_CONFIRM_CREATE, nullptr);
 }
@@ -127,7 +128,7 @@ BOOLEAN ConfirmCreation() {
 RAID_CONTROL_CALLBACK(_RaidVerifySummaryNextButtonCallback) {
   (void)Node;
   (void)Event;
-  if (!ConfirmCreation()) {
+  if (!ConfirmCreation(__func__)) {
     RaidShowPage(kSimplePage, 0);
     return EFI_SUCCESS;
   }
@@ -144,7 +145,7 @@ RAID_CONTROL_CALLBACK(_RaidVerifySummaryNextButtonCallback) {
 RAID_CONTROL_CALLBACK(RaidAdvSummaryNextCallback) {
   (void)Node;
   (void)Event;
-  if (!ConfirmCreation()) {
+  if (!ConfirmCreation(__func__)) {
     RaidShowPage(kAdvancedPage, 0);
     return EFI_SUCCESS;
   }
