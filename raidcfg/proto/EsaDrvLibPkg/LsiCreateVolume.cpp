@@ -258,7 +258,7 @@ EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
     RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Not find controller.\n");
     return EFI_NOT_FOUND;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
   if (!EFI_ERROR(Status)) {
     gRaidToolOutput[0] = 0;
     if (Controller->Private->CardId == RAID_CARD_ID_UNSET) {

@@ -54,8 +54,10 @@ VOID RefreshAfterDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
 }
 
 // Checks what every deletion needs: the tool runner and a card number.
-EFI_STATUS PrepareDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+// Caller names the deletion in the trace.
+EFI_STATUS PrepareDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+                         UINT32 *ErrorCode) {
+  EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -77,7 +79,7 @@ EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
     *ErrorCode = LSI_ERROR_NOT_FOUND;
     return EFI_ABORTED;
   }
-  EFI_STATUS Status = PrepareDelete(Controller, ErrorCode);
+  EFI_STATUS Status = PrepareDelete(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -103,7 +105,7 @@ EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
   }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Controller id: %d, Array id: %d\n",
                  Controller->Id, Volume->Array->Id);
-  EFI_STATUS Status = PrepareDelete(Controller, ErrorCode);
+  EFI_STATUS Status = PrepareDelete(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -196,7 +196,7 @@ EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
     *ErrorCode = LSI_ERROR_NOT_FOUND;
     return EFI_ABORTED;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -50,7 +50,7 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
     *ErrorCode = LSI_ERROR_NOT_FOUND;
     return EFI_ABORTED;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -101,7 +101,7 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
     return EFI_SUCCESS;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -13,7 +13,7 @@
 EFI_STATUS EFIAPI LsiRunToolInto(const CHAR8 *Caller, UINTN BufferChars,
                                  UINT32 *ErrorCode, const CHAR16 *Format,
                                  ...) {
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -21,7 +21,7 @@ constinit SHELL_COMMAND_PROTOCOL *gShellCommand = nullptr;
 }  // namespace
 
 // Locates the host's shell-command service once and keeps it.
-EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode) {
+EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
   if (gShellCommand != nullptr) {
     return EFI_SUCCESS;
   }
@@ -33,7 +33,8 @@ EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode) {
       Status = EFI_NOT_FOUND;
     }
     *ErrorCode = RaidLibFirmwareErrorCode(Status);
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n", *ErrorCode);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n",
+                      *ErrorCode);
     return Status;
   }
   return EFI_SUCCESS;
@@ -43,7 +44,7 @@ EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode) {
 EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
                                      UINTN OutputSize, UINT32 *ErrorCode,
                                      const CHAR16 *Format, ...) {
-  EFI_STATUS Status = RaidLibLocateShellCommand(ErrorCode);
+  EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -19,8 +19,9 @@ extern CHAR16 *gRaidToolOutputCopy;
 // The adapter the current command addresses, set by RaidLibGetController.
 extern UINT32 gRaidCurrentCardId;
 
-// Locates the shell-command service on first use.
-EFI_STATUS RaidLibLocateShellCommand(UINT32 *ErrorCode);
+// Locates the shell-command service on first use; a failure is traced
+// under Caller's name, the operation that needed the tool.
+EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
 
 // Formats a command line (the tool name is the caller's first argument),
 // traces "[<Caller>]Command: <line>", and runs it into Output, whose size in
