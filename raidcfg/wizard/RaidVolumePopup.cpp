@@ -245,10 +245,7 @@ VOID FillPolicyCombo(UINT32 Kind) {
       "RAID: [%a] disk cache policy count is %d\n"};
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = CollectPolicy(Kind, Entries);
-  if (TarnSetupProtocol != nullptr && TarnSetupProtocol->DebugPrint != nullptr) {
-    TarnSetupProtocol->DebugPrint(TARN_DEBUG_INFO, kTraces[Kind],
-                                  "RaidPolicyDisplay", Count);
-  }
+  RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_INFO, kTraces[Kind], Count);
   HOST_PAGE_NODE *Combo = PopupNode(kComboIds[Kind]);
   if (Count == 0) {
     SetState(kLabelIds[Kind], HOST_DISPLAY_HIDDEN);

@@ -37,9 +37,7 @@ bool ControllerPresent(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
 // missing controller.
 EFI_STATUS OperationMissing(const CHAR8 *Caller, const CHAR8 *Message,
                             UINT32 *ErrorCode) {
-  if (gRaidLibSetupProtocol != nullptr) {
-    gRaidLibSetupProtocol->DebugPrint(TARN_DEBUG_INFO, Message, Caller);
-  }
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, Message);
   *ErrorCode = RAID_ERROR_MISSING;
   return EFI_ABORTED;
 }
@@ -49,13 +47,9 @@ EFI_STATUS ReconnectAfterChange(const CHAR8 *Caller,
                                 RAID_CONTROLLER *Controller) {
   EFI_STATUS Status = UpdateRaidControllerDeviceDriver(Controller);
   if (EFI_ERROR(Status)) {
-    if (gRaidLibSetupProtocol != nullptr) {
-      gRaidLibSetupProtocol->DebugPrint(
-          TARN_DEBUG_INFO,
-          "[%a]<err> Failed to update the device drives under the RAID "
-          "controller",
-          Caller);
-    }
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]<err> Failed to update the device drives under the "
+                      "RAID controller");
     return Status;
   }
   return EFI_SUCCESS;
@@ -66,10 +60,7 @@ EFI_STATUS ReconnectAfterChange(const CHAR8 *Caller,
 EFI_STATUS FinishChange(const CHAR8 *Caller, const CHAR8 *FailureMessage,
                         RAID_CONTROLLER *Controller, EFI_STATUS Status) {
   if (EFI_ERROR(Status)) {
-    if (gRaidLibSetupProtocol != nullptr) {
-      gRaidLibSetupProtocol->DebugPrint(TARN_DEBUG_INFO, FailureMessage,
-                                        Caller);
-    }
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, FailureMessage);
     return Status;
   }
   return ReconnectAfterChange(Caller, Controller);
