@@ -65,12 +65,13 @@ std::string UsageText() {
          "  --replay DIR     answer tool runs from a recorded directory\n"
          "                   (docs/replay.md) instead of the virtual adapters\n"
          "  --record DIR     record every tool run into DIR for --replay\n"
-         "  --script FILE    drive the wizard from a script (not yet\n"
-         "                   available)\n"
+         "  --script FILE    drive the wizard from a script of operator\n"
+         "                   actions (docs/script.md), then print the\n"
+         "                   virtual adapters' final state\n"
          "  --help           show this text\n"
          "\n"
-         "Without --dump-model or --script the model is printed as with\n"
-         "--dump-model until the interactive wizard is available.\n"
+         "Without --dump-model or --script the wizard runs in the terminal;\n"
+         "without a terminal the model is printed as with --dump-model.\n"
          "Exit status: 0 when the host ran, 1 when the host failed (a bad\n"
          "scenario, replay or output file), 2 for a usage error.\n";
 }
