@@ -176,6 +176,16 @@ BOOLEAN EndAttributeText(XML_SAX_PARSER *P) {
   return Terminate(P->Attributes, XML_SAX_ATTRIBUTE_CHARS, &P->AttributesUsed);
 }
 
+// The innermost open element ends: its end callback, then its name leaves
+// the stack.
+VOID CloseElement(XML_SAX_PARSER *P) {
+  if (P->End != nullptr) {
+    P->End(P->Context, TopName(P));
+  }
+  P->Depth--;
+  P->NameStackUsed = P->NameOffsets[P->Depth];
+}
+
 // The start tag is complete: refuses a repeated attribute name, reports the
 // element and opens it; an empty-element tag is closed at once.
 BOOLEAN FinishStartTag(XML_SAX_PARSER *P, BOOLEAN Empty) {
@@ -197,11 +207,7 @@ BOOLEAN FinishStartTag(XML_SAX_PARSER *P, BOOLEAN Empty) {
     P->Start(P->Context, TopName(P), P->AttributeList);
   }
   if (Empty) {
-    if (P->End != nullptr) {
-      P->End(P->Context, TopName(P));
-    }
-    P->Depth--;
-    P->NameStackUsed = P->NameOffsets[P->Depth];
+    CloseElement(P);
   }
   P->State = Mode::Text;
   P->Brackets = 0;
@@ -214,11 +220,7 @@ BOOLEAN FinishEndTag(XML_SAX_PARSER *P) {
   if (P->Depth == 0 || !SameText(TopName(P), P->EndNameText)) {
     return FALSE;
   }
-  if (P->End != nullptr) {
-    P->End(P->Context, TopName(P));
-  }
-  P->Depth--;
-  P->NameStackUsed = P->NameOffsets[P->Depth];
+  CloseElement(P);
   P->State = Mode::Text;
   P->Brackets = 0;
   return TRUE;
