@@ -54,22 +54,15 @@ EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
   UnicodeVSPrint(CommandLine, sizeof(CommandLine), Format, Marker);
   VA_END(Marker);
 
-  if (gRaidLibSetupProtocol != nullptr) {
-    gRaidLibSetupProtocol->DebugPrint(TARN_DEBUG_INFO, "[%a]Command: %S\n",
-                                      Caller, CommandLine);
-  }
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n", CommandLine);
   if (OutputSize >= sizeof(CHAR16)) {
     Output[0] = 0;
   }
-  UINTN Size = OutputSize;
-  if (Output == gRaidToolOutput) {
-    gRaidToolOutputSize = OutputSize;
-    Status = gShellCommand->ExecuteCapture(CommandLine, Output,
-                                           &gRaidToolOutputSize);
-  } else {
-    Status = gShellCommand->ExecuteCapture(CommandLine, Output, &Size);
-  }
-  return Status;
+  // The shared buffer's size word is the module-wide one.
+  UINTN LocalSize = 0;
+  UINTN *Size = Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
+  *Size = OutputSize;
+  return gShellCommand->ExecuteCapture(CommandLine, Output, Size);
 }
 
 VOID RaidLibResetToolRunner() {
