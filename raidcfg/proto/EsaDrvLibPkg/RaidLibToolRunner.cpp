@@ -40,19 +40,22 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
   return EFI_SUCCESS;
 }
 
-// Runs one command line; the output (cut to OutputSize bytes) is in Output.
-EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
-                                     UINTN OutputSize, UINT32 *ErrorCode,
-                                     const CHAR16 *Format, ...) {
+namespace {
+
+// Formats, traces and runs one command line; the output (cut to OutputSize
+// bytes) is in Output.
+EFI_STATUS RunTool(const CHAR8 *Caller, UINTN CommandChars, CHAR16 *Output,
+                   UINTN OutputSize, UINT32 *ErrorCode, const CHAR16 *Format,
+                   VA_LIST Marker) {
   EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
-  CHAR16 CommandLine[RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16)];
-  VA_LIST Marker;
-  VA_START(Marker, Format);
-  UnicodeVSPrint(CommandLine, sizeof(CommandLine), Format, Marker);
-  VA_END(Marker);
+  if (CommandChars > RAID_TOOL_LONGEST_COMMAND_CHARS) {
+    CommandChars = RAID_TOOL_LONGEST_COMMAND_CHARS;
+  }
+  CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
+  UnicodeVSPrint(CommandLine, CommandChars * sizeof(CHAR16), Format, Marker);
 
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n", CommandLine);
   if (OutputSize >= sizeof(CHAR16)) {
@@ -63,6 +66,27 @@ EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
   UINTN *Size = Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
   *Size = OutputSize;
   return gShellCommand->ExecuteCapture(CommandLine, Output, Size);
+}
+
+}  // namespace
+
+EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
+                                     UINTN OutputSize, UINT32 *ErrorCode,
+                                     const CHAR16 *Format, ...) {
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  EFI_STATUS Status =
+      RunTool(Caller, RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16), Output,
+              OutputSize, ErrorCode, Format, Marker);
+  VA_END(Marker);
+  return Status;
+}
+
+EFI_STATUS RaidLibRunToolWithLength(const CHAR8 *Caller, UINTN CommandChars,
+                                    UINT32 *ErrorCode, const CHAR16 *Format,
+                                    VA_LIST Marker) {
+  return RunTool(Caller, CommandChars, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE,
+                 ErrorCode, Format, Marker);
 }
 
 VOID RaidLibResetToolRunner() {

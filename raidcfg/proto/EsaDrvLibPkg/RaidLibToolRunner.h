@@ -8,8 +8,10 @@
 // The shared output buffer: 80960 bytes of CHAR16 text.
 #define RAID_TOOL_OUTPUT_SIZE 80960
 // Command lines are formatted into 200 bytes: at most 100 characters with
-// the terminator.
+// the terminator. Some commands name many drives and need a longer buffer,
+// up to RAID_TOOL_LONGEST_COMMAND_CHARS characters.
 #define RAID_TOOL_COMMAND_SIZE 200
+#define RAID_TOOL_LONGEST_COMMAND_CHARS 2048
 
 extern CHAR16 gRaidToolOutput[RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16)];
 extern UINTN gRaidToolOutputSize;
@@ -30,6 +32,13 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
 EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
                                      UINTN OutputSize, UINT32 *ErrorCode,
                                      const CHAR16 *Format, ...);
+
+// Formats the command into a buffer of CommandChars characters (at most
+// RAID_TOOL_LONGEST_COMMAND_CHARS), traces it and runs it into the shared
+// output buffer, as RaidLibRunToolInto does.
+EFI_STATUS RaidLibRunToolWithLength(const CHAR8 *Caller, UINTN CommandChars,
+                                    UINT32 *ErrorCode, const CHAR16 *Format,
+                                    VA_LIST Marker);
 
 // The same into the shared output buffer.
 #define RAID_LIB_RUN_TOOL(ErrorCode, Format, ...)                              \
