@@ -3,6 +3,7 @@
 // printed by helpers; a log reader knows them under the function that owns
 // the step, so each line must name that function, whichever helper prints.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <map>
@@ -56,8 +57,11 @@ constexpr NamedLine kNamedLines[] = {
 
 // The trace lines of one script run on the embedded demo server.
 std::vector<std::string> RunScript(const std::string &Script) {
-  const std::string TracePath =
-      ::testing::TempDir() + "/names-" + Script + ".trace";
+  // ctest runs each row in a process of its own, several at once: one
+  // trace file per process.
+  const std::string TracePath = ::testing::TempDir() + "/names-" +
+                                std::to_string(getpid()) + "-" + Script +
+                                ".trace";
   host::Options Options;
   Options.Script = std::string(RAIDCFG_SCENARIO_DIR) + "/" + Script;
   Options.Trace = TracePath;
