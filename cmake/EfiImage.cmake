@@ -80,9 +80,15 @@ function(_efi_image_hii_resource target package_list out)
   set(rc ${CMAKE_CURRENT_BINARY_DIR}/${target}-hii.rc)
   set(res ${CMAKE_CURRENT_BINARY_DIR}/${target}-hii.res)
   file(WRITE ${rc} "LANGUAGE 0x09, 0x01\n1 HII \"${package_name}\"\n")
+  # llvm-rc reads any argument that starts with '/' as a switch, so an
+  # absolute path such as /check/... becomes "/C heck/...". It is given
+  # paths relative to the directory it runs in instead.
+  file(RELATIVE_PATH include_dir ${CMAKE_CURRENT_BINARY_DIR} ${package_dir})
   add_custom_command(
     OUTPUT ${res}
-    COMMAND ${CMAKE_RC_COMPILER} /FO ${res} /I ${package_dir} ${rc}
+    COMMAND ${CMAKE_RC_COMPILER} /FO ./${target}-hii.res /I ./${include_dir}
+            ./${target}-hii.rc
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
     DEPENDS ${rc} ${package_list}
     COMMENT "Packing ${package_name} as resource HII of ${target}"
     VERBATIM)
