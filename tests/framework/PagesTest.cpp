@@ -308,3 +308,46 @@ TEST_F(FrameworkTest, WithDefaultCallbacksReturnRunsTheRegisteredPageEntry) {
 }
 
 }  // namespace
+
+namespace steps {
+UINTN gCalls = 0;
+UINTN gLast = 0;  // the step that reports completion; 0 never does
+HOST_PAGE_NODE *gShownDuringStep = nullptr;
+BOOLEAN EFIAPI Step() {
+  gCalls++;
+  gShownDuringStep = framework::CurrentPage();
+  return gLast == 0 || gCalls < gLast;
+}
+}  // namespace steps
+
+TEST_F(FrameworkTest, StepsRunAfterTheActionThatShowsTheirPageUntilDone) {
+  steps::gCalls = 0;
+  steps::gLast = 3;
+  EXPECT_EQ(Setup.Interface().RegisterStepCallback(nullptr, steps::Step),
+            EFI_INVALID_PARAMETER);
+  ASSERT_EQ(Setup.Interface().RegisterStepCallback(demo::VolumePage(),
+                                                   steps::Step),
+            EFI_SUCCESS);
+  Driver.Tick(On(demo::kAdvancedCheck), true);
+  EXPECT_EQ(steps::gCalls, 0u) << "its page is not shown";
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(steps::gCalls, 3u);
+  EXPECT_EQ(steps::gShownDuringStep, framework::CurrentPage());
+  Driver.Press(On(demo::kBackButton));
+  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(steps::gCalls, 3u) << "a finished step is not called again";
+}
+
+TEST_F(FrameworkTest, AStepThatNeverFinishesGivesTheInputBackAndCanBeCancelled) {
+  steps::gCalls = 0;
+  steps::gLast = 0;
+  Driver.Press(On(demo::kNextButton));
+  Setup.Interface().RegisterStepCallback(framework::CurrentPage(), steps::Step);
+  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(steps::gCalls, 4096u);
+  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(steps::gCalls, 8192u);
+  Setup.Interface().RegisterStepCallback(nullptr, nullptr);
+  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(steps::gCalls, 8192u);
+}

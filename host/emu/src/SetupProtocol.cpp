@@ -33,7 +33,7 @@ SetupProtocol::SetupProtocol(Firmware &Firmware) : Firmware_(Firmware) {
                RedrawControl,     RedrawScreen,      RegisterModuleCallbacks,
                ShowHelp,          DebugPrint,        GetString,
                RegisterDefaultCallbacks, FreePageNode,   FindNode,
-               GetLanguage};
+               GetLanguage,       RegisterStepCallback};
   RootNode_.Control = HOST_NODE_NO_CONTROL;
   Firmware_.Handles().Install(&Handle_, gTarnSetupProtocolGuid, &Protocol_);
   gActiveSetup = this;
@@ -286,6 +286,13 @@ EFI_STATUS EFIAPI SetupProtocol::GetLanguage(CHAR8 *Buffer, UINTN BufferSize) {
     Buffer[Index] = kEnglish[Index];
   }
   return EFI_SUCCESS;
+}
+
+EFI_STATUS EFIAPI SetupProtocol::RegisterStepCallback(HOST_PAGE_NODE *Page,
+                                                    TARN_STEP_CALLBACK Step) {
+  Active().Record(19, "RegisterStepCallback",
+                  {AsNumber(Page), reinterpret_cast<UINT64>(Step)});
+  return EFI_UNSUPPORTED;
 }
 
 }  // namespace emu

@@ -132,6 +132,10 @@ class SetupProtocol {
   static EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
                                     HOST_PAGE_NODE **Node);
   static EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
+  // Records the call and schedules nothing (EFI_UNSUPPORTED): a page that
+  // works in steps runs them itself on this host.
+  static EFI_STATUS EFIAPI RegisterStepCallback(HOST_PAGE_NODE *Page,
+                                                TARN_STEP_CALLBACK Step);
 
   Firmware &Firmware_;
   TARN_SETUP_PROTOCOL Protocol_;

@@ -91,6 +91,7 @@ VOID FillSetupSlots(TARN_SETUP_PROTOCOL &Protocol) {
   Protocol.FreePageNode = FreePageNode;
   Protocol.FindNode = FindNode;
   Protocol.GetLanguage = GetLanguage;
+  Protocol.RegisterStepCallback = RegisterStepCallback;
 }
 
 VOID AttachDataSource(RAID_SETUP_DATA_SOURCE_PROTOCOL *DataSource) {

@@ -84,6 +84,9 @@ struct State {
   TARN_MODULE_CALLBACK LanguageCallback;
   RegisteredPage Pages[kMaxRegisteredPages];
   UINTN PageCount;
+  // The page's step callback (slot 19) and the page it runs on.
+  HOST_PAGE_NODE *StepPage;
+  TARN_STEP_CALLBACK Step;
 };
 
 extern State gState;
@@ -110,6 +113,14 @@ VOID RepairFocus();
 VOID RequestRefresh();
 // Closes the progress box and the help panel (a page is shown).
 VOID CloseTransientBoxes();
+// The page node ShowPage shows for Node: Node itself when it is a page,
+// else the first page among its children; NULL when there is none.
+HOST_PAGE_NODE *PageToShow(HOST_PAGE_NODE *Node);
+// Calls the registered step while its page is shown, until it reports that
+// no step is due (the operator's next action waits for that).
+VOID RunDueSteps();
+// Drops the step when its page lies in the subtree of Node (being freed).
+VOID ForgetStepsIn(const HOST_PAGE_NODE *Node);
 // Forgets pointers into a subtree that is being freed.
 VOID ForgetSubtree(const HOST_PAGE_NODE *Node);
 // Deepest page tree the framework walks; deeper links are ignored.

@@ -58,14 +58,15 @@ VOID StoreText(Control *Record, CHAR16 *Text) {
   Record->Public.CachedText = Text;
 }
 
-// The callback, then the refresh marks of the page shown (the callback
-// may have shown another one, or freed Node).
+// The callback, the steps of the page it showed, then the refresh marks of
+// the page shown (the callback may have shown another one, or freed Node).
 EFI_STATUS Notify(HOST_PAGE_NODE *Node, Control *Record,
                   const HOST_CONTROL_EVENT &Event) {
   gState.Focus = Node;
   if (Record->Callback != nullptr) {
     Record->Callback(Node, &Event);
   }
+  RunDueSteps();
   if (gState.Page != nullptr) {
     ProcessRefreshMarks(gState.Page);
   }
@@ -316,6 +317,7 @@ EFI_STATUS SwitchLanguage(UINTN Index) {
   for (UINTN Page = 0; Page < gState.PageCount; Page++) {
     CallOnce(gState.Pages[Page].Language);
   }
+  RunDueSteps();
   if (gState.Page != nullptr) {
     ProcessRefreshMarks(gState.Page);
   }
@@ -333,6 +335,7 @@ VOID ReturnToModule() {
       }
     }
   }
+  RunDueSteps();
   if (gState.Page != nullptr) {
     ProcessRefreshMarks(gState.Page);
   }

@@ -15,22 +15,6 @@ Control *PageRecord(HOST_PAGE_NODE *Node) {
              : nullptr;
 }
 
-// The page node to show for Node: Node itself when it is a page, else the
-// first page among its children (the module's own page roots hold the
-// instantiated page as a child).
-HOST_PAGE_NODE *ResolvePage(HOST_PAGE_NODE *Node) {
-  if (PageRecord(Node) != nullptr) {
-    return Node;
-  }
-  for (HOST_PAGE_NODE *Child = Node->FirstChild; Child != nullptr;
-       Child = Child->NextSibling) {
-    if (PageRecord(Child) != nullptr) {
-      return Child;
-    }
-  }
-  return nullptr;
-}
-
 VOID ProcessMarks(HOST_PAGE_NODE *Node, BOOLEAN Force, UINTN Depth) {
   if (Node == nullptr || Depth > kMaxTreeDepth) {
     return;
@@ -70,6 +54,22 @@ BOOLEAN BindDescriptors(HOST_PAGE_NODE *Page,
 
 }  // namespace
 
+HOST_PAGE_NODE *PageToShow(HOST_PAGE_NODE *Node) {
+  if (Node == nullptr) {
+    return nullptr;
+  }
+  if (PageRecord(Node) != nullptr) {
+    return Node;
+  }
+  for (HOST_PAGE_NODE *Child = Node->FirstChild; Child != nullptr;
+       Child = Child->NextSibling) {
+    if (PageRecord(Child) != nullptr) {
+      return Child;
+    }
+  }
+  return nullptr;
+}
+
 VOID ProcessRefreshMarks(HOST_PAGE_NODE *Node) {
   ProcessMarks(Node, FALSE, 0);
   RepairFocus();
@@ -96,7 +96,7 @@ EFI_STATUS EFIAPI ShowPage(HOST_PAGE_NODE *Page, UINT32 FocusNodeId) {
   if (Page == nullptr) {
     return EFI_INVALID_PARAMETER;
   }
-  HOST_PAGE_NODE *Shown = ResolvePage(Page);
+  HOST_PAGE_NODE *Shown = PageToShow(Page);
   if (Shown == nullptr) {
     return EFI_NOT_FOUND;
   }
@@ -142,6 +142,7 @@ VOID ForgetSubtree(const HOST_PAGE_NODE *Node) {
   if (gState.Focus != nullptr && IsInSubtree(gState.Focus, Node)) {
     gState.Focus = nullptr;
   }
+  ForgetStepsIn(Node);
 }
 
 }  // namespace framework

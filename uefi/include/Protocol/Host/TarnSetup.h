@@ -16,6 +16,8 @@
 
 typedef UINTN(EFIAPI *TARN_PAGE_CALLBACK)(VOID);
 typedef VOID(EFIAPI *TARN_MODULE_CALLBACK)(VOID);
+// One step of work a page does while it is shown; TRUE while another is due.
+typedef BOOLEAN(EFIAPI *TARN_STEP_CALLBACK)(VOID);
 
 typedef struct _TARN_SETUP_PROTOCOL TARN_SETUP_PROTOCOL;
 struct _TARN_SETUP_PROTOCOL {
@@ -73,6 +75,11 @@ struct _TARN_SETUP_PROTOCOL {
   (HOST_PAGE_NODE *Root, UINT32 NodeId, HOST_PAGE_NODE **Node);
   // 18: the current language ("en-US", ...) into Buffer of BufferSize bytes.
   EFI_STATUS(EFIAPI *GetLanguage)(CHAR8 *Buffer, UINTN BufferSize);
+  // 19: while Page is shown, the framework calls Step again and again
+  // between the operator's actions until it returns FALSE. One step at a
+  // time; a new registration replaces the last, a NULL Step cancels it.
+  EFI_STATUS(EFIAPI *RegisterStepCallback)
+  (HOST_PAGE_NODE *Page, TARN_STEP_CALLBACK Step);
 };
 
 extern EFI_GUID gTarnSetupProtocolGuid;

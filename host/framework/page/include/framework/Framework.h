@@ -62,7 +62,7 @@ EFI_STATUS Initialize(const HostServices &Services, const EFI_GUID &Identity,
                       UINT32 FirstPageId);
 // Frees every node the framework made, every copy and the boxes.
 VOID Shutdown();
-// Fills the setup protocol's framework slots (0-12, 15-18) with the
+// Fills the setup protocol's framework slots (0-12, 15-19) with the
 // framework's; slots 13 (trace) and 14 (strings) stay the host's.
 VOID FillSetupSlots(TARN_SETUP_PROTOCOL &Protocol);
 // The module's data source; when none is attached, RegisterPage looks it
@@ -119,6 +119,8 @@ EFI_STATUS EFIAPI FreePageNode(HOST_PAGE_NODE *Node);
 EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
                            HOST_PAGE_NODE **Node);
 EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
+EFI_STATUS EFIAPI RegisterStepCallback(HOST_PAGE_NODE *Page,
+                                       TARN_STEP_CALLBACK Step);
 
 // ---- Reading controls (renderer, driver) ---------------------------------
 
