@@ -1,10 +1,6 @@
 // Pages 5 and 10: the creation of the planned virtual disks one after
 // another, a result row per disk with a short progress animation, and the
 // return to the adapter page with the new configuration.
-//
-// The framework offers no idle callback, so the page runs its own creation
-// steps once it is shown: each step is exactly what a scheduled call would
-// do, stalls and redraws included.
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
@@ -160,8 +156,9 @@ VOID FinishCreation() {
   RaidRestoreConfigTypePage();
 }
 
-// One creation step; TRUE while another one is due.
-BOOLEAN RaidShowCreateVolumeProcess() {
+// One creation step, called by the framework while page 10 is shown; TRUE
+// while another one is due.
+BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = RAID_PAGE_CREATION_RUNNING;
   if (gFirstCall) {
@@ -294,7 +291,13 @@ VOID InitRaidCreateVolProcessPage() {
   gRunning = TRUE;
   ShowRowName(FirstRow(), RaidVolumeParameterQueue());
   RaidShowPage(kPage, 0);
-  while (gRunning && RaidShowCreateVolumeProcess()) {
+  // A host that cannot schedule the steps gets them run here, one after
+  // another, each exactly as a scheduled call would run it.
+  if (TarnSetupProtocol->RegisterStepCallback == nullptr ||
+      EFI_ERROR(TarnSetupProtocol->RegisterStepCallback(
+          gRaidPageRoots[kPage], RaidShowCreateVolumeProcess))) {
+    while (gRunning && RaidShowCreateVolumeProcess()) {
+    }
   }
 }
 

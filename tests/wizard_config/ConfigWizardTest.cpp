@@ -170,8 +170,20 @@ TEST_F(ConfigWizardTest, MixedDriveTypesGraySimpleConfiguration) {
 
 // ---- Advanced configuration, new array ---------------------------------------------
 
-TEST_F(ConfigWizardTest, TwoVirtualDisksOnANewArray) {
+EFI_STATUS EFIAPI CannotScheduleSteps(HOST_PAGE_NODE *, TARN_STEP_CALLBACK) {
+  return EFI_UNSUPPORTED;
+}
+
+// Whether the framework calls the creation steps or the page has to run
+// them itself, the same virtual disks come out.
+class StepSchedulingTest : public ConfigWizardTest,
+                           public ::testing::WithParamInterface<bool> {};
+
+TEST_P(StepSchedulingTest, TwoVirtualDisksOnANewArray) {
   StartOn(SixSasServer());
+  if (!GetParam()) {
+    Server_->Setup()->Interface().RegisterStepCallback = CannotScheduleSteps;
+  }
   Advanced(0);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 5"),
             EFI_SUCCESS);
@@ -199,6 +211,9 @@ TEST_F(ConfigWizardTest, TwoVirtualDisksOnANewArray) {
   EXPECT_EQ(Made[0]["virtualDrives"][1]["offsetMb"], 300 * 1024);
   EXPECT_EQ(Events(), (std::vector<UINT32>{kCreated, kCreated}));
 }
+
+INSTANTIATE_TEST_SUITE_P(ByFrameworkOrByPage, StepSchedulingTest,
+                         ::testing::Bool());
 
 TEST_F(ConfigWizardTest, ThreeVirtualDisksWithAHotSpareAndPolicies) {
   StartOn(SixSasServer());
