@@ -222,8 +222,8 @@ const CHAR16 *ShownText(Control *Record, const CHAR16 *ModuleText,
 }  // namespace
 
 const CHAR16 *HostString(EFI_STRING_ID Id) {
-  const CHAR16 *Text = nullptr;
-  if (Id != 0 && gState.Services.GetString != nullptr) {
+  const CHAR16 *Text = FrameworkText(Id);
+  if (Text == nullptr && Id != 0 && gState.Services.GetString != nullptr) {
     Text = gState.Services.GetString(gState.Services.Context, gState.HiiHandle,
                                      Id);
   }

@@ -106,6 +106,9 @@ VOID ReloadControl(HOST_PAGE_NODE *Node);
 VOID ForgetAllTexts();
 // The text of an id in the current language; never NULL.
 const CHAR16 *HostString(EFI_STRING_ID Id);
+// The framework's own text of Id (HOST_STRING_*) in the current language;
+// NULL for an id of the module's package list.
+const CHAR16 *FrameworkText(EFI_STRING_ID Id);
 // Focus repair after states changed: the focus leaves a control that can no
 // longer take it.
 VOID RepairFocus();

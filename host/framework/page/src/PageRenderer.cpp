@@ -114,13 +114,20 @@ UINTN DrawLabel(DrawContext &Context, const HOST_PAGE_NODE *Node,
   return Height;
 }
 
-// "[ Next ]" for buttons and image buttons.
+// "[ Next ]" for buttons and image buttons. A button whose text is longer
+// in the language shown than its place allows moves left so that it ends
+// at the right edge (buttons at the edge, such as Next, stay whole).
 VOID DrawButton(DrawContext &Context, const HOST_PAGE_NODE *Node, UINTN Column,
                 UINTN Row) {
   UINT8 Attribute = TextAttribute(Node, look::kLabel);
   const CHAR16 *Text = TextOf(Node);
   if (*Text == 0) {
     Text = u"*";
+  }
+  const UINTN Width = TextWidth(Text) + 4;
+  if (Room(Context.Clip, Column) < Width &&
+      Context.Clip.Right - Context.Clip.Column >= Width) {
+    Column = Context.Clip.Right - Width;
   }
   UINTN Used = ClipText(Context, Column, Row, u"[ ", 2, Attribute);
   Used += ClipText(Context, Column + Used, Row, Text, ~static_cast<UINTN>(0),
