@@ -30,12 +30,6 @@ typedef struct {
 constexpr UINTN kMaxControlData = 160;
 constinit RAID_CONTROL_DATA gControlData[kMaxControlData] = {};
 
-// Texts of the framework-wide buttons, which carry no string id of the
-// module's package list.
-constexpr CHAR16 kNextText[] = u"Next";
-constexpr CHAR16 kBackText[] = u"Back";
-constexpr CHAR16 kRefreshText[] = u"Refresh";
-
 RAID_CONTROL_DATA *FindData(const HOST_PAGE_NODE *Node) {
   if (Node == nullptr) {
     return nullptr;
@@ -85,20 +79,6 @@ VOID ReleaseData(RAID_CONTROL_DATA *Data) {
 VOID MarkText(HOST_PAGE_NODE *Node) {
   if (Node != nullptr) {
     Node->RefreshMark |= HOST_REFRESH_TEXT;
-  }
-}
-
-// The fixed text of the shared buttons.
-const CHAR16 *CommonButtonText(const HOST_PAGE_NODE *Node) {
-  switch (Node->NodeId) {
-    case RAID_NODE_NEXT:
-      return kNextText;
-    case RAID_NODE_BACK:
-      return kBackText;
-    case RAID_NODE_REFRESH:
-      return kRefreshText;
-    default:
-      return nullptr;
   }
 }
 
@@ -283,12 +263,7 @@ EFI_STATUS RaidDataSourceGetValue(HOST_PAGE_NODE *Node,
   }
   RAID_CONTROL_DATA *Data = FindData(Node);
   if (Data == nullptr || (Data->Text == nullptr && !Data->HasValue)) {
-    const CHAR16 *Fixed = CommonButtonText(Node);
-    if (Fixed == nullptr) {
-      return EFI_NOT_FOUND;
-    }
-    Value->Text = Fixed;
-    return EFI_SUCCESS;
+    return EFI_NOT_FOUND;
   }
   if (Data->Text != nullptr) {
     Value->Text = Data->Text;

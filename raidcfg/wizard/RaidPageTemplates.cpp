@@ -17,11 +17,13 @@ constexpr UINT16 kNext = HOST_LAYOUT_NEXT_ROW;
 // Row of the Back and Next buttons at the foot of a page body.
 constexpr UINT16 kButtonRow = 19;
 // Back at the left edge, Next at the right.
-constexpr HOST_NODE_TEMPLATE kBack = {RAID_NODE_BACK, HOST_CONTROL_BUTTON, 0,
+constexpr HOST_NODE_TEMPLATE kBack = {RAID_NODE_BACK, HOST_CONTROL_BUTTON,
+                                      HOST_STRING_BACK,
                                       kShown, {0, kButtonRow, 0, 0},
                                       nullptr, 0};
 constexpr HOST_NODE_TEMPLATE kNextButton = {RAID_NODE_NEXT,
-                                            HOST_CONTROL_BUTTON, 0, kShown,
+                                            HOST_CONTROL_BUTTON,
+                                            HOST_STRING_NEXT, kShown,
                                             {66, kButtonRow, 0, 0}, nullptr, 0};
 
 template <UINTN N>
@@ -36,8 +38,8 @@ constexpr UINT32 Count(const HOST_NODE_TEMPLATE (&)[N]) {
 constexpr HOST_NODE_TEMPLATE kAdapterArea[] = {
     {RAID_NODE_STATUS_HEADING, HOST_CONTROL_LABEL,
      STR_SELECTED_CONTROLLER_STATUS, kShown, {0, 1, 0, 0}, nullptr, 0},
-    {RAID_NODE_REFRESH, HOST_CONTROL_IMAGE_BUTTON, 0, kShown, {60, 1, 0, 0},
-     nullptr, 0},
+    {RAID_NODE_REFRESH, HOST_CONTROL_IMAGE_BUTTON, HOST_STRING_REFRESH, kShown,
+     {60, 1, 0, 0}, nullptr, 0},
     {RAID_NODE_FIRMWARE_LABEL, HOST_CONTROL_LABEL, STR_FIRMWARE_PACKAGE_VERSION,
      kShown, {2, 2, 0, 0}, nullptr, 0},
     {RAID_NODE_SERIAL_LABEL, HOST_CONTROL_LABEL, STR_SERIAL_NUMBER, kShown,
@@ -58,8 +60,8 @@ constexpr HOST_NODE_TEMPLATE kAdapterArea[] = {
      kShown, {14, 12, 0, 0}, nullptr, 0},
     {RAID_NODE_START, HOST_CONTROL_BUTTON, STR_START_BUTTON, kShown,
      {48, 12, 0, 0}, nullptr, 0},
-    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, 0, kShown, {66, 12, 0, 0}, nullptr,
-     0},
+    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, HOST_STRING_NEXT, kShown,
+     {66, 12, 0, 0}, nullptr, 0},
 };
 
 constexpr HOST_NODE_TEMPLATE kAdapterSelectionNodes[] = {
@@ -159,8 +161,8 @@ constexpr HOST_NODE_TEMPLATE kCreateVolumesNodes[] = {
     RAID_DOT(RAID_NODE_PROGRESS_DOT_FIRST, 2),
     RAID_DOT(RAID_NODE_PROGRESS_DOT_FIRST, 3),
     RAID_DOT(RAID_NODE_PROGRESS_DOT_FIRST, 4),
-    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, 0, kGrayed, {66, kButtonRow, 0, 0},
-     nullptr, 0},
+    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, HOST_STRING_NEXT, kGrayed,
+     {66, kButtonRow, 0, 0}, nullptr, 0},
 };
 
 constexpr HOST_NODE_TEMPLATE kResultGroupNodes[] = {
@@ -193,8 +195,8 @@ constexpr HOST_NODE_TEMPLATE kNewArrayNodes[] = {
     {RAID_NODE_NEW_ARRAY_WARNING, HOST_CONTROL_LABEL, 0, kHidden,
      {0, 15, 76, 2}, nullptr, 0},
     kBack,
-    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, 0, kGrayed, {66, kButtonRow, 0, 0},
-     nullptr, 0},
+    {RAID_NODE_NEXT, HOST_CONTROL_BUTTON, HOST_STRING_NEXT, kGrayed,
+     {66, kButtonRow, 0, 0}, nullptr, 0},
 };
 
 // ---- Page 8 and its pop-up ----------------------------------------------------------------

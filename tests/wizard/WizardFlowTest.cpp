@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "WizardWorld.h"
+#include "emu/TextConversion.h"
 #include "framework/Script.h"
 #include "native/HostRun.h"
 #include "wizard/RaidPageNodes.h"
@@ -171,6 +172,33 @@ INSTANTIATE_TEST_SUITE_P(
       }
       return Name;
     });
+
+// The framework's Next, Back and Refresh are translated, and the longer
+// texts still show whole on an 80-column screen.
+TEST_F(WizardFlowTest, SharedButtonsShowWholeInEveryLanguage) {
+  StartDemo();
+  auto ExpectWhole = [&](const std::string &Code,
+                         std::initializer_list<UINT32> Buttons) {
+    const std::string Screen = Driver_.Dump();
+    for (UINT32 Button : Buttons) {
+      const std::u16string Shown = Text(Button);
+      EXPECT_EQ(Shown == u"Next" || Shown == u"Back" || Shown == u"Refresh",
+                Code == "en-US")
+          << Code;
+      EXPECT_NE(Screen.find("[ " + emu::Utf16ToUtf8(Shown) + " ]"),
+                std::string::npos)
+          << Code << "\n" << Screen;
+    }
+  };
+  for (UINTN Language = 0; Language < framework::kLanguageCount; Language++) {
+    const std::string Code = framework::LanguageCode(Language);
+    ASSERT_EQ(Driver_.SwitchLanguage(Code), EFI_SUCCESS);
+    ExpectWhole(Code, {RAID_NODE_NEXT, RAID_NODE_REFRESH});
+    ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
+    ExpectWhole(Code, {RAID_NODE_NEXT, RAID_NODE_BACK});
+    ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
+  }
+}
 
 // The model dump reads every controller: the MegaRAIDs with every drive,
 // drive group, virtual disk and free segment.
