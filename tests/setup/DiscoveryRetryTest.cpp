@@ -1,6 +1,7 @@
 // A discovery that fails at start-up: the error box, page 0 armed with the
 // retry, the retry itself, and unloading afterwards.
 #include "ModuleWorld.h"
+#include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
 #include "wizard/RaidWizard.h"
 
@@ -89,8 +90,17 @@ TEST_F(DiscoveryRetryTest, RetryAfterTheFaultIsFixedLoadsTheAdapters) {
   EXPECT_EQ(Init_Raid(), 0u);
   EXPECT_EQ(gRaidInitializeStatus, EFI_SUCCESS);
   EXPECT_EQ(gRaidControllerCount, 1u);
-  EXPECT_EQ(Setup_->MessageBoxes().size(), 2u);  // no new error box
+  EXPECT_EQ(Setup_->MessageBoxes().size(), 3u);  // loading, no error box
+  EXPECT_EQ(Setup_->MessageBoxes().back().Style, HOST_MSGBOX_PROGRESS);
+  // Page 1 is built again and lists the adapter found, selected.
   EXPECT_TRUE(TraceHas("RAID: [InitializeRaidSetupWizards] Start "));
+  EXPECT_TRUE(TraceHas("RAID: [InitRaidControllerSelectionPage] Construct the "
+                       "RAID controller select page"));
+  EXPECT_TRUE(TraceHas("RAID: [InitRaidControllerSelectionPage] Controller "
+                       "Count = 1"));
+  EXPECT_NE(gCurrentRaidController, nullptr);
+  EXPECT_EQ(gRaidCurrentPage,
+            static_cast<UINT32>(RAID_PAGE_CONTROLLER_SELECTION));
   ASSERT_EQ(Unload(), EFI_SUCCESS);
 }
 
