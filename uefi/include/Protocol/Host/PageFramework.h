@@ -32,12 +32,13 @@
 #define HOST_HELP_PARAGRAPH 3
 
 // Texts the framework answers itself, in the language shown, for the
-// buttons that every page of every module shares. Template text ids from
+// buttons that every page or pop-up of every module shares. Template text ids from
 // HOST_STRING_FIRST up never reach the module's package list.
 #define HOST_STRING_FIRST 0xFF00
 #define HOST_STRING_NEXT 0xFF01
 #define HOST_STRING_BACK 0xFF02
 #define HOST_STRING_REFRESH 0xFF03
+#define HOST_STRING_CLOSE 0xFF04  // a pop-up's exit
 
 // Control kinds.
 #define HOST_CONTROL_NONE 0  // a node without a record (template only)
