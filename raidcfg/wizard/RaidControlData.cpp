@@ -142,6 +142,12 @@ VOID RaidFreeTable(RAID_TABLE_DATA *Table) {
 // ---- Values ------------------------------------------------------------------------
 
 VOID RaidSetControlText(HOST_PAGE_NODE *Node, CHAR16 *Text) {
+  // The framework's copy is stale now; until it reads the new text, the
+  // module's own is what the control holds (an edit box's typed text too).
+  if (Node != nullptr && Node->Control != nullptr &&
+      Node->Control != HOST_NODE_NO_CONTROL) {
+    Node->Control->CachedText = nullptr;
+  }
   RAID_CONTROL_DATA *Data = DataOf(Node);
   if (Data == nullptr) {
     FreePool(Text);

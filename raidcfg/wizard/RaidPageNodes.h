@@ -106,6 +106,7 @@
 #define RAID_NODE_POPUP_CACHE_COMBO 1316
 #define RAID_NODE_POPUP_CREATE 1317          // 792
 #define RAID_NODE_POPUP_CANCEL 1318          // 793
+#define RAID_NODE_POPUP_EXIT 1319            // the pop-up's close button
 // The pop-up is a page of its own, attached while it is open.
 #define RAID_POPUP_PAGE 13
 

@@ -255,6 +255,8 @@ constexpr HOST_NODE_TEMPLATE kVolumePopupNodes[] = {
      {26, 16, 0, 0}, nullptr, 0},
     {RAID_NODE_POPUP_CANCEL, HOST_CONTROL_BUTTON, STR_CANCEL_BUTTON, kShown,
      {40, 16, 0, 0}, nullptr, 0},
+    {RAID_NODE_POPUP_EXIT, HOST_CONTROL_IMAGE_BUTTON, HOST_STRING_CLOSE,
+     kShown, {66, 0, 0, 0}, nullptr, 0},
 };
 
 // ---- Page 11 --------------------------------------------------------------------------------

@@ -36,15 +36,21 @@ constexpr UINT32 kDefaultNames = 32;
 constexpr UINTN kNameCharacters = 12;
 constexpr UINTN kMaxLabelCharacters = 15;
 constexpr UINTN kMessageCharacters = 256;
-constexpr UINTN kNameBeforeEditCharacters = 64;
+// Names the pop-up holds, terminator included. Profiles allow far shorter
+// names; a longer one is refused as too long whatever the profile says.
+constexpr UINTN kMaxNameCharacters = 256;
 // Result of the name check.
 constexpr UINT32 kNameValid = 0;
 constexpr UINT32 kNameDuplicate = 1;
 constexpr UINT32 kNameBadForm = 2;
 
+// Editing lays the pop-up out on behalf of UpdateCreateVolumeLayout, whose
+// name the log shows.
+constexpr const CHAR8 *kEditLayout = "UpdateCreateVolumeLayout";
+
 constinit HOST_PAGE_NODE *gPopupRoot = nullptr;
 constinit UINT8 gCreateMode = 1;
-constinit CHAR16 gNameBeforeEdit[kNameBeforeEditCharacters] = {};
+constinit CHAR16 gNameBeforeEdit[kMaxNameCharacters] = {};
 constinit UINT8 gPresent[kPolicyCount] = {};
 // The capacity in whole GB the edit box and slider hold.
 constinit UINT64 gCapacity = 0;
@@ -105,8 +111,9 @@ VOID SetNumberText(UINT32 NodeId, UINT64 Number) {
 
 BOOLEAN IsBlank(CHAR16 Char) { return Char == u' ' || Char == u'\t'; }
 
-// Text without its leading and trailing blanks and tabs, in Out.
-VOID TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
+// Text without its leading and trailing blanks and tabs, in Out (cut to
+// fit). Returns the trimmed length before any cut.
+UINTN TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
   while (*Text != 0 && IsBlank(*Text)) {
     Text++;
   }
@@ -114,13 +121,12 @@ VOID TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
   while (Length != 0 && IsBlank(Text[Length - 1])) {
     Length--;
   }
-  if (Length >= OutCharacters) {
-    Length = OutCharacters - 1;
-  }
-  for (UINTN Index = 0; Index < Length; Index++) {
+  const UINTN Kept = Length < OutCharacters ? Length : OutCharacters - 1;
+  for (UINTN Index = 0; Index < Kept; Index++) {
     Out[Index] = Text[Index];
   }
-  Out[Length] = 0;
+  Out[Kept] = 0;
+  return Length;
 }
 
 UINT32 MaxNameLength() {
@@ -334,9 +340,8 @@ UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] volume name is empty\n");
     return kNameBadForm;
   }
-  TrimName(Text, Trimmed, TrimmedCharacters);
-  const UINTN Length = StrLen(Trimmed);
-  if (Length == 0 || Length > MaxNameLength()) {
+  const UINTN Length = TrimName(Text, Trimmed, TrimmedCharacters);
+  if (Length == 0 || Length > MaxNameLength() || Length >= TrimmedCharacters) {
     return kNameBadForm;
   }
   for (UINTN Index = 0; Index < Length; Index++) {
@@ -629,9 +634,9 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCreateButtonCallback) {
   (void)Node;
   (void)Event;
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
-  CHAR16 Trimmed[kNameBeforeEditCharacters] = {};
+  CHAR16 Trimmed[kMaxNameCharacters] = {};
   const UINT32 Result = ValidateVolumeName(EditText(RAID_NODE_POPUP_NAME_EDIT),
-                                           Trimmed, kNameBeforeEditCharacters);
+                                           Trimmed, kMaxNameCharacters);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] VD name validation result %d\n",
              Result);
   if (Result != kNameValid) {
@@ -660,13 +665,27 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCreateButtonCallback) {
   return EFI_SUCCESS;
 }
 
+// Back to page 8 with nothing planned or changed.
+VOID LeavePopupUnchanged() {
+  gRaidSelectionChanged = 0;
+  gEdited = nullptr;
+  InitRaidAdvCreateEditVolPage();
+}
+
 RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCancelButtonCallback) {
   (void)Node;
   (void)Event;
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] cancle the to edit the new VD\n");
-  gRaidSelectionChanged = 0;
-  gEdited = nullptr;
-  InitRaidAdvCreateEditVolPage();
+  LeavePopupUnchanged();
+  return EFI_SUCCESS;
+}
+
+RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeExitButtonCallback) {
+  (void)Node;
+  (void)Event;
+  RAID_TRACE(TARN_DEBUG_INFO,
+             "RAID: [%a] Show the creat and edit virtual disk page\n");
+  LeavePopupUnchanged();
   return EFI_SUCCESS;
 }
 
@@ -677,9 +696,11 @@ constexpr HOST_CONTROL_DESCRIPTOR kPopupOwn[] = {
     {RAID_NODE_POPUP_SLIDER, _RaidAdvCreateVolumeSliderCallback},
     {RAID_NODE_POPUP_CREATE, _RaidAdvCreateVolumeCreateButtonCallback},
     {RAID_NODE_POPUP_CANCEL, _RaidAdvCreateVolumeCancelButtonCallback},
+    {RAID_NODE_POPUP_EXIT, _RaidAdvCreateVolumeExitButtonCallback},
 };
 
-// Puts the edited record's policy into its combo box, or hides it.
+// Puts the edited record's policy into its combo box and logs its word,
+// or hides the combo box.
 VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
   if (gPresent[Kind] == 0) {
     SetState(kComboIds[Kind], HOST_DISPLAY_HIDDEN);
@@ -687,6 +708,46 @@ VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
   }
   ChooseByCode(Kind, Code);
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
+  switch (Kind) {
+    case kRead:
+      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                    "RAID: [%a] Read policy is: %S\n", RaidReadPolicyWord(Code));
+      break;
+    case kWrite:
+      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                    "RAID: [%a] Write policy is: %S\n",
+                    RaidWritePolicyWord(Code));
+      break;
+    case kIo:
+      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                    "RAID: [%a] IO policy is %S\n", RaidIoPolicyWord(Code));
+      break;
+    default:
+      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                    "RAID: [%a] Disk cache policy is %S\n",
+                    RaidDiskCachePolicyWord(Code));
+      break;
+  }
+}
+
+// The edited disk's size as record, edit box and maximum label hold it.
+VOID TraceEditedLayout(const RAID_VOLUME_PARAMETER *Record, UINT64 Limit) {
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                "RAID: [%a] Edit volume is %S, params.VC: %d\n",
+                gNameBeforeEdit, static_cast<UINT32>(Record->Size));
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                "RAID: [%a] Edit volume is %S, VolCap: %d\n", gNameBeforeEdit,
+                static_cast<UINT32>(gEditedSize));
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                "RAID: [%a] Edit volume is %S, ControlValue: %S\n",
+                gNameBeforeEdit, EditText(RAID_NODE_POPUP_CAPACITY_EDIT));
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                "RAID: [%a] Edit volume is %S, %d GB MAX:\n", gNameBeforeEdit,
+                static_cast<UINT32>(Limit));
+  const CHAR16 *MaxLabel = RaidControlText(PopupNode(RAID_NODE_POPUP_CAPACITY_MAX));
+  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+                "RAID: [%a] Edit volume is %S, FreeSizeString: %S:\n",
+                gNameBeforeEdit, MaxLabel != nullptr ? MaxLabel : u"");
 }
 
 }  // namespace
@@ -703,10 +764,6 @@ VOID RaidOpenCreateVolumePopup() {
   FixupCreatePopup();
 }
 
-// Editing lays the pop-up out on behalf of UpdateCreateVolumeLayout, whose
-// name the log shows.
-constexpr const CHAR8 *kEditLayout = "UpdateCreateVolumeLayout";
-
 VOID RaidOpenEditVolumePopup(UINT32 Row) {
   gCreateMode = 0;
   RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] start\n");
@@ -721,12 +778,14 @@ VOID RaidOpenEditVolumePopup(UINT32 Row) {
   }
   gEdited = Record;
   gEditedSize = Record->Size / 1000;
-  StrCpyS(gNameBeforeEdit, kNameBeforeEditCharacters,
+  StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
           Record->Name != nullptr ? Record->Name : u"");
   RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
                 gNameBeforeEdit);
   SetText(RAID_NODE_POPUP_NAME_EDIT, AllocString(gNameBeforeEdit));
-  SetCapacity(gEditedSize, LeftCapacity() + gEditedSize);
+  const UINT64 Limit = LeftCapacity() + gEditedSize;
+  SetCapacity(gEditedSize, Limit);
+  TraceEditedLayout(Record, Limit);
   const UINT8 Capacity =
       RaidBelowVolumeLimit() ? HOST_DISPLAY_SHOWN : HOST_DISPLAY_GRAYED;
   SetState(RAID_NODE_POPUP_CAPACITY_EDIT, Capacity);
@@ -769,5 +828,5 @@ VOID RaidFreeVolumePopup() {
   }
 }
 
-constinit const RAID_PAGE_CONTROLS gRaidVolumePopupControls = {nullptr, 0,
-                                                               kPopupOwn, 5};
+constinit const RAID_PAGE_CONTROLS gRaidVolumePopupControls = {
+    nullptr, 0, kPopupOwn, sizeof(kPopupOwn) / sizeof(kPopupOwn[0])};

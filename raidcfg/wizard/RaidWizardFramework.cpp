@@ -245,7 +245,6 @@ VOID RaidSetControlTextId(UINT32 Page, UINT32 NodeId, EFI_STRING_ID TextId) {
   }
   RaidSetControlText(Node, nullptr);
   Control->TextId = TextId;
-  Control->CachedText = nullptr;
   Control->DisplayState = HOST_DISPLAY_SHOWN;
   Node->RefreshMark |= HOST_REFRESH_TEXT;
   if (TarnSetupProtocol != nullptr &&

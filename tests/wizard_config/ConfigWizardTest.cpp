@@ -6,6 +6,7 @@
 
 #include "WizardWorld.h"
 #include "native/HostRun.h"
+#include "setup/RaidServiceLayer.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
 
@@ -311,6 +312,92 @@ TEST_F(ConfigWizardTest, NamesAreCheckedInThePopup) {
   EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), u"ABCDEFGHIJKLMNO");
   CreateFrom(RAID_PAGE_ADV_VERIFY);
   EXPECT_EQ(Groups(0)[0]["virtualDrives"][0]["name"], "ABCDEFGHIJKLMNO");
+}
+
+TEST_F(ConfigWizardTest, NameLengthFollowsTheProfileBeyondSixtyFourCharacters) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  // arcconf adapters allow 64 characters.
+  gCurrentRaidController->Capability->MaxVolumeNameStingLength = 64;
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  const size_t Boxes = Driver_.MessageBoxes().size();
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT),
+                         std::u16string(65, u'A')),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.MessageBoxes().size(), Boxes + 1);
+  EXPECT_NE(Driver_.MessageBoxes().back().Text.find(u"up to 64 characters"),
+            std::u16string::npos);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT),
+                         std::u16string(64, u'A')),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  EXPECT_EQ(Driver_.MessageBoxes().size(), Boxes + 1);
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), std::u16string(64, u'A'));
+}
+
+TEST_F(ConfigWizardTest, EditShowsThePlannedDiskAfterACancelledPopup) {
+  StartOn(SixSasServer());
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), u"Data_1"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"10"),
+            EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  // A second pop-up, its name cleared, closed without creating.
+  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), u""), EFI_SUCCESS);
+  Server_->Setup()->ClearTrace();
+  ASSERT_EQ(Press(RAID_NODE_POPUP_EXIT), EFI_SUCCESS);
+  EXPECT_TRUE(TraceHas("RAID: [_RaidAdvCreateVolumeExitButtonCallback] Show "
+                       "the creat and edit virtual disk page"));
+  ASSERT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_EDIT_VOLUME));
+  EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 2, 1), u"");
+  // Editing Data_1 shows its name, and Create is available for it.
+  ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_PLANNED_TABLE), 1), EFI_SUCCESS);
+  Server_->Setup()->ClearTrace();
+  ASSERT_EQ(Press(RAID_NODE_EDIT_VD), EFI_SUCCESS);
+  EXPECT_EQ(Text(RAID_NODE_POPUP_NAME_EDIT), u"Data_1");
+  EXPECT_EQ(State(RAID_NODE_POPUP_CREATE), HOST_DISPLAY_SHOWN);
+  std::vector<std::string> Layout;
+  for (const std::string &Line : Server_->Setup()->TraceTexts()) {
+    if (Line.rfind("RAID: [UpdateCreateVolumeLayout]", 0) == 0) {
+      Layout.push_back(Line);
+    }
+  }
+  const std::string Left = std::to_string(
+      std::stoul(framework::ToUtf8(Text(RAID_NODE_POPUP_CAPACITY_MAX).c_str())));
+  EXPECT_EQ(Layout,
+            (std::vector<std::string>{
+                "RAID: [UpdateCreateVolumeLayout] start\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1, "
+                "params.VC: 10000\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1, "
+                "VolCap: 10\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1, "
+                "ControlValue: 10\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1, " +
+                    Left + " GB MAX:\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Edit volume is Data_1, "
+                "FreeSizeString: " + Left + " GB MAX:\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Read policy is: Read "
+                "Ahead\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Write policy is: Write "
+                "Back\r\n",
+                "RAID: [UpdateCreateVolumeLayout] IO policy is Direct\r\n",
+                "RAID: [UpdateCreateVolumeLayout] Disk cache policy is "
+                "Unchanged\r\n",
+            }));
 }
 
 // ---- Free capacity of an existing array ---------------------------------------------
