@@ -606,7 +606,7 @@ RAID_CONTROL_CALLBACK(RaidCntrllerSelDelCallback) {
   // The row's text goes when the table is rebuilt; keep a copy.
   uefi::PoolPtr<CHAR16> RowName(AllocString(Selected));
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
-  const UINT32 ArrayCount = ListArrays(Arrays);
+  UINT32 ArrayCount = ListArrays(Arrays);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Array count = %d\n", ArrayCount);
   if (!RowName || RowName.Get()[0] == 0 || ArrayCount == 0) {
     RaidShowPage(kPage, 0);
@@ -618,7 +618,10 @@ RAID_CONTROL_CALLBACK(RaidCntrllerSelDelCallback) {
     return EFI_SUCCESS;
   }
   // Not an array: a virtual disk row, matched against the arrays in order.
+  // A refused delete reads the adapter again and so frees every array
+  // record: the arrays are listed afresh after each attempt.
   const CHAR16 *RowText = RaidSkipLeadingBlanks(RowName.Get());
+  ArrayCount = ListArrays(Arrays);
   for (UINT32 Index = 0; Index < ArrayCount; Index++) {
     Status = DeleteRAIDArrayVolume(Arrays[Index], RowText);
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Delete volume status = %r\n",
@@ -626,9 +629,7 @@ RAID_CONTROL_CALLBACK(RaidCntrllerSelDelCallback) {
     if (!EFI_ERROR(Status)) {
       return EFI_SUCCESS;
     }
-    if (Status != EFI_NOT_FOUND) {
-      break;  // the model was read again after the failure
-    }
+    ArrayCount = ListArrays(Arrays);
   }
   RaidShowPage(kPage, 0);
   return EFI_SUCCESS;

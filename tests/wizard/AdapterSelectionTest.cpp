@@ -323,6 +323,21 @@ TEST_F(DeleteTest, TheOnlyVirtualDiskOfTheLastArrayGoesWithoutTouchingOthers) {
   EXPECT_EQ(Events(), std::vector<UINT32>{0xFE32});
 }
 
+TEST_F(DeleteTest, ARefusedArrayDeleteLeavesTheOtherArraysAlone) {
+  // The array's only virtual disk goes behind the module's back, so the
+  // tool refuses the module's delete of it and the adapter is read again.
+  ASSERT_TRUE(Server_->Adapters().Run("storcli.efi /c1/v2 del force"));
+  ASSERT_EQ(DeleteRow(u"Array1"), EFI_SUCCESS);
+  EXPECT_EQ(Events(), std::vector<UINT32>{0xFE31});
+  ASSERT_FALSE(Driver_.MessageBoxes().empty());
+  EXPECT_EQ(Driver_.MessageBoxes().back().Title, u"Error");
+  const nlohmann::json After = MegaRaidState();
+  EXPECT_EQ(After[0], Before_[0]);
+  EXPECT_EQ(After[1]["driveGroups"][0], Before_[1]["driveGroups"][0]);
+  EXPECT_EQ(gRaidCurrentPage,
+            static_cast<UINT32>(RAID_PAGE_CONTROLLER_SELECTION));
+}
+
 TEST_F(AdapterSelectionTest, RefreshReadsTheAdapterAgainAndResetsThePlan) {
   StartDemo();
   gRaidConfigType = 1;
