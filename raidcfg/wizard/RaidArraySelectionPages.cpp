@@ -250,17 +250,16 @@ VOID WriteRaidArrayData(RAID_TABLE_DATA *Table, UINT32 Row,
   FillRoleCell(RaidTableCell(Table, Row, kRoleColumn));
 }
 
-// Grays the check boxes of drives that cannot join, and the select-all box
-// when any row is grayed or the types differ.
+// Grays the check boxes of drives that cannot join (for the kinds with a
+// usable state word), and the select-all box when any row is grayed or the
+// types differ (for every kind: one array takes one type of drive).
 VOID GrayUnusableRows(RAID_TABLE_DATA *Table) {
   const CHAR16 *Usable = UsableWord();
-  if (Usable == nullptr) {
-    return;
-  }
   BOOLEAN GrayAll = FALSE;
   for (UINT32 Row = 1; Row < Table->RowCount; Row++) {
     HOST_TABLE_CELL *State = RaidTableCell(Table, Row, kStateColumn);
-    if (State->Text == nullptr || StrCmp(State->Text, Usable) != 0) {
+    if (Usable != nullptr &&
+        (State->Text == nullptr || StrCmp(State->Text, Usable) != 0)) {
       RaidTableCell(Table, Row, kCheckColumn)->DisplayState =
           HOST_DISPLAY_GRAYED;
       GrayAll = TRUE;

@@ -169,6 +169,22 @@ TEST_F(ConfigWizardTest, MixedDriveTypesGraySimpleConfiguration) {
   EXPECT_EQ(Driver_.Options(Node(RAID_NODE_ADVANCED_MODE_COMBO)).size(), 1u);
 }
 
+// One array takes one type of drive: with SAS and SATA drives unconfigured,
+// the select-all box is grayed whatever kind of adapter this is.
+TEST_F(ConfigWizardTest, MixedDriveTypesGrayTheSelectAllBoxForEveryKind) {
+  for (UINT32 Kind : {RAID_ADAPTER_KIND_STORCLI, RAID_ADAPTER_KIND_MNV_CLI,
+                      RAID_ADAPTER_KIND_VROC, RAID_ADAPTER_KIND_UNSUPPORTED}) {
+    StartOn(DemoScenarioJson());
+    gRaidAdapterKind = Kind;
+    Advanced(0);
+    framework::CellView Heading = {};
+    ASSERT_TRUE(framework::CellAt(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), 0, 0,
+                                  &Heading));
+    EXPECT_EQ(Heading.DisplayState, HOST_DISPLAY_GRAYED) << "kind " << Kind;
+    Stop();
+  }
+}
+
 // ---- Advanced configuration, new array ---------------------------------------------
 
 EFI_STATUS EFIAPI CannotScheduleSteps(HOST_PAGE_NODE *, TARN_STEP_CALLBACK) {
