@@ -311,8 +311,17 @@ VOID UpdateSimpleConfigNewVolumeParameters() {
   gRaidAllocatedCapacity = Parameter->Size / 1000;
 
   UINT32 SpareId = 0;
-  if (HotSpare && PickHotSpare(LastIndex, &SpareId)) {
+  const BOOLEAN Spare = HotSpare && PickHotSpare(LastIndex, &SpareId);
+  if (Spare) {
     Parameter->SpareList = RaidCopyDriveIds(&SpareId, 1);
+  }
+  // A plan missing its members or its spare would create something other
+  // than what the verify page shows: none is made.
+  if ((Parameter->DriveCount != 0 && Parameter->DriveList == nullptr) ||
+      (Spare && Parameter->SpareList == nullptr)) {
+    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resources\n");
+    FreeVolumeParameter(&Parameter);
+    return;
   }
   FillVerifyLabels(Parameter, Unequal);
   RaidEnqueueVolumeParameter(Parameter);

@@ -405,6 +405,18 @@ VOID CreateVolumeNode(const CHAR16 *Trimmed) {
     Record->SpareList =
         RaidCopyDriveIds(gRaidHotSpareDriveIds, gRaidHotSpareDriveCount);
   }
+  // A record without its name or drive lists would create something other
+  // than what the operator planned: it is not planned at all.
+  const BOOLEAN Whole =
+      Record->Name != nullptr &&
+      (Record->NewArray == 0 ||
+       ((gRaidMemberDriveCount == 0 || Record->DriveList != nullptr) &&
+        (gRaidHotSpareDriveCount == 0 || Record->SpareList != nullptr)));
+  if (!Whole) {
+    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    FreeVolumeParameter(&Record);
+    return;
+  }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Create volume data\n");
   RaidEnqueueVolumeParameter(Record);
 }

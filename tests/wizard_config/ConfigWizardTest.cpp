@@ -2,9 +2,11 @@
 // every test checks the adapter's final state and that nothing else on it
 // changed.
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "WizardWorld.h"
+#include "emu/Firmware.h"
 #include "native/HostRun.h"
 #include "setup/RaidServiceLayer.h"
 #include "wizard/RaidPageNodes.h"
@@ -354,6 +356,72 @@ TEST_F(ConfigWizardTest, NameLengthFollowsTheProfileBeyondSixtyFourCharacters) {
   ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
   EXPECT_EQ(Driver_.MessageBoxes().size(), Boxes + 1);
   EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), std::u16string(64, u'A'));
+}
+
+// Whichever allocation fails while a plan with a hot spare is made, what
+// gets planned is whole (name, members, spare) or nothing is.
+TEST_F(ConfigWizardTest, ShortMemoryNeverPlansAPartialVirtualDisk) {
+  const struct {
+    const char *Path;
+    std::function<void()> Prepare;
+    UINT32 Submit;
+  } kPaths[] = {
+      {"simple",
+       [&] {
+         NextTo(RAID_PAGE_CONFIG_TYPE);
+         NextTo(RAID_PAGE_SIMPLE_LEVEL);
+         ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO),
+                                  u"RAID Level 5"),
+                   EFI_SUCCESS);
+         ASSERT_EQ(Driver_.Tick(Node(RAID_NODE_HOT_SPARE_CHECK), true),
+                   EFI_SUCCESS);
+       },
+       RAID_NODE_NEXT},
+      {"advanced",
+       [&] {
+         Advanced(0);
+         ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO),
+                                  u"RAID 5"),
+                   EFI_SUCCESS);
+         TickDrives({1, 2, 3, 4});
+         ASSERT_EQ(Driver_.ChooseCell(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), 4,
+                                      5, u"DHS"),
+                   EFI_SUCCESS);
+         NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+         ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+       },
+       RAID_NODE_POPUP_CREATE},
+  };
+  for (const auto &Path : kPaths) {
+    // A run without faults counts the allocations the step asks for.
+    StartOn(SixSasServer());
+    Path.Prepare();
+    const UINT64 Before = emu::Firmware::Current().Memory().Counters().Requests;
+    Press(Path.Submit);
+    const UINT64 Requests =
+        emu::Firmware::Current().Memory().Counters().Requests - Before;
+    Stop();
+    bool SawWhole = false;
+    bool SawNone = false;
+    for (UINT64 Failing = 1; Failing <= Requests; Failing++) {
+      StartOn(SixSasServer());
+      Path.Prepare();
+      emu::Firmware::Current().Memory().FailNthAllocation(Failing);
+      Press(Path.Submit);
+      emu::Firmware::Current().Memory().ClearFaults();
+      const RAID_VOLUME_PARAMETER *Planned = RaidVolumeParameterQueue();
+      if (Planned == nullptr) {
+        SawNone = true;
+      } else {
+        SawWhole = true;
+        EXPECT_TRUE(Planned->Name != nullptr && Planned->DriveList != nullptr &&
+                    Planned->SpareList != nullptr)
+            << Path.Path << " path, allocation " << Failing;
+      }
+      Stop();
+    }
+    EXPECT_TRUE(SawNone && SawWhole) << Path.Path << " " << Requests;
+  }
 }
 
 TEST_F(ConfigWizardTest, EditShowsThePlannedDiskAfterACancelledPopup) {
