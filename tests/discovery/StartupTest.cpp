@@ -103,6 +103,8 @@ TEST_F(StartupTest, MissingXmlParserIsNotFound) {
   EXPECT_EQ(ErrorCode, 0x0020000Eu);
   EXPECT_TRUE(TraceHas(
       "[RaidLibParseXml]LocateProtocol(EFI_TARNXML_PROTOCOL): Not Found."));
+  // An unread database matches no device.
+  EXPECT_TRUE(TraceHas("[InitializeRaid]Error: No supported card found."));
   Finalize();
 }
 
@@ -114,6 +116,7 @@ TEST_F(StartupTest, ParserThatCannotBeCreatedIsNotFound) {
   EXPECT_EQ(ErrorCode, 0x0020000Eu);
   EXPECT_TRUE(
       TraceHas("[RaidLibParseXml]Create Xml Parser Error: TarnParse == NULL"));
+  EXPECT_TRUE(TraceHas("[InitializeRaid]Error: No supported card found."));
   Finalize();
 }
 

@@ -130,8 +130,10 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
   }
   RaidLibOrderBySlotInventory(&ScanList, &OrderedList, Slots, SlotCount);
   ReleasePciBusDeviceList(&ScanList);
+  // Only a shortage of memory stops here; a database that could not be read
+  // (no parser, no volume) matches no device, which the count below reports.
   Status = RaidLibReadPcidb(&PcidbList, ErrorCode);
-  if (!EFI_ERROR(Status)) {
+  if (Status != EFI_OUT_OF_RESOURCES) {
     Status = RaidLibBuildControllers(&OrderedList, &PcidbList, Made, ErrorCode);
   }
   ReleasePciBusDeviceList(&OrderedList);
