@@ -73,7 +73,8 @@ EFI_STATUS RaidLibBuildControllers(LIST_ENTRY *Ordered, LIST_ENTRY *PcidbList,
 // Reconnects the adapter's UEFI driver after its configuration changed.
 EFI_STATUS UpdateRaidControllerDeviceDriver(RAID_CONTROLLER *Controller);
 
-// Set when a change on one of several Microchip adapters needs the drivers
-// reconnected; the number of Microchip adapters seen.
-extern BOOLEAN greconnect;
+// 1 while the Microchip card numbers must be mapped by slot again (so at
+// start, and after a change on one of several Microchip adapters, whose
+// reconnect renumbers them); the number of Microchip adapters seen.
+extern UINT32 greconnect;
 extern UINT32 gMchpCtrlCount;

@@ -7,7 +7,7 @@
 #include "RaidLibDiscovery.h"
 #include "RaidLibTrace.h"
 
-constinit BOOLEAN greconnect = FALSE;
+constinit UINT32 greconnect = 1;
 constinit UINT32 gMchpCtrlCount = 0;
 
 namespace {
@@ -76,7 +76,7 @@ EFI_STATUS UpdateRaidControllerDeviceDriver(RAID_CONTROLLER *Controller) {
     return EFI_SUCCESS;
   }
   if (HasSignature(Controller, "$arc") && gMchpCtrlCount > 1) {
-    greconnect = TRUE;
+    greconnect = 1;
   }
   EFI_HANDLE Handle = Controller->Private->PciIoHandle;
   if (UsesTool(Controller, u"mvsetup.efi") &&
