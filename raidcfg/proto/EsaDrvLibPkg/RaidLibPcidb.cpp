@@ -19,8 +19,11 @@ constexpr const CHAR16 *kStorageAttributes[] = {
     u"id", u"vendorid", u"deviceid", u"subvendor", u"subdevice", u"devname"};
 
 bool AttributeAt(const CHAR16 **Attributes, UINTN Position, const CHAR16 **Value) {
+  // The list ends at a NULL name; a NULL value ends it too, so that a list
+  // cut after a name is never read past.
   for (UINTN Index = 0; Index <= Position; Index++) {
-    if (Attributes[2 * Index] == nullptr) {
+    if (Attributes[2 * Index] == nullptr ||
+        (Index < Position && Attributes[2 * Index + 1] == nullptr)) {
       return false;
     }
   }
