@@ -60,11 +60,14 @@ extern HOST_PAGE_NODE *gRaidModuleRoot;
 extern EFI_GUID *gRaidModuleIdentity;
 extern UINT32 gRaidFirstPageId;
 
-// Re-initialise flag of each page: index page - 1 for pages 1 to 11; the
-// flag of page 2 also marks virtual disks created since the last return to
-// the module. The last two belong to page-local selections.
-#define RAID_REINIT_FLAG(Page) ((Page) - 1)
-#define RAID_REINIT_FLAG_VOLUMES_CREATED RAID_REINIT_FLAG(RAID_PAGE_CONFIG_TYPE)
+// Re-initialise flag of each page: index page - 1 for pages 3 to 11, and
+// index 0 for page 2 (page 1 has no reset of its own). The second flag marks
+// virtual disks created since the last return to the module; it is cleared
+// on that return and after the creation page, which must not cancel page
+// 2's reset. The last two belong to page-local selections.
+#define RAID_REINIT_FLAG(Page) \
+  ((Page) == RAID_PAGE_CONFIG_TYPE ? 0 : (Page) - 1)
+#define RAID_REINIT_FLAG_VOLUMES_CREATED 1
 #define RAID_REINIT_FLAG_VOLUME_POPUP 11
 #define RAID_REINIT_FLAG_ARRAY_SELECTION 12
 

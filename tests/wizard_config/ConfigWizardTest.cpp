@@ -234,6 +234,27 @@ TEST_P(StepSchedulingTest, TwoVirtualDisksOnANewArray) {
 INSTANTIATE_TEST_SUITE_P(ByFrameworkOrByPage, StepSchedulingTest,
                          ::testing::Bool());
 
+// After a creation, and after a return to the module, the configuration
+// type page starts over: simple configuration, shown and followed alike.
+TEST_F(ConfigWizardTest, ConfigurationTypeStartsOverAfterCreationAndReturn) {
+  StartOn(SixSasServer());
+  Driver_.ReturnToModule();
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  EXPECT_EQ(Driver_.Options(Node(RAID_NODE_CONFIG_TYPE_RADIO)).size(), 2u);
+  ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
+  Advanced(0);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
+            EFI_SUCCESS);
+  TickDrives({1});
+  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  PlanVolume(u"");
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  EXPECT_EQ(Driver_.Value(Node(RAID_NODE_CONFIG_TYPE_RADIO)), 0u);
+  EXPECT_EQ(gRaidConfigType, 0u);
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+}
+
 TEST_F(ConfigWizardTest, ThreeVirtualDisksWithAHotSpareAndPolicies) {
   StartOn(SixSasServer());
   Advanced(0);
