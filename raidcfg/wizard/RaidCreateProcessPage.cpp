@@ -301,12 +301,12 @@ VOID InitRaidCreateVolProcessPage() {
   }
 }
 
+// Frees page 10; without one, the free logs "Out of resource" (as on the
+// first return to the module after start-up, whose flags are all set).
 VOID RaidFreeCreateVolProcessPage() {
   gRow = nullptr;
   gRecord = nullptr;
-  if (gRaidPageRoots[kPage] != nullptr) {
-    FreeRaidStaticPageNodes(&gRaidPageRoots[kPage], RaidPageTemplate(kPage));
-  }
+  FreeRaidStaticPageNodes(&gRaidPageRoots[kPage], RaidPageTemplate(kPage));
 }
 
 constinit const RAID_PAGE_CONTROLS gRaidCreationRunningControls = {

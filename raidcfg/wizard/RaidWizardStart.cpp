@@ -6,6 +6,7 @@
 
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
+#include "wizard/RaidConfigWizard.h"
 #include "wizard/RaidHostUi.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
@@ -64,6 +65,8 @@ VOID ShowEmptyAdapterPage() {
 VOID ResetWizardSelections() {
   gRaidConfigType = 0;
   gRaidAdvancedMode = 0;
+  gRaidSelectedArrayId = RAID_NO_SELECTION;
+  gRaidSelectedSegmentId = RAID_NO_SELECTION;
   gRaidCurrentPage = RAID_PAGE_CONTROLLER_SELECTION;
   RaidSetAllReInitFlags();
   RaidFreeVolumeParameterQueue();

@@ -103,9 +103,11 @@ TEST_F(WizardFlowTest, HelpShowsTheCurrentPagesEntries) {
 
 TEST_F(WizardFlowTest, ReturnAfterCreationFreesTheResultPageOnce) {
   StartDemo();
-  // The first return after start-up finds the flag of start-up set.
+  // The first return after start-up finds the flag of start-up set, and
+  // no result page to free.
   Driver_.ReturnToModule();
   ASSERT_EQ(gRaidReInitFlags[RAID_REINIT_FLAG_VOLUMES_CREATED], 0);
+  EXPECT_TRUE(TraceHas("RAID: [FreeRaidStaticPageNodes] Out of resource"));
   InitRaidCreateVolProcessPage();
   ASSERT_NE(gRaidPageRoots[RAID_PAGE_CREATE_VOLUMES], nullptr);
   const UINTN Nodes = framework::LiveNodeCount();
