@@ -310,8 +310,11 @@ EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays, UINT32 ArrayCount,
     ResetLaterPages();
     RebuildAdapterPage();
   } else {
+    // The adapter was read again after the refusal, and may have lost some
+    // of the array's virtual disks: the later pages read it afresh too.
     SendEventCode(RAID_EVENT_DELETE_FAILED);
     ShowRaidErrorBox(ErrorCode);
+    ResetLaterPages();
     if (!EFI_ERROR(Status)) {
       Status = EFI_DEVICE_ERROR;
     }
@@ -367,6 +370,7 @@ EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array, const CHAR16 *RowText) {
   if (EFI_ERROR(Status) || ErrorCode != 0) {
     SendEventCode(RAID_EVENT_DELETE_FAILED);
     ShowRaidErrorBox(ErrorCode);
+    ResetLaterPages();
     return EFI_ERROR(Status) ? Status : EFI_DEVICE_ERROR;
   }
   SendEventCode(RAID_EVENT_DELETE_DONE);
@@ -654,8 +658,10 @@ RAID_CONTROL_CALLBACK(RaidControllerRefreshButtonCallback) {
     ResetConfigurationState();
     RebuildAdapterPage();
   } else {
+    // A failed read may still have replaced part of the model.
     RAID_TRACE(TARN_DEBUG_INFO,
                "RAID: [%a] Failed to refresh the RAID controller info\n");
+    ResetLaterPages();
   }
   RaidShowPage(kPage, 0);
   return EFI_SUCCESS;

@@ -324,6 +324,9 @@ TEST_F(DeleteTest, TheOnlyVirtualDiskOfTheLastArrayGoesWithoutTouchingOthers) {
 }
 
 TEST_F(DeleteTest, ARefusedArrayDeleteLeavesTheOtherArraysAlone) {
+  // Page 11 read once, before anything changes.
+  ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   // The array's only virtual disk goes behind the module's back, so the
   // tool refuses the module's delete of it and the adapter is read again.
   ASSERT_TRUE(Server_->Adapters().Run("storcli.efi /c1/v2 del force"));
@@ -336,6 +339,21 @@ TEST_F(DeleteTest, ARefusedArrayDeleteLeavesTheOtherArraysAlone) {
   EXPECT_EQ(After[1]["driveGroups"][0], Before_[1]["driveGroups"][0]);
   EXPECT_EQ(gRaidCurrentPage,
             static_cast<UINT32>(RAID_PAGE_CONTROLLER_SELECTION));
+  // Page 11 shows the drives as the adapter now has them: the members of
+  // the array that went behind the module's back are no longer online.
+  ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
+  const nlohmann::json Freed = Before_[1]["driveGroups"][1]["members"];
+  ASSERT_FALSE(Freed.empty());
+  for (UINT32 Row = 1; Row < framework::TableRows(Node(RAID_NODE_DRIVE_TABLE));
+       Row++) {
+    const std::string Address =
+        framework::ToUtf8(Cell(RAID_NODE_DRIVE_TABLE, Row, 0).c_str());
+    for (const auto &Member : Freed) {
+      if (Member == Address) {
+        EXPECT_NE(Cell(RAID_NODE_DRIVE_TABLE, Row, 1), u"Online") << Address;
+      }
+    }
+  }
 }
 
 TEST_F(AdapterSelectionTest, RefreshReadsTheAdapterAgainAndResetsThePlan) {
