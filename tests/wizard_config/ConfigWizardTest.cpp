@@ -64,6 +64,15 @@ class ConfigWizardTest : public WizardWorld {
               EFI_SUCCESS);
     NextTo(Mode == 0 ? RAID_PAGE_ADV_NEW_ARRAY : RAID_PAGE_ADV_SELECT_ARRAY);
   }
+  // Page 8 for a new array of Level over the drives of table rows Rows.
+  void NewArrayEditor(const std::u16string &Level,
+                      std::initializer_list<UINT32> Rows) {
+    Advanced(0);
+    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), Level),
+              EFI_SUCCESS);
+    TickDrives(Rows);
+    NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  }
   void TickDrives(std::initializer_list<UINT32> Rows) {
     for (UINT32 Row : Rows) {
       ASSERT_EQ(Driver_.SetCell(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), Row, 0,
@@ -73,8 +82,14 @@ class ConfigWizardTest : public WizardWorld {
   }
   // Plans one virtual disk through the pop-up; an empty capacity keeps
   // what is left.
-  void PlanVolume(const std::u16string &Capacity) {
+  // An empty name keeps the default one.
+  void PlanVolume(const std::u16string &Capacity,
+                  const std::u16string &Name = u"") {
     ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+    if (!Name.empty()) {
+      ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), Name),
+                EFI_SUCCESS);
+    }
     if (!Capacity.empty()) {
       ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), Capacity),
                 EFI_SUCCESS);
@@ -242,11 +257,7 @@ TEST_F(ConfigWizardTest, ConfigurationTypeStartsOverAfterCreationAndReturn) {
   NextTo(RAID_PAGE_CONFIG_TYPE);
   EXPECT_EQ(Driver_.Options(Node(RAID_NODE_CONFIG_TYPE_RADIO)).size(), 2u);
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
-  Advanced(0);
-  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
-            EFI_SUCCESS);
-  TickDrives({1});
-  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  NewArrayEditor(u"RAID 0", {1});
   PlanVolume(u"");
   CreateFrom(RAID_PAGE_ADV_VERIFY);
   NextTo(RAID_PAGE_CONFIG_TYPE);
@@ -292,11 +303,7 @@ TEST_F(ConfigWizardTest, ThreeVirtualDisksWithAHotSpareAndPolicies) {
 
 TEST_F(ConfigWizardTest, BackFromTheEditorKeepsThePlan) {
   StartOn(SixSasServer());
-  Advanced(0);
-  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
-            EFI_SUCCESS);
-  TickDrives({1, 2});
-  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  NewArrayEditor(u"RAID 0", {1, 2});
   PlanVolume(u"50");
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   EXPECT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_NEW_ARRAY));
@@ -309,11 +316,7 @@ TEST_F(ConfigWizardTest, BackFromTheEditorKeepsThePlan) {
 
 TEST_F(ConfigWizardTest, NamesAreCheckedInThePopup) {
   StartOn(SixSasServer());
-  Advanced(0);
-  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
-            EFI_SUCCESS);
-  TickDrives({1});
-  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  NewArrayEditor(u"RAID 0", {1});
   PlanVolume(u"10");
   ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
   const struct {
@@ -355,11 +358,7 @@ TEST_F(ConfigWizardTest, NamesAreCheckedInThePopup) {
 
 TEST_F(ConfigWizardTest, NameLengthFollowsTheProfileBeyondSixtyFourCharacters) {
   StartOn(SixSasServer());
-  Advanced(0);
-  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
-            EFI_SUCCESS);
-  TickDrives({1});
-  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
+  NewArrayEditor(u"RAID 0", {1});
   // arcconf adapters allow 64 characters.
   gCurrentRaidController->Capability->MaxVolumeNameStingLength = 64;
   ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
@@ -447,17 +446,8 @@ TEST_F(ConfigWizardTest, ShortMemoryNeverPlansAPartialVirtualDisk) {
 
 TEST_F(ConfigWizardTest, EditShowsThePlannedDiskAfterACancelledPopup) {
   StartOn(SixSasServer());
-  Advanced(0);
-  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
-            EFI_SUCCESS);
-  TickDrives({1});
-  NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
-  ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
-  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), u"Data_1"),
-            EFI_SUCCESS);
-  ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"10"),
-            EFI_SUCCESS);
-  ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
+  NewArrayEditor(u"RAID 0", {1});
+  PlanVolume(u"10", u"Data_1");
   // A second pop-up, its name cleared, closed without creating.
   ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
   ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), u""), EFI_SUCCESS);
