@@ -68,17 +68,6 @@ EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, ControllerInfoReader Read,
   return Status;
 }
 
-// Drive DriveIndex of the controller's table, or NULL beyond its
-// DiskDriveCount entries.
-RAID_PHYSICAL_DRIVE *DriveAtIndex(RAID_CONTROLLER *Controller,
-                                  UINT32 DriveIndex) {
-  if (Controller == nullptr || Controller->DriveTable == nullptr ||
-      DriveIndex >= Controller->DiskDriveCount) {
-    return nullptr;
-  }
-  return Controller->DriveTable[DriveIndex];
-}
-
 }  // namespace
 
 // Releases a model an earlier run left (a failed discovery can leave
@@ -131,6 +120,15 @@ EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
                             Controller, ErrorCode);
 }
 
+RAID_PHYSICAL_DRIVE *RaidDriveAtIndex(RAID_CONTROLLER *Controller,
+                                      UINT32 DriveIndex) {
+  if (Controller == nullptr || Controller->DriveTable == nullptr ||
+      DriveIndex >= Controller->DiskDriveCount) {
+    return nullptr;
+  }
+  return Controller->DriveTable[DriveIndex];
+}
+
 // An index beyond the table reaches the core as a missing drive, which it
 // refuses. A backend may read the adapter again after the change, so the
 // drive is looked up afresh for the state it reports.
@@ -139,10 +137,10 @@ EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
   (void)Unused;
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   EFI_STATUS Status = SetPhysicalDriveState(
-      Controller, DriveAtIndex(Controller, DriveIndex), State, ErrorCode);
+      Controller, RaidDriveAtIndex(Controller, DriveIndex), State, ErrorCode);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Status = %r\n", Status);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Errorcode = %x\n", *ErrorCode);
-  const RAID_PHYSICAL_DRIVE *Drive = DriveAtIndex(Controller, DriveIndex);
+  const RAID_PHYSICAL_DRIVE *Drive = RaidDriveAtIndex(Controller, DriveIndex);
   if (Drive != nullptr) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Disk drive state = %d\n",
                Drive->State);

@@ -65,6 +65,10 @@ EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
 EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
                                      RAID_CONTROLLER **Controller,
                                      UINT32 *ErrorCode);
+// Entry DriveIndex of the controller's DriveTable, or NULL beyond its
+// DiskDriveCount entries (or without a controller or table).
+RAID_PHYSICAL_DRIVE *RaidDriveAtIndex(RAID_CONTROLLER *Controller,
+                                      UINT32 DriveIndex);
 // Changes entry DriveIndex of the current controller's DriveTable to State.
 EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
                                      UINT32 State, UINT32 *ErrorCode);

@@ -61,8 +61,7 @@ UINT32 DriveCount() {
 }
 
 RAID_PHYSICAL_DRIVE *DriveAt(UINT32 Index) {
-  return Index < DriveCount() ? gCurrentRaidController->DriveTable[Index]
-                              : nullptr;
+  return RaidDriveAtIndex(gCurrentRaidController, Index);
 }
 
 BOOLEAN ControllerHasArray() {
