@@ -209,6 +209,16 @@ UINT32 *RaidCopyDriveIds(const UINT32 *Ids, UINT32 Count) {
   return Copy;
 }
 
+BOOLEAN RaidPlannedRecordIsWhole(const RAID_VOLUME_PARAMETER *Record,
+                                 UINT32 SpareCount) {
+  if (Record->Name == nullptr) {
+    return FALSE;
+  }
+  return Record->NewArray == 0 ||
+         ((Record->DriveCount == 0 || Record->DriveList != nullptr) &&
+          (SpareCount == 0 || Record->SpareList != nullptr));
+}
+
 RAID_LEVEL_CAP *RaidSelectedLevel() {
   return gRaidSelectedLevelNumber == RAID_NO_SELECTION
              ? nullptr

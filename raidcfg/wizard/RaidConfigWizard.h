@@ -46,6 +46,10 @@ RAID_VOLUME *RaidFindFreeSegment(RAID_ARRAY *Array, UINT32 SegmentId);
 // A pool copy of Ids (Count of them) ended by RAID_DRIVE_LIST_END; NULL
 // for none or when memory is short.
 UINT32 *RaidCopyDriveIds(const UINT32 *Ids, UINT32 Count);
+// Whether a planned record holds all it was planned with: its name, and for
+// a new array its member list and, with SpareCount spares, its spare list.
+BOOLEAN RaidPlannedRecordIsWhole(const RAID_VOLUME_PARAMETER *Record,
+                                 UINT32 SpareCount);
 
 // ---- Selection shared by pages 3 to 10 ---------------------------------------------
 

@@ -317,8 +317,7 @@ VOID UpdateSimpleConfigNewVolumeParameters() {
   }
   // A plan missing its members or its spare would create something other
   // than what the verify page shows: none is made.
-  if ((Parameter->DriveCount != 0 && Parameter->DriveList == nullptr) ||
-      (Spare && Parameter->SpareList == nullptr)) {
+  if (!RaidPlannedRecordIsWhole(Parameter, Spare ? 1 : 0)) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resources\n");
     FreeVolumeParameter(&Parameter);
     return;

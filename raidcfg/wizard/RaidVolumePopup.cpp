@@ -407,12 +407,7 @@ VOID CreateVolumeNode(const CHAR16 *Trimmed) {
   }
   // A record without its name or drive lists would create something other
   // than what the operator planned: it is not planned at all.
-  const BOOLEAN Whole =
-      Record->Name != nullptr &&
-      (Record->NewArray == 0 ||
-       ((gRaidMemberDriveCount == 0 || Record->DriveList != nullptr) &&
-        (gRaidHotSpareDriveCount == 0 || Record->SpareList != nullptr)));
-  if (!Whole) {
+  if (!RaidPlannedRecordIsWhole(Record, gRaidHotSpareDriveCount)) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     FreeVolumeParameter(&Record);
     return;
