@@ -3,7 +3,7 @@
 // purpose; only the codes are shared.
 #include <Library/BaseLib.h>
 
-#include "proto/EsaDrvLibPkg/RaidLibMessages.h"
+#include "RaidLibMessages.h"
 #include "setup/RaidServiceLayer.h"
 
 namespace {

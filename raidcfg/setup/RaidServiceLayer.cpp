@@ -3,7 +3,7 @@
 // what it did.
 #include "setup/RaidServiceLayer.h"
 
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 #include "setup/RaidcfgTrace.h"
 
 constinit RAID_CONTROLLER *gCurrentRaidController = nullptr;

@@ -9,7 +9,7 @@
 
 #include <Uefi.h>
 
-#include "proto/EsaDrvLibPkg/RaidLib.h"
+#include "RaidLib.h"
 
 // The controller the operator selected; NULL until the wizard sets it.
 extern RAID_CONTROLLER *gCurrentRaidController;

@@ -10,7 +10,7 @@
 
 #include <Library/UefiBootServicesTableLib.h>
 
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
 #include "wizard/RaidWizard.h"

@@ -7,7 +7,7 @@
 #include <Protocol/Host/PageFramework.h>
 #include <Uefi.h>
 
-#include "proto/EsaDrvLibPkg/RaidLib.h"
+#include "RaidLib.h"
 
 // ---- Page numbers -------------------------------------------------------------
 

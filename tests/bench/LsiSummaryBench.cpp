@@ -3,12 +3,14 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 #include <benchmark/benchmark.h>
-#include <proto/EsaDrvLibPkg/LsiBackend.h>
-#include <proto/EsaDrvLibPkg/RaidLibToolRunner.h>
+#include "LsiBackend.h"
+#include "RaidLibToolRunner.h"
 
 #include <string>
 
 #include "emu/Emulator.h"
+
+using namespace lsi;
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <gtest/gtest.h>
-#include <proto/EsaDrvLibPkg/RaidLibText.h>
-#include <proto/EsaDrvLibPkg/RaidLibTrace.h>
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
 
 #include <string>
 #include <vector>

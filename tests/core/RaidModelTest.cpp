@@ -2,8 +2,8 @@
 // binding and release functions.
 #include <Library/MemoryAllocationLib.h>
 #include <gtest/gtest.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
-#include <proto/EsaDrvLibPkg/RaidLibMessages.h>
+#include "RaidLib.h"
+#include "RaidLibMessages.h"
 
 #include <string>
 #include <vector>

@@ -4,7 +4,7 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <expat.h>
-#include <proto/EsaDrvLibPkg/RaidLibTrace.h>
+#include "RaidLibTrace.h"
 
 namespace test {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <Protocol/Host/TarnXml.h>
 #include <Uefi.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
+#include "RaidLib.h"
 
 #include <string>
 #include <vector>

@@ -2,8 +2,8 @@
 // family's controllers, and the shipped raid.xml through expat.
 #include <Library/BaseLib.h>
 #include <gtest/gtest.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
-#include <proto/EsaDrvLibPkg/RaidXml.h>
+#include "RaidLib.h"
+#include "RaidXml.h"
 
 #include <fstream>
 #include <initializer_list>

@@ -17,7 +17,7 @@
 #include <nlohmann/json.hpp>
 
 #include "sim/megaraid/Storcli.h"
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 
 namespace core_test {
 

@@ -4,7 +4,7 @@
 // parsed by the emulator's expat-backed XML parser protocol. FinalizeRaid
 // must then leave the pool as it found it.
 #include <Library/UefiBootServicesTableLib.h>
-#include <proto/EsaDrvLibPkg/EsaDrvMgr.h>
+#include "EsaDrvMgr.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -5,8 +5,8 @@
 // released again and the pool must be back where it started.
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
-#include <proto/EsaDrvLibPkg/LsiBackend.h>
-#include <proto/EsaDrvLibPkg/RaidLibToolRunner.h>
+#include "LsiBackend.h"
+#include "RaidLibToolRunner.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,6 +14,8 @@
 #include <memory>
 
 #include "emu/Emulator.h"
+
+using namespace lsi;
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
-#include <proto/EsaDrvLibPkg/RaidXml.h>
+#include "RaidLib.h"
+#include "RaidXml.h"
 
 #include <cstddef>
 #include <cstdint>

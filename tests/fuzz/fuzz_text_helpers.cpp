@@ -2,7 +2,7 @@
 // backends apply to tool output. The first byte chooses a delimiter set.
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
-#include <proto/EsaDrvLibPkg/RaidLibText.h>
+#include "RaidLibText.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include "LsiOutputs.h"
 #include "LsiWorld.h"
-#include "proto/EsaDrvLibPkg/RaidLibToolRunner.h"
+#include "RaidLibToolRunner.h"
 
 namespace lsi_test {
 namespace {

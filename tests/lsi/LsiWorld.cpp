@@ -7,9 +7,9 @@
 
 #include <algorithm>
 
-#include "proto/EsaDrvLibPkg/RaidLibText.h"
-#include "proto/EsaDrvLibPkg/RaidLibToolRunner.h"
-#include "proto/EsaDrvLibPkg/RaidLibTrace.h"
+#include "RaidLibText.h"
+#include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
 
 namespace lsi_test {
 
@@ -94,7 +94,7 @@ LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
   Controller_->Private->Bus = 0x3B;
   Controller_->Private->Device = 0;
   Controller_->Private->Function = 0;
-  LsiBindOperations(&Controller_->Private->Operations);
+  lsi::LsiBindBackend(&Controller_->Private->Operations);
   InitializeListHead(&gControllerList);
   InsertTailList(&gControllerList, &Controller_->Link);
 }

@@ -11,9 +11,13 @@
 #include <vector>
 
 #include "emu/Emulator.h"
-#include "proto/EsaDrvLibPkg/LsiBackend.h"
+#include "LsiBackend.h"
+#include "RaidBackends.h"
 
 namespace lsi_test {
+
+// The tests call the backend by its own names.
+using namespace lsi;
 
 // Turns "\n" line ends into the "\r\n" that the UEFI tool prints.
 std::string Crlf(const std::string &Text);

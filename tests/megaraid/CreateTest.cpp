@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "MegaRaidWorld.h"
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
-#include "proto/EsaDrvLibPkg/LsiBackend.h"
+#include "EsaDrvMgr.h"
+#include "LsiBackend.h"
 
 namespace megaraid_test {
 namespace {
@@ -95,7 +95,7 @@ json CreatedVolume(uint32_t Number, const std::string &Name, uint64_t OffsetMb,
 
 class CreateWorld : public OneAdapterWorld {
  public:
-  ~CreateWorld() override { gLsiCommandForm = 0; }
+  ~CreateWorld() override { lsi::gLsiCommandForm = 0; }
 
   // Runs CreateVolume through the dispatch.
   EFI_STATUS Create(Request &R, UINT32 *ErrorCode) {
@@ -142,7 +142,7 @@ class NewArrayTest : public CreateWorld,
 TEST_P(NewArrayTest, AddsExactlyTheNewArray) {
   const NewArrayCase &Case = GetParam();
   StartWith(kBus, FreeDrivesAdapter());
-  gLsiCommandForm = Case.Form;
+  lsi::gLsiCommandForm = Case.Form;
   // Drives are handed over in a scrambled order: the command lists them by
   // enclosure in the controller's drive order.
   std::vector<std::string> Drives(Case.Level.Drives.rbegin(), Case.Level.Drives.rend());
@@ -198,7 +198,7 @@ TEST_F(CreateWorld, CommandLinesOfTheThreeForms) {
           "pdperarray=2 pdcache=on mronly nolog"},
   };
   for (const auto &[Form, Line] : Forms) {
-    gLsiCommandForm = Form;
+    lsi::gLsiCommandForm = Form;
     ClearCommands();
     auto R = NewArray(Controller, 10, {"253:1", "252:0", "253:0", "252:1"}, {}, 100000, u"v");
     UINT32 ErrorCode = 0;

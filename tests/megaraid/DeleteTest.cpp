@@ -1,7 +1,7 @@
 // Deleting through the dispatch: one volume, an array with three volumes,
 // and an array whose first volume the adapter refuses to delete.
 #include "MegaRaidWorld.h"
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 
 namespace megaraid_test {
 namespace {

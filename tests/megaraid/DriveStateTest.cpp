@@ -2,7 +2,7 @@
 // table: the commands run, the adapter's change, the model the operation
 // edits in place, and the model after a refresh.
 #include "MegaRaidWorld.h"
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 
 namespace megaraid_test {
 namespace {

@@ -1,7 +1,7 @@
 // The emulated server with virtual MegaRAID adapters behind storcli.
 #include "MegaRaidWorld.h"
 
-#include "proto/EsaDrvLibPkg/EsaDrvMgr.h"
+#include "EsaDrvMgr.h"
 #include "sim/megaraid/MegaRaidJson.h"
 #include "sim/megaraid/StorcliReport.h"
 

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "proto/EsaDrvLibPkg/RaidLib.h"
+#include "RaidLib.h"
 #include "sim/megaraid/MegaRaidAdapter.h"
 
 namespace megaraid_test {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "ModuleWorld.h"
-#include "proto/EsaDrvLibPkg/RaidLib.h"
+#include "RaidLib.h"
 #include "setup/RaidServiceLayer.h"
 #include "setup/RaidcfgSetup.h"
 

@@ -3,7 +3,7 @@
 // the error box's text fits the buffer the module formats it into.
 #include <Library/PrintLib.h>
 #include <gtest/gtest.h>
-#include <proto/EsaDrvLibPkg/RaidLibMessages.h>
+#include "RaidLibMessages.h"
 #include <strings/RaidcfgStrings.h>
 
 #include <algorithm>

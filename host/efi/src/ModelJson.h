@@ -5,7 +5,7 @@
 #pragma once
 
 #include <Uefi.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
+#include "RaidLib.h"
 
 // The dump of Controllers with the discovery's outcome, NUL-terminated, in
 // a pool buffer the caller frees; NULL when memory is short.

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <Uefi.h>
-#include <proto/EsaDrvLibPkg/RaidLib.h>
+#include "RaidLib.h"
 
 #include <nlohmann/json.hpp>
 

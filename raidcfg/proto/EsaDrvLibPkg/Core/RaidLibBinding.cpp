@@ -1,9 +1,10 @@
 // Binding a vendor backend to each adapter, by PCI vendor id, and telling a
 // controller's family from the signature its backend wrote.
 //
-// Each family's binding operation stays here, writing only the signature,
-// until that family's backend file is written; the backend then takes the
-// function over and fills in its operations.
+// A family whose backend is not built yet binds a placeholder here that
+// writes only its signature, so the controller is known by its family and
+// every operation on it is refused as missing.
+#include "RaidBackends.h"
 #include "RaidLib.h"
 
 namespace {
@@ -34,12 +35,15 @@ bool SignatureIs(const CHAR8 *Signature, const CHAR8 *Tag) {
   return Tag[RAID_SIGNATURE_SIZE] == '\0';
 }
 
-// Writes a signature zero-padded and clears every operation.
-VOID BindPlaceholder(RAID_OPERATIONS *Operations, const CHAR8 *Tag) {
-  *Operations = RAID_OPERATIONS{};
-  for (UINTN I = 0; I < RAID_SIGNATURE_SIZE && Tag[I] != '\0'; I++) {
-    Operations->Signature[I] = Tag[I];
-  }
+// Placeholders of the families whose backend is not built yet.
+VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
+  RaidLibStartOperations(Operations, RAID_SIGNATURE_ARC);
+}
+VOID M2BindBackend(RAID_OPERATIONS *Operations) {
+  RaidLibStartOperations(Operations, RAID_SIGNATURE_M2);
+}
+VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
+  RaidLibStartOperations(Operations, RAID_SIGNATURE_RSTE);
 }
 
 // A controller the binding applies to: matched, profiled, with a private
@@ -54,7 +58,7 @@ bool IsBindable(const RAID_CONTROLLER *Controller) {
 // The backend table: all four families are enabled.
 constinit const RAID_BACKEND_BINDING
     gRaidBackendBindings[RAID_BACKEND_BINDING_COUNT] = {
-        {LsiBindBackend, RAID_VENDOR_ID_LSI, u"storcli.efi", RAID_SIGNATURE_LSI,
+        {lsi::LsiBindBackend, RAID_VENDOR_ID_LSI, u"storcli.efi", RAID_SIGNATURE_LSI,
          TRUE},
         {MchpBindBackend, RAID_VENDOR_ID_MICROCHIP, u"arcconf.efi",
          RAID_SIGNATURE_ARC, TRUE},
@@ -63,26 +67,6 @@ constinit const RAID_BACKEND_BINDING
         {RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
          RAID_SIGNATURE_RSTE, TRUE},
 };
-
-// Broadcom/LSI MegaRAID through storcli.
-VOID LsiBindBackend(RAID_OPERATIONS *Operations) {
-  LsiBindOperations(Operations);
-}
-
-// Microchip (Adaptec) SmartRAID/SmartHBA through arcconf.
-VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
-  BindPlaceholder(Operations, RAID_SIGNATURE_ARC);
-}
-
-// Marvell M.2 boot adapters through mvsetup or mnv_cli.
-VOID M2BindBackend(RAID_OPERATIONS *Operations) {
-  BindPlaceholder(Operations, RAID_SIGNATURE_M2);
-}
-
-// Intel RSTe/VROC SATA RAID through RCfgSata or RCfgVROC.
-VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
-  BindPlaceholder(Operations, RAID_SIGNATURE_RSTE);
-}
 
 // Applies each enabled table row, in table order, to the controllers of its
 // vendor.

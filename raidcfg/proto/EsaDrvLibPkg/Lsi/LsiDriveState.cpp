@@ -7,6 +7,8 @@
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 constexpr const CHAR8 *kCaller = "LsiSetPhysicalDriveState";
@@ -230,3 +232,5 @@ EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
                  *ErrorCode, Status);
   return Status;
 }
+
+}  // namespace lsi

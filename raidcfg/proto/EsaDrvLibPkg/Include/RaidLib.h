@@ -479,6 +479,11 @@ UINT32 RaidLibFamilyOfSignature(const CHAR8 *Signature);
 // controller or private record.
 UINT32 RaidLibControllerFamily(const RAID_CONTROLLER *Controller);
 
+// Clears an operation table and writes Signature into it, zero-padded; the
+// first step of every backend's binding operation.
+VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
+                            const CHAR8 *Signature);
+
 // Fills an operation table with one family's backend.
 typedef VOID (*RAID_BIND_BACKEND)(RAID_OPERATIONS *Operations);
 
@@ -493,14 +498,6 @@ typedef struct {
 
 #define RAID_BACKEND_BINDING_COUNT 4
 extern const RAID_BACKEND_BINDING gRaidBackendBindings[RAID_BACKEND_BINDING_COUNT];
-
-// The four families' binding operations.
-VOID LsiBindBackend(RAID_OPERATIONS *Operations);
-VOID MchpBindBackend(RAID_OPERATIONS *Operations);
-VOID M2BindBackend(RAID_OPERATIONS *Operations);
-VOID RsteBindBackend(RAID_OPERATIONS *Operations);
-// The backends' own table fills, called by the binding operations above.
-VOID LsiBindOperations(RAID_OPERATIONS *Operations);  // LsiBackend.cpp
 
 // Applies the binding table to every controller of gControllerList that
 // matched the database, has a capability and carries the row's vendor id.

@@ -6,6 +6,8 @@
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 constinit UINT32 gLsiControllerCount = 0;
 
 namespace {
@@ -123,3 +125,5 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;
   return Status;
 }
+
+}  // namespace lsi

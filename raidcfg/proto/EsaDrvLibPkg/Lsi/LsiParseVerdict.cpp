@@ -7,6 +7,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 // The tool's error number from the row two lines below an "ErrorCode"
@@ -100,3 +102,5 @@ EFI_STATUS ParseActionStatus(CHAR16 *Output, RAID_CONTROLLER *Controller,
   }
   return EFI_SUCCESS;
 }
+
+}  // namespace lsi

@@ -10,6 +10,8 @@
 
 #include "RaidLib.h"
 
+namespace lsi {
+
 // ---- Error codes of the backend ---------------------------------------------
 
 #define LSI_ERROR_SUMMARY_FAILURE 0x00000007U  // "Status = Failure" in /cN show
@@ -58,9 +60,6 @@ extern UINT32 gLsiCommandForm;
 extern UINT32 gLsiControllerCount;
 
 // ---- Operations -------------------------------------------------------------
-
-// Fills a controller's operation table with this backend ("$lsi").
-VOID LsiBindOperations(RAID_OPERATIONS *Operations);
 
 // Finds the adapter's storcli controller number and stores it as CardId.
 EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
@@ -127,3 +126,5 @@ EFI_STATUS EFIAPI LsiRunToolInto(const CHAR8 *Caller, UINTN BufferChars,
 
 #define LSI_RUN_TOOL(BufferChars, ErrorCode, Format, ...) \
   LsiRunToolInto(__func__, (BufferChars), (ErrorCode), (Format), ##__VA_ARGS__)
+
+}  // namespace lsi

@@ -7,6 +7,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 // The number behind "=" on the first line that starts with "Controller
 // Count", or else on the first line that contains it.
 UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
@@ -72,3 +74,5 @@ EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
   *ErrorCode = LSI_ERROR_BDF_MISMATCH;
   return EFI_ABORTED;
 }
+
+}  // namespace lsi

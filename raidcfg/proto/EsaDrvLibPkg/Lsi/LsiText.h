@@ -6,6 +6,8 @@
 
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 // RAID_LIB_TRACE under a given function's name, for helpers that trace on
 // behalf of the parser or operation they serve.
 #define LSI_TRACE_AS(Caller, Level, Format, ...)                            \
@@ -75,3 +77,5 @@ CHAR16 *LsiCopyStripped(const CHAR16 *Text, UINTN MaxChars);
 // Traces every line of the output between Output and End as
 // "[<Caller>]<line>"; terminates the lines it meets.
 VOID LsiTraceAllLines(const CHAR8 *Caller, CHAR16 *Output, CHAR16 *End);
+
+}  // namespace lsi

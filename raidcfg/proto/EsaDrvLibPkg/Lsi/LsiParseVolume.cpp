@@ -9,6 +9,8 @@
 #include "LsiText.h"
 #include "RaidLibText.h"
 
+namespace lsi {
+
 namespace {
 
 struct ValueCode {
@@ -126,3 +128,5 @@ EFI_STATUS ParseControllerShowVolume(CHAR16 *Output, RAID_VOLUME *Volume,
   }
   return EFI_SUCCESS;
 }
+
+}  // namespace lsi

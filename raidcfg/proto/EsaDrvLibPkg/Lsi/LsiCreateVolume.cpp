@@ -12,6 +12,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 constinit UINT32 gLsiCommandForm = 0;
 
 namespace {
@@ -285,3 +287,5 @@ EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
                  *ErrorCode, Status);
   return Status;
 }
+
+}  // namespace lsi

@@ -9,6 +9,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 // Line feeds separate lines; so do terminators written by earlier walks.
@@ -199,3 +201,5 @@ VOID LsiTraceAllLines(const CHAR8 *Caller, CHAR16 *Output, CHAR16 *End) {
     }
   }
 }
+
+}  // namespace lsi

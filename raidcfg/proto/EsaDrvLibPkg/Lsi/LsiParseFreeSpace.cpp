@@ -12,6 +12,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 constexpr UINTN kSegmentExtraSize = 4;
@@ -174,3 +176,5 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
   NormaliseFreeCapacity(Controller);
   return EFI_SUCCESS;
 }
+
+}  // namespace lsi

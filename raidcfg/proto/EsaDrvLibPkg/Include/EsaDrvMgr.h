@@ -6,21 +6,13 @@
 #include <Uefi.h>
 
 #include "RaidLib.h"
-
-#define RAID_LIB_VERSION_MAJOR 0
-#define RAID_LIB_VERSION_MINOR 34
-#define RAID_LIB_VERSION_PATCH 0
+#include "RaidLibController.h"
 
 // Discovers the adapters, reads pcidb.xml and raid.xml, binds a backend to
 // each adapter and numbers the cards.
 EFI_STATUS InitializeRaid(UINT32 *ErrorCode);
 // Frees the whole model; always EFI_SUCCESS.
 EFI_STATUS FinalizeRaid(UINT32 *ErrorCode);
-
-// The controller with this Id, or NULL.
-RAID_CONTROLLER *GetController(UINT32 Id);
-// The same, and makes its card the current one for the tools' command lines.
-RAID_CONTROLLER *RaidLibGetController(UINT32 Id);
 
 EFI_STATUS GetControllerInfo(RAID_CONTROLLER *Controller,
                              RAID_CONTROLLER **ControllerOut,
@@ -44,5 +36,3 @@ EFI_STATUS SetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
 UINT64 RaidLibGetCapacityByLevel(UINT8 Level, const UINT64 *DriveSizes,
                                  UINT32 Count);
 
-// "RAID library version: 0.34.0", the first line of every core function.
-VOID RaidLibTraceVersion();

@@ -17,6 +17,8 @@
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 // Lines from a table's title line to its first row.
@@ -214,3 +216,5 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
   }
   return EFI_SUCCESS;
 }
+
+}  // namespace lsi

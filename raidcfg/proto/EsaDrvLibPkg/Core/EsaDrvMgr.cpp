@@ -147,26 +147,7 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
   return Status;
 }
 
-RAID_CONTROLLER *FindController(const CHAR8 *Caller, UINT32 Id) {
-  for (RAID_CONTROLLER *Controller :
-       uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
-    if (Controller->Id == Id) {
-      return Controller;
-    }
-  }
-  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Not find controller\n");
-  return nullptr;
-}
-
 }  // namespace
-
-VOID RaidLibTraceVersion() {
-  if (gRaidLibSetupProtocol != nullptr) {
-    gRaidLibSetupProtocol->DebugPrint(
-        TARN_DEBUG_INFO, "RAID library version: %d.%d.%d\n",
-        RAID_LIB_VERSION_MAJOR, RAID_LIB_VERSION_MINOR, RAID_LIB_VERSION_PATCH);
-  }
-}
 
 // Builds gControllerList. The list head is initialised afresh, so a second
 // run must find the list released (or never filled).
@@ -222,18 +203,4 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
   RaidLibResetToolRunner();
   gRaidLibSetupProtocol = nullptr;
   return EFI_SUCCESS;
-}
-
-RAID_CONTROLLER *GetController(UINT32 Id) {
-  RaidLibTraceVersion();
-  return FindController(__func__, Id);
-}
-
-RAID_CONTROLLER *RaidLibGetController(UINT32 Id) {
-  RaidLibTraceVersion();
-  RAID_CONTROLLER *Controller = FindController(__func__, Id);
-  if (Controller != nullptr && Controller->Private != nullptr) {
-    gRaidCurrentCardId = Controller->Private->CardId;
-  }
-  return Controller;
 }

@@ -8,6 +8,8 @@
 #include "LsiText.h"
 #include "RaidLib.h"
 
+namespace lsi {
+
 // Replaces DriveTable by a zeroed table of Count + 1 entries.
 EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count);
 
@@ -32,3 +34,5 @@ EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
 
 // The volume state code of a VD LIST State word.
 UINT32 LsiVolumeStateCode(const CHAR16 *Word);
+
+}  // namespace lsi

@@ -3,6 +3,8 @@
 #include "LsiBackend.h"
 #include "RaidLibToolRunner.h"
 
+namespace lsi {
+
 // Formats the command into a buffer of BufferChars characters (at most the
 // create command's), traces it and runs it into the shared output buffer.
 EFI_STATUS EFIAPI LsiRunToolInto(const CHAR8 *Caller, UINTN BufferChars,
@@ -18,3 +20,5 @@ EFI_STATUS EFIAPI LsiRunToolInto(const CHAR8 *Caller, UINTN BufferChars,
   VA_END(Marker);
   return Status;
 }
+
+}  // namespace lsi

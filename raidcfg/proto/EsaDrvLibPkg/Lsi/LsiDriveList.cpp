@@ -4,6 +4,8 @@
 
 #include "LsiBackend.h"
 
+namespace lsi {
+
 namespace {
 
 // Appends formatted text at *Used within Buffer, cutting it to fit.
@@ -93,3 +95,5 @@ UINT32 LsiDrivesPerSpan(UINT32 RaidLevel, UINT32 DriveCount) {
   }
   return 0;
 }
+
+}  // namespace lsi

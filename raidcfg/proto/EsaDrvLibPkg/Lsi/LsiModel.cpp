@@ -8,6 +8,8 @@
 #include "LsiBackend.h"
 #include "RaidLibText.h"
 
+namespace lsi {
+
 namespace {
 
 // Owned blocks the backend hangs on arrays and volumes.
@@ -273,3 +275,5 @@ EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
   *Drive = Record;
   return EFI_SUCCESS;
 }
+
+}  // namespace lsi

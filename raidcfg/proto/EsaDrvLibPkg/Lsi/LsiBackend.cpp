@@ -1,14 +1,12 @@
-// The MegaRAID backend's operation table.
+// The MegaRAID backend's binding: its signature and operations.
 #include "LsiBackend.h"
 
-// Writes "$lsi" and the storcli operations into a controller's table.
-VOID LsiBindOperations(RAID_OPERATIONS *Operations) {
-  *Operations = RAID_OPERATIONS{};
-  const CHAR8 *Tag = RAID_SIGNATURE_LSI;
-  for (UINTN Index = 0; Index < RAID_SIGNATURE_SIZE && Tag[Index] != '\0';
-       Index++) {
-    Operations->Signature[Index] = Tag[Index];
-  }
+#include "RaidBackends.h"
+
+namespace lsi {
+
+VOID LsiBindBackend(RAID_OPERATIONS *Operations) {
+  RaidLibStartOperations(Operations, RAID_SIGNATURE_LSI);
   Operations->GetCardId = LsiGetCardId;
   Operations->GetControllerInfo = LsiGetControllerInfo;
   Operations->DeleteArray = LsiDeleteArray;
@@ -17,3 +15,5 @@ VOID LsiBindOperations(RAID_OPERATIONS *Operations) {
   Operations->SetPhysicalDriveState = LsiSetPhysicalDriveState;
   Operations->SetAllPhysicalDriveState = LsiSetAllPhysicalDriveState;
 }
+
+}  // namespace lsi

@@ -6,6 +6,8 @@
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
+namespace lsi {
+
 namespace {
 
 // The controller behind an array, complete enough to build commands.
@@ -113,3 +115,5 @@ EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
   RefreshAfterDelete(__func__, Controller, ErrorCode);
   return Status;
 }
+
+}  // namespace lsi

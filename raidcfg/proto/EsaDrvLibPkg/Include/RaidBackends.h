@@ -1,0 +1,12 @@
+// The one place where the core meets the vendor backends: each backend's
+// binding operation, which writes its signature and its operations into a
+// controller's RAID_OPERATIONS. Everything else of a backend stays inside
+// its own namespace and target.
+#pragma once
+
+#include "RaidLib.h"
+
+namespace lsi {
+// Broadcom/LSI MegaRAID through storcli ("$lsi").
+VOID LsiBindBackend(RAID_OPERATIONS *Operations);
+}  // namespace lsi
