@@ -7,7 +7,8 @@
 
 #include "EsaDrvMgr.h"
 #include "LsiBackend.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
@@ -189,7 +190,7 @@ bool CreateInNewArray(RAID_CONTROLLER *Controller,
   if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
       Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
     *ErrorCode = LSI_ERROR_NO_FREE_DRIVES;
-    LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
                  "[%a]No Free Physical Drives!\n");
     return false;
   }
@@ -218,7 +219,7 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
   }
   if (Array == nullptr) {
     *ErrorCode = LSI_ERROR_NOT_FOUND;
-    LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
                  "[%a]Array %d is empty!\n", Parameter->ArrayId);
     return false;
   }

@@ -7,6 +7,7 @@
 
 #include "LsiBackend.h"
 #include "RaidLibText.h"
+#include "RaidLibWordTable.h"
 
 namespace lsi {
 
@@ -18,15 +19,11 @@ constexpr UINTN kVolumeExtraSize = 4;
 // Longest drive model kept.
 constexpr UINTN kModelChars = 100;
 
-// State word to state code and role, for one kind of DG column.
-struct StateRule {
-  const CHAR16 *Word;
-  UINT32 State;
-  UINT32 Role;
-};
+// A drive's state word to its state code (Code) and role (Detail), for
+// each kind of DG column.
 
 // A drive in no array ("-" in the DG column).
-constexpr StateRule kUnassignedRules[] = {
+constexpr RAID_WORD_CODE kUnassignedWords[] = {
     {u"UGood", RAID_STATE_UGOOD, RAID_ROLE_UNCONFIGURED},
     {u"UBad", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED},
     {u"UBUnsp", RAID_STATE_UBAD, RAID_ROLE_UNCONFIGURED},
@@ -34,32 +31,41 @@ constexpr StateRule kUnassignedRules[] = {
     {u"JBOD", RAID_STATE_JBOD, RAID_ROLE_UNCONFIGURED},
     {u"GHS", RAID_STATE_GHS, RAID_ROLE_HOT_SPARE},
 };
+constexpr RAID_WORD_TABLE kUnassignedStates = RaidLibWordTable(
+    kUnassignedWords, RaidMatchExact, RAID_STATE_INVALID,
+    RAID_ROLE_UNCONFIGURED);
+
+// A foreign drive in a state of no entry keeps the state its record
+// started with.
+constexpr UINT32 kStateUnset = 0xFFFFFFFEU;
+
 // A drive with a foreign configuration ("F").
-constexpr StateRule kForeignRules[] = {
+constexpr RAID_WORD_CODE kForeignWords[] = {
     {u"UBad", RAID_STATE_UBAD_FOREIGN, RAID_ROLE_UNCONFIGURED},
     {u"UGood", RAID_STATE_UGOOD_FOREIGN, RAID_ROLE_UNCONFIGURED},
 };
+constexpr RAID_WORD_TABLE kForeignStates = RaidLibWordTable(
+    kForeignWords, RaidMatchExact, kStateUnset, RAID_ROLE_UNCONFIGURED);
+
 // A drive of an array (a DG number).
-constexpr StateRule kMemberRules[] = {
+constexpr RAID_WORD_CODE kMemberWords[] = {
     {u"Onln", RAID_STATE_ONLINE, RAID_ROLE_MEMBER},
     {u"Rbld", RAID_STATE_REBUILD, RAID_ROLE_MEMBER},
     {u"Offln", RAID_STATE_OFFLINE, RAID_ROLE_MEMBER},
     {u"DHS", RAID_STATE_DHS, RAID_ROLE_HOT_SPARE},
 };
+constexpr RAID_WORD_TABLE kMemberStates = RaidLibWordTable(
+    kMemberWords, RaidMatchExact, RAID_STATE_INVALID, RAID_ROLE_OTHER);
 
-// A foreign drive in another state keeps the state its record started with.
-constexpr UINT32 kStateUnset = 0xFFFFFFFEU;
-
-template <UINTN N>
-StateRule Classify(const StateRule (&Rules)[N], const CHAR16 *Word,
-                   StateRule Otherwise) {
-  for (const StateRule &Rule : Rules) {
-    if (LsiWordIs(Word, Rule.Word)) {
-      return Rule;
-    }
-  }
-  return Otherwise;
-}
+// A volume's State column.
+constexpr RAID_WORD_CODE kVolumeWords[] = {
+    {u"Optl", RAID_STATE_OPTIMAL},
+    {u"Dgrd", RAID_STATE_DEGRADED},
+    {u"Pdgd", RAID_STATE_PARTIALLY_DEGRADED},
+    {u"OfLn", RAID_STATE_OFFLINE},
+};
+constexpr RAID_WORD_TABLE kVolumeStates =
+    RaidLibWordTable(kVolumeWords, RaidMatchExact, RAID_STATE_INVALID);
 
 // A pool copy of a formatted name ("Array%d", "FreeCapacity%d").
 CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
@@ -94,10 +100,10 @@ UINT32 ReadNumber(const CHAR16 *Word) {
 }
 
 // Fills the drive's own fields from its row.
-EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const LSI_ROW *Row) {
-  Drive->Location = LsiCopyStripped(Row->Words[0], 0);
+EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row) {
+  Drive->Location = RaidLibCopyStripped(Row->Words[0], 0);
   Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
-  Drive->Model = LsiCopyStripped(Row->Words[11] != nullptr ? Row->Words[11]
+  Drive->Model = RaidLibCopyStripped(Row->Words[11] != nullptr ? Row->Words[11]
                                                            : u"",
                                  kModelChars);
   if (Drive->Location == nullptr || Drive->Position == nullptr ||
@@ -108,20 +114,20 @@ EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const LSI_ROW *Row) {
   Drive->Position->SlotNumber = NumberAfter(Row->Words[0], u':');
   Drive->Id = ReadNumber(Row->Words[1]);
   Drive->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
-  Drive->SizeUnit = LsiUnitCode(Row->Words[5]);
+  Drive->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[5]);
   Drive->MediaType = RaidLibMediaCode(Row->Words[6], Row->Words[7]);
   return EFI_SUCCESS;
 }
 
 // Links an unassigned or foreign drive into the controller's lists.
 VOID PlaceUnassigned(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
-                     StateRule Rule) {
-  if (Rule.State != kStateUnset) {
-    Drive->State = Rule.State;
+                     const RAID_WORD_CODE &Rule) {
+  if (Rule.Code != kStateUnset) {
+    Drive->State = Rule.Code;
   }
-  Drive->Role = Rule.Role;
+  Drive->Role = Rule.Detail;
   Drive->Owner = Controller;
-  if (Rule.State == RAID_STATE_GHS) {
+  if (Rule.Code == RAID_STATE_GHS) {
     InsertTailList(&Controller->SpareDriveList, &Drive->Link);
     Controller->GlobalSpareCount++;
   } else {
@@ -132,12 +138,12 @@ VOID PlaceUnassigned(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 
 // Links a drive of an array into that array's DriveList.
 VOID PlaceMember(RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Drive,
-                 StateRule Rule) {
-  Drive->State = Rule.State;
-  Drive->Role = Rule.Role;
+                 const RAID_WORD_CODE &Rule) {
+  Drive->State = Rule.Code;
+  Drive->Role = Rule.Detail;
   Drive->Owner = Array;
   InsertTailList(&Array->DriveList, &Drive->Link);
-  if (Rule.State == RAID_STATE_DHS) {
+  if (Rule.Code == RAID_STATE_DHS) {
     Array->DedicatedSpareCount++;
   } else {
     Array->MemberDriveCount++;
@@ -166,22 +172,10 @@ RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
 }
 
 UINT32 LsiVolumeStateCode(const CHAR16 *Word) {
-  if (LsiWordIs(Word, u"Optl")) {
-    return RAID_STATE_OPTIMAL;
-  }
-  if (LsiWordIs(Word, u"Dgrd")) {
-    return RAID_STATE_DEGRADED;
-  }
-  if (LsiWordIs(Word, u"Pdgd")) {
-    return RAID_STATE_PARTIALLY_DEGRADED;
-  }
-  if (LsiWordIs(Word, u"OfLn")) {
-    return RAID_STATE_OFFLINE;
-  }
-  return RAID_STATE_INVALID;
+  return RaidLibCodeOfWord(kVolumeStates, Word);
 }
 
-EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   RAID_ARRAY *Array = uefi::AllocateRecord<RAID_ARRAY>();
   if (Array == nullptr) {
     return EFI_OUT_OF_RESOURCES;
@@ -200,12 +194,12 @@ EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
   }
   Array->RaidLevel = LevelOfType(Row->Words[5]);
   Array->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
-  Array->SizeUnit = LsiUnitCode(Row->Words[9]);
+  Array->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[9]);
   InsertTailList(&Controller->ArrayList, &Array->Link);
   return EFI_SUCCESS;
 }
 
-EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   RAID_ARRAY *Array = LsiFindArray(Controller, ReadNumber(Row->Words[0]));
   if (Array == nullptr) {
     return EFI_SUCCESS;  // A row of no array read: a fault of the output.
@@ -215,7 +209,7 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
     return EFI_OUT_OF_RESOURCES;
   }
   // Only the name's first word is in the row's eleventh word.
-  Volume->Name = LsiCopyStripped(
+  Volume->Name = RaidLibCopyStripped(
       Row->Words[9] != nullptr && Row->Words[10] != nullptr ? Row->Words[10]
                                                             : u"",
       0);
@@ -229,20 +223,20 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
   Volume->IsVolume = 1;
   Volume->State = LsiVolumeStateCode(Row->Words[2]);
   Volume->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
-  Volume->SizeUnit = LsiUnitCode(Row->Words[9]);
+  Volume->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[9]);
   InsertTailList(&Array->SegmentList, &Volume->Link);
   Array->VolumeCount++;
   return EFI_SUCCESS;
 }
 
-EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
+EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
                        RAID_PHYSICAL_DRIVE **Drive) {
   *Drive = nullptr;
   const CHAR16 *Group = Row->Words[3];
   const CHAR16 *StateWord = Row->Words[2];
   RAID_ARRAY *Array = nullptr;
-  bool Unassigned = LsiWordIs(Group, u"-");
-  bool Foreign = LsiWordIs(Group, u"F");
+  bool Unassigned = RaidLibWordIs(Group, u"-");
+  bool Foreign = RaidLibWordIs(Group, u"F");
   if (!Unassigned && !Foreign) {
     Array = Group == nullptr ? nullptr
                              : LsiFindArray(Controller, ReadNumber(Group));
@@ -260,17 +254,12 @@ EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const LSI_ROW *Row,
   }
   if (Unassigned) {
     PlaceUnassigned(Controller, Record,
-                    Classify(kUnassignedRules, StateWord,
-                             {nullptr, RAID_STATE_INVALID,
-                              RAID_ROLE_UNCONFIGURED}));
+                    RaidLibClassifyWord(kUnassignedStates, StateWord));
   } else if (Foreign) {
     PlaceUnassigned(Controller, Record,
-                    Classify(kForeignRules, StateWord,
-                             {nullptr, kStateUnset, RAID_ROLE_UNCONFIGURED}));
+                    RaidLibClassifyWord(kForeignStates, StateWord));
   } else {
-    PlaceMember(Array, Record,
-                Classify(kMemberRules, StateWord,
-                         {nullptr, RAID_STATE_INVALID, RAID_ROLE_OTHER}));
+    PlaceMember(Array, Record, RaidLibClassifyWord(kMemberStates, StateWord));
   }
   *Drive = Record;
   return EFI_SUCCESS;

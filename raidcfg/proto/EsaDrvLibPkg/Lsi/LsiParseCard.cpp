@@ -3,7 +3,8 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -13,11 +14,11 @@ namespace lsi {
 // Count", or else on the first line that contains it.
 UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
   CHAR16 *Found = nullptr;
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Controller Count")) {
       Found = Line;
       break;
@@ -27,7 +28,7 @@ UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
     }
   }
   return Found == nullptr ? 0
-                          : static_cast<UINT32>(LsiNumberAfterEquals(Found));
+                          : static_cast<UINT32>(RaidLibNumberAfter(Found, u'='));
 }
 
 // Compares the bus, device and function of the first "Bus Number" line and
@@ -38,11 +39,11 @@ EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = LSI_ERROR_NOT_FOUND;
     return EFI_ABORTED;
   }
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
-  CHAR16 *Line = LsiNextLine(&Lines);
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
+  CHAR16 *Line = RaidLibNextLine(&Lines);
   while (Line != nullptr && !RaidLibStartsWith(Line, u"Bus Number")) {
-    Line = LsiNextLine(&Lines);
+    Line = RaidLibNextLine(&Lines);
   }
   if (Line == nullptr) {
     return EFI_SUCCESS;  // No location printed: the card is accepted as is.
@@ -54,9 +55,9 @@ EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
       Complete = false;  // Output cut short: the location cannot match.
       break;
     }
-    Location[Index] = LsiNumberAfterEquals(Line);
+    Location[Index] = RaidLibNumberAfter(Line, u'=');
     if (Index < 2) {
-      Line = LsiNextLine(&Lines);
+      Line = RaidLibNextLine(&Lines);
     }
   }
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;

@@ -13,7 +13,8 @@
 
 #include "LsiBackend.h"
 #include "LsiModel.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -32,13 +33,13 @@ constexpr EFI_STRING_ID kWarningTitleId = 866;
 constexpr UINT8 kWarningBoxStyle = 0;
 
 // "Status = Failure" before the tables: the summary is traced and marked.
-VOID CheckSummaryStatus(CHAR16 *Output, LSI_LINES Lines, UINT32 *ErrorCode) {
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+VOID CheckSummaryStatus(CHAR16 *Output, RAID_LINE_CURSOR Lines, UINT32 *ErrorCode) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {
-      LSI_ROW Scratch;
-      if (LsiWordIs(LsiTrimmedValue(Line, &Scratch), u"Failure")) {
-        LsiTraceAllLines("ParseControllerShow", Output, Lines.End);
+      RAID_ROW Scratch;
+      if (RaidLibWordIs(RaidLibTrimmedValue(Line, u"=", &Scratch), u"Failure")) {
+        RaidLibTraceAllLines("ParseControllerShow", Output, Lines.End);
         *ErrorCode = LSI_ERROR_SUMMARY_FAILURE;
       }
       return;
@@ -60,27 +61,27 @@ EFI_STATUS ResetModel(RAID_CONTROLLER *Controller) {
 // Stores the stripped value of a name line in *Field, or traces Missing and
 // keeps the old value when the tool printed a blank value.
 EFI_STATUS StoreName(const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
-  LSI_ROW Scratch;
-  CHAR16 *Value = LsiSecondPiece(Line, &Scratch);
+  RAID_ROW Scratch;
+  CHAR16 *Value = RaidLibSecondPiece(Line, u"=", &Scratch);
   if (Value == nullptr || StrCmp(Value, u" \r") == 0) {
-    LSI_TRACE_AS("ParseControllerShow", TARN_DEBUG_INFO, Missing);
+    RAID_LIB_TRACE_AS("ParseControllerShow", TARN_DEBUG_INFO, Missing);
     return EFI_SUCCESS;
   }
   FreePool(*Field);
-  *Field = LsiCopyStripped(Value, 0);
+  *Field = RaidLibCopyStripped(Value, 0);
   return *Field == nullptr ? EFI_OUT_OF_RESOURCES : EFI_SUCCESS;
 }
 
 // The TOPOLOGY table: one array per disk-group row ("-" in the Arr column,
 // a RAID type rather than DRIVE).
-EFI_STATUS ReadDriveGroups(LSI_LINES Lines, RAID_CONTROLLER *Controller) {
-  for (CHAR16 *Line = LsiSkipLines(&Lines, kTableRowOffset);
+EFI_STATUS ReadDriveGroups(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) {
+  for (CHAR16 *Line = RaidLibSkipLines(&Lines, kTableRowOffset);
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
-       Line = LsiNextLine(&Lines)) {
-    LSI_ROW Row;
-    LsiSplitRow(Line, &Row);
-    if (!LsiWordIs(Row.Words[1], u"-") || Row.Words[5] == nullptr ||
-        LsiWordIs(Row.Words[5], u"DRIVE")) {
+       Line = RaidLibNextLine(&Lines)) {
+    RAID_ROW Row;
+    RaidLibSplitRow(Line, &Row);
+    if (!RaidLibWordIs(Row.Words[1], u"-") || Row.Words[5] == nullptr ||
+        RaidLibWordIs(Row.Words[5], u"DRIVE")) {
       continue;
     }
     EFI_STATUS Status = LsiAddArray(Controller, &Row);
@@ -92,13 +93,13 @@ EFI_STATUS ReadDriveGroups(LSI_LINES Lines, RAID_CONTROLLER *Controller) {
 }
 
 // The VD LIST table: RowCount volumes.
-EFI_STATUS ReadVirtualDrives(LSI_LINES Lines, UINT64 RowCount,
+EFI_STATUS ReadVirtualDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
                              RAID_CONTROLLER *Controller) {
-  CHAR16 *Line = RowCount == 0 ? nullptr : LsiSkipLines(&Lines, kTableRowOffset);
+  CHAR16 *Line = RowCount == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
   for (UINT64 Index = 0; Index < RowCount && Line != nullptr;
-       Index++, Line = LsiNextLine(&Lines)) {
-    LSI_ROW Row;
-    LsiSplitRow(Line, &Row);
+       Index++, Line = RaidLibNextLine(&Lines)) {
+    RAID_ROW Row;
+    RaidLibSplitRow(Line, &Row);
     EFI_STATUS Status = LsiAddVolume(Controller, &Row);
     if (EFI_ERROR(Status)) {
       return Status;
@@ -109,12 +110,12 @@ EFI_STATUS ReadVirtualDrives(LSI_LINES Lines, UINT64 RowCount,
 
 // Warns the operator of a dedicated spare whose DG column is empty, which
 // slides the size into the DG column.
-VOID WarnSlidColumns(const LSI_ROW &Row) {
+VOID WarnSlidColumns(const RAID_ROW &Row) {
   if (gRaidLibSetupProtocol == nullptr ||
       gRaidLibSetupProtocol->MessageBox == nullptr) {
     return;
   }
-  CHAR16 Text[LSI_ROW_CHARS];
+  CHAR16 Text[RAID_ROW_CHARS];
   UnicodeSPrint(Text, sizeof(Text),
                 u"Hot spare DG is null, the disk is %s.\r\n Please recreate "
                 u"raid valume.\r\n",
@@ -124,7 +125,7 @@ VOID WarnSlidColumns(const LSI_ROW &Row) {
 }
 
 // The PD LIST table: RowCount drives; DriveTable gets RowCount + 1 entries.
-EFI_STATUS ReadPhysicalDrives(LSI_LINES Lines, UINT64 RowCount,
+EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
                               RAID_CONTROLLER *Controller) {
   if (RowCount > kMaxTableRows) {
     RowCount = kMaxTableRows;
@@ -136,11 +137,11 @@ EFI_STATUS ReadPhysicalDrives(LSI_LINES Lines, UINT64 RowCount,
   }
   Controller->DiskDriveCount = Count;
   UINT32 Filled = 0;
-  CHAR16 *Line = Count == 0 ? nullptr : LsiSkipLines(&Lines, kTableRowOffset);
+  CHAR16 *Line = Count == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
   for (UINT32 Index = 0; Index < Count && Line != nullptr;
-       Index++, Line = LsiNextLine(&Lines)) {
-    LSI_ROW Row;
-    if (LsiSplitRow(Line, &Row) == 0) {
+       Index++, Line = RaidLibNextLine(&Lines)) {
+    RAID_ROW Row;
+    if (RaidLibSplitRow(Line, &Row) == 0) {
       continue;
     }
     if (Row.Words[4] != nullptr && RaidLibContains(Row.Words[4], u"B")) {
@@ -163,7 +164,7 @@ EFI_STATUS ReadPhysicalDrives(LSI_LINES Lines, UINT64 RowCount,
 }
 
 // Acts on one line of the summary; Lines stands just behind it.
-EFI_STATUS ReadSummaryLine(const CHAR16 *Line, const LSI_LINES &Lines,
+EFI_STATUS ReadSummaryLine(const CHAR16 *Line, const RAID_LINE_CURSOR &Lines,
                            RAID_CONTROLLER *Controller) {
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
   if (RaidLibStartsWith(Line, u"Product Name")) {
@@ -182,10 +183,10 @@ EFI_STATUS ReadSummaryLine(const CHAR16 *Line, const LSI_LINES &Lines,
     return ReadDriveGroups(Lines, Controller);
   }
   if (RaidLibStartsWith(Line, u"Virtual Drives")) {
-    return ReadVirtualDrives(Lines, LsiNumberAfterEquals(Line), Controller);
+    return ReadVirtualDrives(Lines, RaidLibNumberAfter(Line, u'='), Controller);
   }
   if (RaidLibStartsWith(Line, u"Physical Drives")) {
-    return ReadPhysicalDrives(Lines, LsiNumberAfterEquals(Line), Controller);
+    return ReadPhysicalDrives(Lines, RaidLibNumberAfter(Line, u'='), Controller);
   }
   return EFI_SUCCESS;
 }
@@ -202,12 +203,12 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
   }
   // The walks share one end: lines terminated by one walk are still
   // lines to the next.
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
   CheckSummaryStatus(Output, Lines, ErrorCode);
   EFI_STATUS Status = ResetModel(Controller);
-  for (CHAR16 *Line = LsiNextLine(&Lines);
-       Line != nullptr && !EFI_ERROR(Status); Line = LsiNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines);
+       Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
     Status = ReadSummaryLine(Line, Lines, Controller);
   }
   if (EFI_ERROR(Status)) {

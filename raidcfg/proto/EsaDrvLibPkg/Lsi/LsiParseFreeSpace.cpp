@@ -8,7 +8,8 @@
 
 #include "LsiBackend.h"
 #include "LsiModel.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -45,7 +46,7 @@ bool ListHasId(RAID_ARRAY *Array, UINT32 Id) {
 }
 
 // A free segment from one row, linked into its array.
-EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
+EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   RAID_ARRAY *Array = LsiFindArray(
       Controller, static_cast<UINT32>(RaidLibReadDecimal(Row->Words[1])));
   if (Array == nullptr) {
@@ -67,11 +68,11 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
   Segment->Array = Array;
   Segment->IsVolume = 0;
   Segment->State =
-      LsiWordIs(Row->Words[2], u"-")
+      RaidLibWordIs(Row->Words[2], u"-")
           ? RAID_SEGMENT_AFTER_NO_VOLUME
           : static_cast<UINT32>(RaidLibReadDecimal(Row->Words[2]));
   Segment->SizeFigure = RaidLibReadThousandths(Row->Words[3]);
-  Segment->SizeUnit = LsiUnitCode(Row->Words[4]);
+  Segment->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
   Array->FreeCapacity += ThousandthsOfMb(Segment->SizeFigure, Segment->SizeUnit);
   Array->FreeSegmentCount++;
 
@@ -85,15 +86,15 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
 
 // The rows of one free-space table, up to its closing ruler. Row KB sizes
 // are too small to use.
-EFI_STATUS ReadFreeSpaceRows(LSI_LINES *Lines, CHAR16 *FirstRow,
+EFI_STATUS ReadFreeSpaceRows(RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
                              RAID_CONTROLLER *Controller) {
   for (CHAR16 *Line = FirstRow;
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
-       Line = LsiNextLine(Lines)) {
-    LSI_ROW Row;
-    LsiSplitRow(Line, &Row);
-    if (Row.Words[4] != nullptr && LsiWordIs(RaidLibTrim(Row.Words[4]), u"KB")) {
-      LSI_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+       Line = RaidLibNextLine(Lines)) {
+    RAID_ROW Row;
+    RaidLibSplitRow(Line, &Row);
+    if (Row.Words[4] != nullptr && RaidLibWordIs(RaidLibTrim(Row.Words[4]), u"KB")) {
+      RAID_LIB_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
                    "[%a] Free Capacity in KB, so ignore it: %d\n",
                      static_cast<UINT32>(RaidLibReadDecimal(Row.Words[3])));
       continue;
@@ -119,7 +120,7 @@ VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
         Array->FreeCapacityUnit = RAID_UNIT_TB;
       }
     }
-    LSI_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
                  "[%a]Array Freecapacity : %d %S\n",
                    static_cast<UINT32>(Array->FreeCapacity),
                    kUnitText[Array->FreeCapacityUnit]);
@@ -127,11 +128,11 @@ VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
 }
 
 // The trimmed value of the report's first "Status" line, or NULL.
-CHAR16 *FindStatus(LSI_LINES Lines, LSI_ROW *Scratch) {
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+CHAR16 *FindStatus(RAID_LINE_CURSOR Lines, RAID_ROW *Scratch) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {
-      return LsiTrimmedValue(Line, Scratch);
+      return RaidLibTrimmedValue(Line, u"=", Scratch);
     }
   }
   return nullptr;
@@ -147,21 +148,21 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
   }
   // The walks share one end: lines terminated by one walk are still
   // lines to the next.
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
-  LSI_ROW Scratch;
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
+  RAID_ROW Scratch;
   CHAR16 *Status = FindStatus(Lines, &Scratch);
-  if (LsiWordIs(Status, u"Failure")) {
+  if (RaidLibWordIs(Status, u"Failure")) {
     RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Status: %S\n", Status);
-    LsiTraceAllLines(__func__, Output, Lines.End);
+    RaidLibTraceAllLines(__func__, Output, Lines.End);
     return EFI_ABORTED;
   }
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (!RaidLibStartsWith(Line, u"ID DG AftrVD")) {
       continue;
     }
-    CHAR16 *FirstRow = LsiSkipLines(&Lines, 2);
+    CHAR16 *FirstRow = RaidLibSkipLines(&Lines, 2);
     if (FirstRow == nullptr || RaidLibStartsWith(FirstRow, u"----")) {
       continue;  // An empty table.
     }

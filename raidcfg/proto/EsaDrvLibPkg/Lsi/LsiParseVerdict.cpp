@@ -3,7 +3,8 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -15,8 +16,8 @@ namespace {
 // line: the third word when the first reads as a non-zero number, else the
 // second. NULL words read as 0.
 UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
-  LSI_ROW Row;
-  LsiSplitRow(Line, &Row);
+  RAID_ROW Row;
+  RaidLibSplitRow(Line, &Row);
   const CHAR16 *Number =
       RaidLibReadDecimal(Row.Words[0]) != 0 ? Row.Words[2] : Row.Words[1];
   return static_cast<UINT32>(RaidLibReadDecimal(Number));
@@ -25,17 +26,17 @@ UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
 // After a "Failure" status: every following line must be an "ErrorCode"
 // line for the last number read to stand; the first other line makes the
 // verdict "failed without an error code".
-VOID JudgeFailure(LSI_LINES *Lines, UINT32 *ErrorCode) {
-  for (CHAR16 *Line = LsiNextLine(Lines); Line != nullptr;
-       Line = LsiNextLine(Lines)) {
+VOID JudgeFailure(RAID_LINE_CURSOR *Lines, UINT32 *ErrorCode) {
+  for (CHAR16 *Line = RaidLibNextLine(Lines); Line != nullptr;
+       Line = RaidLibNextLine(Lines)) {
     if (!RaidLibStartsWith(Line, u"ErrorCode")) {
       *ErrorCode = LSI_ERROR_ACTION_NO_CODE;
-      LSI_TRACE_AS("ParseErrCd", TARN_DEBUG_ERROR,
+      RAID_LIB_TRACE_AS("ParseErrCd", TARN_DEBUG_ERROR,
                    "[%a]Not with an Error Code!\n");
       return;
     }
-    LSI_LINES Ahead = *Lines;
-    CHAR16 *Row = LsiSkipLines(&Ahead, 2);
+    RAID_LINE_CURSOR Ahead = *Lines;
+    CHAR16 *Row = RaidLibSkipLines(&Ahead, 2);
     if (Row != nullptr) {
       *ErrorCode = LSI_ERROR_ACTION_BASE | (ErrorNumberOfRow(Row) & 0xFFF);
     }
@@ -48,22 +49,22 @@ VOID JudgeFailure(LSI_LINES *Lines, UINT32 *ErrorCode) {
 // from the lines that follow.
 EFI_STATUS ParseErrCd(CHAR16 *Output, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (!RaidLibStartsWith(Line, u"Status")) {
       continue;
     }
-    LSI_ROW Row;
-    LsiSplitRow(Line, &Row);
-    if (LsiWordIs(Row.Words[2], u"Success\r")) {
+    RAID_ROW Row;
+    RaidLibSplitRow(Line, &Row);
+    if (RaidLibWordIs(Row.Words[2], u"Success\r")) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    if (LsiWordIs(Row.Words[2], u"Failure\r")) {
+    if (RaidLibWordIs(Row.Words[2], u"Failure\r")) {
       RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]State is Failure!\n");
-      LsiTraceAllLines(__func__, Output, Lines.End);
+      RaidLibTraceAllLines(__func__, Output, Lines.End);
       JudgeFailure(&Lines, ErrorCode);
       return EFI_SUCCESS;
     }
@@ -77,23 +78,23 @@ EFI_STATUS ParseActionStatus(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Output == nullptr) {
     return EFI_ABORTED;
   }
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"JBOD")) {
-      LSI_ROW Row;
-      LsiSplitRow(Line, &Row);
-      *Result = LsiWordIs(RaidLibTrim(Row.Words[1]), u"OFF")
+      RAID_ROW Row;
+      RaidLibSplitRow(Line, &Row);
+      *Result = RaidLibWordIs(RaidLibTrim(Row.Words[1]), u"OFF")
                     ? LSI_ACTION_JBOD_OFF
                     : LSI_ACTION_SUCCEEDED;
       continue;
     }
     if (RaidLibStartsWith(Line, u"Status =")) {
-      LSI_ROW Scratch;
-      if (LsiWordIs(LsiTrimmedValue(Line, &Scratch), u"Failure")) {
+      RAID_ROW Scratch;
+      if (RaidLibWordIs(RaidLibTrimmedValue(Line, u"=", &Scratch), u"Failure")) {
         *Result = LSI_ACTION_FAILED;
-        LsiTraceAllLines(__func__, Output, Lines.End);
+        RaidLibTraceAllLines(__func__, Output, Lines.End);
       } else {
         *Result = LSI_ACTION_SUCCEEDED;
       }

@@ -6,49 +6,50 @@
 #include <Library/BaseLib.h>
 
 #include "LsiBackend.h"
-#include "LsiText.h"
+#include "RaidLibLines.h"
+#include "RaidLibRow.h"
+#include "RaidLibWordTable.h"
 #include "RaidLibText.h"
 
 namespace lsi {
 
 namespace {
 
-struct ValueCode {
-  const CHAR16 *Text;
-  UINT32 Code;
-};
-
 // Values are compared whole, as printed behind "=" (with the line's CR).
-constexpr ValueCode kStripSizes[] = {
+constexpr RAID_WORD_CODE kStripSizeWords[] = {
     {u" 8 KB\r", 8},          {u" 16 KB\r", 16},        {u" 32 KB\r", 32},
     {u" 64 KB\r", 64},        {u" 128 KB\r", 128},      {u" 256 KB\r", 256},
     {u" 512 KB\r", 512},      {u" 1.0 MB\r", 1024},     {u" 1.000 MB\r", 1024},
     {u" 1024 KB\r", 1024},    {u" 2048 KB\r", 2048},    {u" 2.000 MB\r", 2048},
 };
-constexpr UINT32 kDefaultStripSize = 64;
+constexpr RAID_WORD_TABLE kStripSizes =
+    RaidLibWordTable(kStripSizeWords, RaidMatchExact, 64);
 
-constexpr ValueCode kDiskCachePolicies[] = {
+constexpr RAID_WORD_CODE kDiskCacheWords[] = {
     {u" Disabled\r", RAID_DISK_CACHE_POLICY_OFF},
     {u" Enabled\r", RAID_DISK_CACHE_POLICY_ON},
     {u" Disk's Default\r", RAID_DISK_CACHE_POLICY_DEFAULT},
 };
+constexpr RAID_WORD_TABLE kDiskCachePolicies = RaidLibWordTable(
+    kDiskCacheWords, RaidMatchExact, RAID_DISK_CACHE_POLICY_OTHER);
 
-constexpr ValueCode kWritePolicies[] = {
+constexpr RAID_WORD_CODE kWriteWords[] = {
     {u"WT", RAID_WRITE_POLICY_WRITE_THROUGH},
     {u"WB", RAID_WRITE_POLICY_WRITE_BACK},
     {u"AWB", RAID_WRITE_POLICY_ALWAYS_WRITE_BACK},
 };
+constexpr RAID_WORD_TABLE kWritePolicies =
+    RaidLibWordTable(kWriteWords, RaidMatchExact, RAID_WRITE_POLICY_OTHER);
 
-// Looks Text up; FALSE when it is none of the table's values.
-template <UINTN N>
-bool LookUp(const ValueCode (&Table)[N], const CHAR16 *Text, UINT32 *Code) {
-  for (const ValueCode &Entry : Table) {
-    if (Text != nullptr && StrCmp(Text, Entry.Text) == 0) {
-      *Code = Entry.Code;
-      return true;
-    }
+// Stores the code of Text in *Code; an unknown text stores the table's
+// default and sets the table's error code.
+VOID ReadValue(const RAID_WORD_TABLE &Table, const CHAR16 *Text,
+               UINT32 UnknownError, UINT32 *Code, UINT32 *ErrorCode) {
+  const RAID_WORD_CODE *Entry = RaidLibFindWord(Table, Text);
+  *Code = Entry != nullptr ? Entry->Code : Table.Default.Code;
+  if (Entry == nullptr) {
+    *ErrorCode = UnknownError;
   }
-  return false;
 }
 
 // Sets the read, write and I/O policies from a Cache word.
@@ -71,12 +72,15 @@ VOID ReadCacheWord(const CHAR16 *Cache, RAID_VOLUME *Volume,
   UINTN RestLength = Rest == nullptr ? 0 : StrLen(Rest);
 
   // The middle: the rest without its last letter.
-  CHAR16 Middle[LSI_ROW_CHARS] = {};
-  for (UINTN Index = 0; Index + 1 < RestLength && Index + 1 < LSI_ROW_CHARS;
+  CHAR16 Middle[RAID_ROW_CHARS] = {};
+  for (UINTN Index = 0; Index + 1 < RestLength && Index + 1 < RAID_ROW_CHARS;
        Index++) {
     Middle[Index] = Rest[Index];
   }
-  if (!ReadKnown || !LookUp(kWritePolicies, Middle, &Volume->WritePolicy)) {
+  if (ReadKnown) {
+    ReadValue(kWritePolicies, Middle, LSI_ERROR_WRITE_POLICY,
+              &Volume->WritePolicy, ErrorCode);
+  } else {
     Volume->WritePolicy = RAID_WRITE_POLICY_OTHER;
     *ErrorCode = LSI_ERROR_WRITE_POLICY;
   }
@@ -101,27 +105,23 @@ EFI_STATUS ParseControllerShowVolume(CHAR16 *Output, RAID_VOLUME *Volume,
   if (Output == nullptr || Volume == nullptr) {
     return EFI_ABORTED;
   }
-  LSI_LINES Lines;
-  LsiLinesStart(&Lines, Output);
-  for (CHAR16 *Line = LsiNextLine(&Lines); Line != nullptr;
-       Line = LsiNextLine(&Lines)) {
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Strip Size")) {
-      if (!LookUp(kStripSizes, LsiValueAfterEquals(Line), &Volume->StripeSize)) {
-        Volume->StripeSize = kDefaultStripSize;
-        *ErrorCode = LSI_ERROR_STRIPE_SIZE;
-      }
+      ReadValue(kStripSizes, RaidLibValueAfter(Line, u'='),
+                LSI_ERROR_STRIPE_SIZE, &Volume->StripeSize, ErrorCode);
     } else if (RaidLibStartsWith(Line, u"Disk Cache Policy")) {
-      if (!LookUp(kDiskCachePolicies, LsiValueAfterEquals(Line),
-                  &Volume->DiskCachePolicy)) {
-        Volume->DiskCachePolicy = RAID_DISK_CACHE_POLICY_OTHER;
-        *ErrorCode = LSI_ERROR_DISK_CACHE_POLICY;
-      }
+      ReadValue(kDiskCachePolicies, RaidLibValueAfter(Line, u'='),
+                LSI_ERROR_DISK_CACHE_POLICY, &Volume->DiskCachePolicy,
+                ErrorCode);
     } else if (RaidLibStartsWith(Line, u"DG/VD TYPE")) {
-      LSI_LINES Ahead = Lines;
-      CHAR16 *RowLine = LsiSkipLines(&Ahead, 2);
+      RAID_LINE_CURSOR Ahead = Lines;
+      CHAR16 *RowLine = RaidLibSkipLines(&Ahead, 2);
       if (RowLine != nullptr) {
-        LSI_ROW Row;
-        LsiSplitRow(RowLine, &Row);
+        RAID_ROW Row;
+        RaidLibSplitRow(RowLine, &Row);
         ReadCacheWord(Row.Words[5], Volume, ErrorCode);
       }
     }

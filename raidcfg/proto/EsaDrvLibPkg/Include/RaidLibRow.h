@@ -1,0 +1,48 @@
+// Cutting one line of tool output into words, and the value of a
+// "key = value" or "key : value" line, without touching the output itself.
+#pragma once
+
+#include <Uefi.h>
+
+// The most words a row is split into, and the longest row read; a longer
+// row is cut (no family reads a word that far out).
+#define RAID_ROW_MAX_WORDS 16
+#define RAID_ROW_CHARS 512
+
+// A line copied out of the output and cut into pieces, so that the output
+// keeps its lines whole for a later look.
+typedef struct {
+  CHAR16 Text[RAID_ROW_CHARS];
+  CHAR16 *Words[RAID_ROW_MAX_WORDS];  // NULL past the last piece
+  UINTN Count;
+} RAID_ROW;
+
+// Splits a copy of Line at any of Delimiters (runs of them are one
+// separator); a row's last word keeps the line's CR. Returns Row->Count.
+UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
+                        RAID_ROW *Row);
+// The same at blanks: the words of a table row.
+UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
+
+// The text behind the first Separator of Line, untouched (leading blank and
+// trailing CR included); NULL without one.
+const CHAR16 *RaidLibValueAfter(const CHAR16 *Line, CHAR16 Separator);
+// The decimal number behind the first Separator; 0 without one.
+UINT64 RaidLibNumberAfter(const CHAR16 *Line, CHAR16 Separator);
+// The second piece of Line cut at Separators (runs count as one), as it
+// stands; NULL when there is none. Points into Scratch.
+CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
+                           RAID_ROW *Scratch);
+// The same piece with white space stripped at both ends.
+CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
+                            RAID_ROW *Scratch);
+
+// TRUE when Word equals Text exactly (NULL never does).
+BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text);
+// Unit code of a row's unit word, ignoring the CR that sticks to a row's
+// last word.
+UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);
+// A pool copy of Text with white space stripped at both ends, at most
+// MaxChars characters (0: no limit but the text's own end); NULL for NULL
+// or when the pool is exhausted.
+CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars);
