@@ -261,8 +261,8 @@ TEST_P(LsiDriveStateTest, CommandsAndModelEdits) {
   RAID_PHYSICAL_DRIVE *Drive = DriveAt(Case.Location);
   ASSERT_NE(Drive, nullptr);
   std::string Address = std::string("storcli.efi /c0/e") +
-                        std::to_string(Drive->Position->EnclosureId) + "/s" +
-                        std::to_string(Drive->Position->SlotNumber) + " ";
+                        std::to_string(Drive->Position->Values[LSI_POSITION_ENCLOSURE]) + "/s" +
+                        std::to_string(Drive->Position->Values[LSI_POSITION_SLOT]) + " ";
   std::vector<std::string> Expected;
   for (const auto &[Action, Succeeds] : Case.Commands) {
     std::string Line = Action == "fall delete"

@@ -95,7 +95,7 @@ TEST_F(LsiReadTest, UnusualDriveRowsGetStateRoleOwnerAndTableEntry) {
   EXPECT_EQ(DriveAt("252:7")->MediaType, (UINT32)RAID_MEDIA_PCIE_SSD);
   EXPECT_EQ(DriveAt("252:13")->MediaType, (UINT32)RAID_MEDIA_OTHER);
   EXPECT_EQ(DriveAt("252:13")->SizeUnit, (UINT32)RAID_UNIT_MB);
-  EXPECT_EQ(DriveAt("252:12")->Position->SlotNumber, 12u);
+  EXPECT_EQ(DriveAt("252:12")->Position->Values[LSI_POSITION_SLOT], 12u);
 }
 
 TEST_F(LsiReadTest, CurrentModelIsNotReadAgain) {

@@ -204,7 +204,7 @@ json DriveJson(const RAID_CONTROLLER *Controller,
   }
   json Position = nullptr;
   if (Drive->Position != nullptr) {
-    Position = {Drive->Position->EnclosureId, Drive->Position->SlotNumber};
+    Position = {Drive->Position->Values[0], Drive->Position->Values[1]};
   }
   return {{"Id", Drive->Id},
           {"Location", Text(Drive->Location)},

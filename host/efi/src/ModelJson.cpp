@@ -187,8 +187,8 @@ VOID Drive(JsonText &J, const RAID_PHYSICAL_DRIVE &D) {
     J.Null();
   } else {
     J.Open("[");
-    J.Number(D.Position->EnclosureId);
-    J.Number(D.Position->SlotNumber);
+    J.Number(D.Position->Values[0]);
+    J.Number(D.Position->Values[1]);
     J.Close("]");
   }
   J.Close("}");

@@ -116,7 +116,7 @@ std::string StatusName(EFI_STATUS Status) {
 ModelJson DumpDrive(const RAID_PHYSICAL_DRIVE &Drive) {
   ModelJson Position = nullptr;
   if (Drive.Position != nullptr) {
-    Position = {Drive.Position->EnclosureId, Drive.Position->SlotNumber};
+    Position = {Drive.Position->Values[0], Drive.Position->Values[1]};
   }
   return {{"Id", Drive.Id},
           {"Location", Text(Drive.Location)},

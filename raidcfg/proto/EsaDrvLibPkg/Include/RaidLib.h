@@ -368,10 +368,13 @@ struct _RAID_VOLUME {
   VOID *Extra;  // backend-owned
 };
 
-// Where a drive sits: the two halves of its Location.
+// Where a drive sits, in its backend's own terms: up to five numbers, each
+// family naming the ones it uses (MegaRAID: enclosure and slot; Microchip:
+// channel, slot, an unused value, 1 and device number; M.2: none). The
+// names are the backends' own (LSI_POSITION_* and the like).
+#define RAID_POSITION_VALUE_COUNT 5
 typedef struct {
-  UINT32 EnclosureId;
-  UINT32 SlotNumber;
+  UINT32 Values[RAID_POSITION_VALUE_COUNT];
 } RAID_DRIVE_POSITION;
 
 // One physical drive: in PhysicalDriveList, SpareDriveList (global hot

@@ -51,6 +51,12 @@ namespace lsi {
 // Longest text a parser reads: the shared output buffer's characters.
 #define LSI_OUTPUT_CHARS (80960 / sizeof(CHAR16))
 
+// ---- A drive's Position -----------------------------------------------------
+
+// The two halves of the "enclosure:slot" word.
+#define LSI_POSITION_ENCLOSURE 0
+#define LSI_POSITION_SLOT 1
+
 // ---- Module-wide state ------------------------------------------------------
 
 // The create command's form: 0 full, 1 or 2 middle, any other short. The

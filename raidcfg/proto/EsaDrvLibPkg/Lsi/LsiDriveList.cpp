@@ -28,7 +28,8 @@ bool EnclosureSeenBefore(LIST_ENTRY *List, RAID_PHYSICAL_DRIVE *Drive,
       return false;
     }
     if (Earlier->Position != nullptr && Filter(Earlier, Context) &&
-        Earlier->Position->EnclosureId == Drive->Position->EnclosureId) {
+        Earlier->Position->Values[LSI_POSITION_ENCLOSURE] ==
+            Drive->Position->Values[LSI_POSITION_ENCLOSURE]) {
       return true;
     }
   }
@@ -55,7 +56,7 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
         EnclosureSeenBefore(List, First, Filter, Context)) {
       continue;
     }
-    UINT32 Enclosure = First->Position->EnclosureId;
+    UINT32 Enclosure = First->Position->Values[LSI_POSITION_ENCLOSURE];
     Append(Buffer, BufferChars, &Used, Used == 0 ? u"%d:" : u",%d:", Enclosure);
     bool FirstSlot = true;
     bool Reached = false;
@@ -63,11 +64,11 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
          uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
       Reached = Reached || Drive == First;
       if (!Reached || Drive->Position == nullptr || !Filter(Drive, Context) ||
-          Drive->Position->EnclosureId != Enclosure) {
+          Drive->Position->Values[LSI_POSITION_ENCLOSURE] != Enclosure) {
         continue;
       }
       Append(Buffer, BufferChars, &Used, FirstSlot ? u"%d" : u",%d",
-             Drive->Position->SlotNumber);
+             Drive->Position->Values[LSI_POSITION_SLOT]);
       FirstSlot = false;
     }
   }

@@ -20,8 +20,8 @@ bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
   LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
                  u"%S /c%d/e%d/s%d %s mronly nolog",
                  Controller->Capability->ToolName, Controller->Private->CardId,
-                 Drive->Position->EnclosureId, Drive->Position->SlotNumber,
-                 Action);
+                 Drive->Position->Values[LSI_POSITION_ENCLOSURE],
+                 Drive->Position->Values[LSI_POSITION_SLOT], Action);
   UINT32 Result = LSI_ACTION_FAILED;
   ParseActionStatus(gRaidToolOutput, Controller, &Result);
   return Result == LSI_ACTION_SUCCEEDED;

@@ -110,8 +110,8 @@ EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row) {
       Drive->Model == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  Drive->Position->EnclosureId = ReadNumber(Row->Words[0]);
-  Drive->Position->SlotNumber = NumberAfter(Row->Words[0], u':');
+  Drive->Position->Values[LSI_POSITION_ENCLOSURE] = ReadNumber(Row->Words[0]);
+  Drive->Position->Values[LSI_POSITION_SLOT] = NumberAfter(Row->Words[0], u':');
   Drive->Id = ReadNumber(Row->Words[1]);
   Drive->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
   Drive->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[5]);
