@@ -11,7 +11,7 @@ namespace {
 // are the model's own, so they are walked through a non-const view.
 template <typename Record, LIST_ENTRY Record::*Link, typename Taker>
 UINT32 CollectFrom(const LIST_ENTRY &Head, UINT32 Max, Taker Take) {
-  if (Head.ForwardLink == nullptr) {
+  if (!IsListLive(&Head)) {
     return 0;
   }
   UINT32 Count = 0;

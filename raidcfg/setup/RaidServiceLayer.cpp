@@ -13,7 +13,7 @@ namespace {
 // The first record of the list at Head that Match accepts, or NULL.
 template <typename Record, LIST_ENTRY Record::*Link, typename Matcher>
 Record *FindInList(LIST_ENTRY *Head, Matcher Match) {
-  if (Head == nullptr || Head->ForwardLink == nullptr) {
+  if (Head == nullptr || !IsListLive(Head)) {
     return nullptr;
   }
   for (Record *Item : uefi::ListOf<Link>(*Head)) {
@@ -74,7 +74,7 @@ EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, ControllerInfoReader Read,
 // controllers behind: InitializeRaid would otherwise drop them unfreed), then
 // runs discovery.
 EFI_STATUS InitializeRaidService(UINT32 *ErrorCode) {
-  if (gControllerList.ForwardLink != nullptr && !IsListEmpty(&gControllerList)) {
+  if (IsListLive(&gControllerList) && !IsListEmpty(&gControllerList)) {
     UINT32 ReleaseCode = 0;
     FinalizeRaid(&ReleaseCode);
   }
@@ -85,7 +85,7 @@ UINT32 GetRaidControllerList(LIST_ENTRY **Head) {
   if (Head != nullptr) {
     *Head = &gControllerList;
   }
-  if (gControllerList.ForwardLink == nullptr) {
+  if (!IsListLive(&gControllerList)) {
     return 0;
   }
   return static_cast<UINT32>(CountListEntries(&gControllerList));
@@ -150,7 +150,7 @@ EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
 
 EFI_STATUS SetAllRaidPhysicalDriveState(LIST_ENTRY *Head, UINT32 Id,
                                         UINT32 State, UINT32 *ErrorCode) {
-  if (Head == nullptr || Head->ForwardLink == nullptr) {
+  if (Head == nullptr || !IsListLive(Head)) {
     return EFI_SUCCESS;
   }
   for (RAID_CONTROLLER *Controller :

@@ -23,7 +23,7 @@ constinit LIST_ENTRY gKept = {nullptr, nullptr};
 constinit const CHAR8 *gLanguage = "en-US";
 
 LIST_ENTRY &Kept() {
-  if (gKept.ForwardLink == nullptr) {
+  if (!IsListLive(&gKept)) {
     InitializeListHead(&gKept);
   }
   return gKept;

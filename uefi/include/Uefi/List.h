@@ -77,6 +77,14 @@ inline LIST_ENTRY *RemoveEntryList(LIST_ENTRY *Entry) {
   return Next;
 }
 
+// TRUE when Head has been initialised: a zeroed record's list head (both
+// links NULL) was never set up and holds nothing.
+inline BOOLEAN IsListLive(const LIST_ENTRY *ListHead) {
+  return (ListHead->ForwardLink != nullptr && ListHead->BackLink != nullptr)
+             ? TRUE
+             : FALSE;
+}
+
 // Number of entries, walking at most Limit of them (a corrupted list cannot
 // make the count run forever).
 inline UINTN CountListEntries(const LIST_ENTRY *ListHead,
@@ -160,6 +168,61 @@ typename LinkTraits<Link>::Range ListOf(LIST_ENTRY &Head) {
 template <auto Link>
 typename LinkTraits<Link>::Type *RecordOf(LIST_ENTRY *Node) {
   return LinkTraits<Link>::Range::FromLink(Node);
+}
+
+// Read-only walk over a list's records, for code that only looks (model
+// writers, counts): the records come as pointers to const.
+template <auto Link>
+class ConstListRange {
+ public:
+  using Record = typename LinkTraits<Link>::Type;
+  explicit ConstListRange(const LIST_ENTRY &Head) : Head_(&Head) {}
+
+  class Iterator {
+   public:
+    explicit Iterator(const LIST_ENTRY *Node) : Node_(Node) {}
+    const Record *operator*() const {
+      return RecordOf<Link>(const_cast<LIST_ENTRY *>(Node_));
+    }
+    Iterator &operator++() {
+      Node_ = Node_->ForwardLink;
+      return *this;
+    }
+    bool operator!=(const Iterator &Other) const {
+      return Node_ != Other.Node_;
+    }
+
+   private:
+    const LIST_ENTRY *Node_;
+  };
+
+  // A head that was never initialised reads as empty.
+  Iterator begin() const {
+    return Iterator(IsListLive(Head_) ? Head_->ForwardLink : Head_);
+  }
+  Iterator end() const { return Iterator(Head_); }
+
+ private:
+  const LIST_ENTRY *Head_;
+};
+
+template <auto Link>
+ConstListRange<Link> ConstListOf(const LIST_ENTRY &Head) {
+  return ConstListRange<Link>(Head);
+}
+
+// Unlinks and returns the first record of a list, or NULL when it is empty
+// or was never initialised; the head is left initialised then, so a release
+// walk may run over a partly built record.
+template <auto Link>
+typename LinkTraits<Link>::Type *TakeFirst(LIST_ENTRY *Head) {
+  if (!IsListLive(Head) || IsListEmpty(Head)) {
+    InitializeListHead(Head);
+    return nullptr;
+  }
+  LIST_ENTRY *Node = GetFirstNode(Head);
+  RemoveEntryList(Node);
+  return RecordOf<Link>(Node);
 }
 
 }  // namespace uefi

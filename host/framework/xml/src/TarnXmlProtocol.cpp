@@ -19,7 +19,7 @@ struct ParserRecord {
 constinit LIST_ENTRY gLiveParsers = {nullptr, nullptr};
 
 LIST_ENTRY &LiveParsers() {
-  if (gLiveParsers.ForwardLink == nullptr) {
+  if (!IsListLive(&gLiveParsers)) {
     InitializeListHead(&gLiveParsers);
   }
   return gLiveParsers;

@@ -185,7 +185,7 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
   *ErrorCode = 0;
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
   // A list head never initialised (no InitializeRaid yet) holds nothing.
-  if (gControllerList.ForwardLink != nullptr) {
+  if (IsListLive(&gControllerList)) {
     while (!IsListEmpty(&gControllerList)) {
       LIST_ENTRY *Node = GetFirstNode(&gControllerList);
       RemoveEntryList(Node);

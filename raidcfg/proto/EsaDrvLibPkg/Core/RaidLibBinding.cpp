@@ -71,7 +71,7 @@ constinit const RAID_BACKEND_BINDING
 // Applies each enabled table row, in table order, to the controllers of its
 // vendor.
 VOID RaidLibBindBackends() {
-  if (gControllerList.ForwardLink == nullptr) {
+  if (!IsListLive(&gControllerList)) {
     return;
   }
   for (const RAID_BACKEND_BINDING &Binding : gRaidBackendBindings) {

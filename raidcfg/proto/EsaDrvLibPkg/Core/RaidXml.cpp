@@ -320,7 +320,7 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name) {
   }
   if (NameIs(Name, u"CONTROLLER")) {
     // The scopes stay as they are on this early return.
-    if (gControllerList.ForwardLink == nullptr ||
+    if (!IsListLive(&gControllerList) ||
         IsListEmpty(&gControllerList) || gCapability == nullptr) {
       RAID_LIB_TRACE(TARN_DEBUG_INFO,
                      "[%a]IsListEmpty(&gControllerList) || gCapability == NULL\n");

@@ -22,6 +22,8 @@
 // The controller, its private record, its capability, the needed operation
 // or a drive is missing.
 #define RAID_ERROR_MISSING 0x00200021U
+// The controller's CardId was never set, so no command can name it.
+#define RAID_ERROR_INVALID_CARD_ID 0x00200022U
 
 // The error code for a firmware service that failed with Status.
 constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {

@@ -8,24 +8,6 @@
 
 namespace {
 
-// A zeroed record's list head has NULL links: it holds nothing.
-bool HoldsRecords(const LIST_ENTRY *Head) {
-  return Head->ForwardLink != nullptr && !IsListEmpty(Head);
-}
-
-// Unlinks and returns the first record of a list, or NULL when it is empty.
-// The head is left initialised once the last record is gone.
-template <auto Link>
-typename uefi::LinkTraits<Link>::Type *TakeFirst(LIST_ENTRY *Head) {
-  if (!HoldsRecords(Head)) {
-    InitializeListHead(Head);
-    return nullptr;
-  }
-  LIST_ENTRY *Node = GetFirstNode(Head);
-  RemoveEntryList(Node);
-  return uefi::RecordOf<Link>(Node);
-}
-
 // Frees the string and clears the pointer, so a second release is harmless.
 template <typename T>
 VOID FreeField(T *&Field) {
@@ -34,7 +16,7 @@ VOID FreeField(T *&Field) {
 }
 
 VOID FreeLevelList(LIST_ENTRY *Head) {
-  while (RAID_LEVEL_CAP *Level = TakeFirst<&RAID_LEVEL_CAP::Link>(Head)) {
+  while (RAID_LEVEL_CAP *Level = uefi::TakeFirst<&RAID_LEVEL_CAP::Link>(Head)) {
     FreePool(Level->Name);
     FreePool(Level);
   }
@@ -42,14 +24,14 @@ VOID FreeLevelList(LIST_ENTRY *Head) {
 
 VOID FreePolicyList(LIST_ENTRY *Head) {
   while (RAID_POLICY_ENTRY *Entry =
-             TakeFirst<&RAID_POLICY_ENTRY::Link>(Head)) {
+             uefi::TakeFirst<&RAID_POLICY_ENTRY::Link>(Head)) {
     FreePool(Entry->Name);
     FreePool(Entry);
   }
 }
 
 VOID FreeSegmentList(LIST_ENTRY *Head) {
-  while (RAID_VOLUME *Segment = TakeFirst<&RAID_VOLUME::Link>(Head)) {
+  while (RAID_VOLUME *Segment = uefi::TakeFirst<&RAID_VOLUME::Link>(Head)) {
     RaidLibFreeSegment(Segment);
   }
 }
@@ -79,7 +61,7 @@ VOID RaidLibFreePhysicalDrive(RAID_PHYSICAL_DRIVE *Drive) {
 // Frees every drive of a list and leaves the list empty.
 VOID RaidLibFreeDriveList(LIST_ENTRY *DriveList) {
   while (RAID_PHYSICAL_DRIVE *Drive =
-             TakeFirst<&RAID_PHYSICAL_DRIVE::Link>(DriveList)) {
+             uefi::TakeFirst<&RAID_PHYSICAL_DRIVE::Link>(DriveList)) {
     RaidLibFreePhysicalDrive(Drive);
   }
 }
@@ -97,7 +79,7 @@ VOID RaidLibFreeSegment(RAID_VOLUME *Segment) {
 // Frees every array of a list with all it owns and leaves the list empty.
 VOID RaidLibFreeArrayLink(LIST_ENTRY *ArrayList) {
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  while (RAID_ARRAY *Array = TakeFirst<&RAID_ARRAY::Link>(ArrayList)) {
+  while (RAID_ARRAY *Array = uefi::TakeFirst<&RAID_ARRAY::Link>(ArrayList)) {
     FreeArray(Array);
   }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] end\n");

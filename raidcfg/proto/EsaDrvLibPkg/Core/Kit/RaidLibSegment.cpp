@@ -12,7 +12,7 @@ VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment) {
     return;
   }
   LIST_ENTRY *Head = &Array->SegmentList;
-  if (Head->ForwardLink == nullptr) {
+  if (!IsListLive(Head)) {
     InitializeListHead(Head);
   }
   if (Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME) {

@@ -1,0 +1,190 @@
+// Building a controller's records for any backend.
+#include "RaidLibModelBuild.h"
+
+#include <Library/DebugLib.h>
+#include <Library/MemoryAllocationLib.h>
+#include <Library/PrintLib.h>
+
+#include "RaidLibRow.h"
+#include "RaidLibText.h"
+
+namespace {
+
+// A pool copy of a numbered name ("Array%d", "FreeCapacity%d").
+CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
+  CHAR16 Name[32];
+  UnicodeSPrint(Name, sizeof(Name), Format, Number);
+  return AllocDestStr(Name);
+}
+
+// The list a placed drive sits in, and the count that counts it there.
+UINT32 *CountOfPlace(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
+  bool Spare = Drive->Role == RAID_ROLE_HOT_SPARE;
+  if (Drive->Owner == Controller) {
+    return Spare ? &Controller->GlobalSpareCount
+                 : &Controller->UnconfiguredDriveCount;
+  }
+  RAID_ARRAY *Array = static_cast<RAID_ARRAY *>(Drive->Owner);
+  if (Array == nullptr) {
+    return nullptr;
+  }
+  return Spare ? &Array->DedicatedSpareCount : &Array->MemberDriveCount;
+}
+
+}  // namespace
+
+EFI_STATUS RaidLibResetControllerModel(RAID_CONTROLLER *Controller) {
+  RaidLibFreeArrayLink(&Controller->ArrayList);
+  RaidLibFreeDriveList(&Controller->PhysicalDriveList);
+  RaidLibFreeDriveList(&Controller->SpareDriveList);
+  Controller->UnconfiguredDriveCount = 0;
+  Controller->GlobalSpareCount = 0;
+  Controller->DiskDriveCount = 0;
+  RAID_DRIVE_TABLE_FILL Fill;
+  return RaidLibStartDriveTable(&Fill, Controller, 0);
+}
+
+RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
+                            UINTN ExtraSize) {
+  uefi::PoolPtr<RAID_ARRAY> Array(uefi::AllocateRecord<RAID_ARRAY>());
+  if (!Array) {
+    return nullptr;
+  }
+  InitializeListHead(&Array->DriveList);
+  InitializeListHead(&Array->SegmentList);
+  Array->Name = NewNumberedName(u"Array%d", Id);
+  Array->Extra = AllocateZeroPool(ExtraSize);
+  if (Array->Name == nullptr || Array->Extra == nullptr) {
+    FreePool(Array->Name);
+    FreePool(Array->Extra);
+    return nullptr;
+  }
+  Array->Controller = Controller;
+  Array->Id = Id;
+  InsertTailList(&Controller->ArrayList, &Array->Link);
+  return Array.Release();
+}
+
+RAID_VOLUME *RaidLibAddVolume(RAID_ARRAY *Array, UINT32 Id, const CHAR16 *Name,
+                              UINTN ExtraSize) {
+  RAID_VOLUME *Volume = uefi::AllocateRecord<RAID_VOLUME>();
+  if (Volume == nullptr) {
+    return nullptr;
+  }
+  Volume->Name = RaidLibCopyStripped(Name != nullptr ? Name : u"", 0);
+  Volume->Extra = AllocateZeroPool(ExtraSize);
+  if (Volume->Name == nullptr || Volume->Extra == nullptr) {
+    RaidLibFreeSegment(Volume);
+    return nullptr;
+  }
+  Volume->Array = Array;
+  Volume->Id = Id;
+  Volume->IsVolume = 1;
+  InsertTailList(&Array->SegmentList, &Volume->Link);
+  Array->VolumeCount++;
+  return Volume;
+}
+
+RAID_VOLUME *RaidLibAddFreeSegment(RAID_ARRAY *Array, UINT32 Id,
+                                   UINT32 AfterVolume, UINT64 SizeFigure,
+                                   UINT32 SizeUnit, UINTN ExtraSize) {
+  RAID_VOLUME *Segment = uefi::AllocateRecord<RAID_VOLUME>();
+  if (Segment == nullptr) {
+    return nullptr;
+  }
+  Segment->Name = NewNumberedName(u"FreeCapacity%d", Id);
+  Segment->Extra = AllocateZeroPool(ExtraSize);
+  if (Segment->Name == nullptr || Segment->Extra == nullptr) {
+    RaidLibFreeSegment(Segment);
+    return nullptr;
+  }
+  Segment->Array = Array;
+  Segment->Id = Id;
+  Segment->IsVolume = 0;
+  Segment->State = AfterVolume;
+  Segment->SizeFigure = SizeFigure;
+  Segment->SizeUnit = SizeUnit;
+  RaidLibInsertFreeSegment(Array, Segment);
+  Array->FreeSegmentCount++;
+  return Segment;
+}
+
+RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id, const CHAR16 *Location,
+                                     const CHAR16 *Model, UINTN ModelChars) {
+  RAID_PHYSICAL_DRIVE *Drive = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();
+  if (Drive == nullptr) {
+    return nullptr;
+  }
+  Drive->Location = RaidLibCopyStripped(Location != nullptr ? Location : u"", 0);
+  Drive->Model =
+      RaidLibCopyStripped(Model != nullptr ? Model : u"", ModelChars);
+  Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
+  if (Drive->Location == nullptr || Drive->Model == nullptr ||
+      Drive->Position == nullptr) {
+    RaidLibFreePhysicalDrive(Drive);
+    return nullptr;
+  }
+  Drive->Id = Id;
+  return Drive;
+}
+
+VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                       RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  Drive->State = State;
+  Drive->Role = Role;
+  LIST_ENTRY *List = nullptr;
+  if (Array != nullptr) {
+    Drive->Owner = Array;
+    List = &Array->DriveList;
+  } else {
+    Drive->Owner = Controller;
+    List = Role == RAID_ROLE_HOT_SPARE ? &Controller->SpareDriveList
+                                       : &Controller->PhysicalDriveList;
+  }
+  InsertTailList(List, &Drive->Link);
+  (*CountOfPlace(Controller, Drive))++;
+}
+
+VOID RaidLibMoveDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                      RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  if (UINT32 *Count = CountOfPlace(Controller, Drive);
+      Count != nullptr && *Count > 0) {
+    (*Count)--;
+  }
+  RemoveEntryList(&Drive->Link);
+  RaidLibPlaceDrive(Controller, Drive, Array, State, Role);
+}
+
+EFI_STATUS RaidLibStartDriveTable(RAID_DRIVE_TABLE_FILL *Fill,
+                                  RAID_CONTROLLER *Controller,
+                                  UINT32 Capacity) {
+  Fill->Controller = Controller;
+  Fill->Capacity = 0;
+  Fill->Filled = 0;
+  FreePool(Controller->DriveTable);
+  Controller->DriveTable = static_cast<RAID_PHYSICAL_DRIVE **>(
+      AllocateZeroPool((static_cast<UINTN>(Capacity) + 1) *
+                       sizeof(RAID_PHYSICAL_DRIVE *)));
+  if (Controller->DriveTable == nullptr) {
+    Controller->DiskDriveCount = 0;
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Fill->Capacity = Capacity;
+  Controller->DiskDriveCount = Capacity;
+  return EFI_SUCCESS;
+}
+
+BOOLEAN RaidLibAppendToDriveTable(RAID_DRIVE_TABLE_FILL *Fill,
+                                  RAID_PHYSICAL_DRIVE *Drive) {
+  if (Fill->Controller->DriveTable == nullptr ||
+      Fill->Filled >= Fill->Capacity) {
+    return FALSE;
+  }
+  Fill->Controller->DriveTable[Fill->Filled++] = Drive;
+  return TRUE;
+}
+
+VOID RaidLibFinishDriveTable(const RAID_DRIVE_TABLE_FILL *Fill) {
+  ASSERT(Fill->Filled <= Fill->Capacity);
+  Fill->Controller->DiskDriveCount = Fill->Filled;
+}

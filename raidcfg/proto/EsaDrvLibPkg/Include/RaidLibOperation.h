@@ -1,0 +1,37 @@
+// What every backend operation does around its tool run: the readiness
+// checks before it, and the re-read of the adapter after a change.
+#pragma once
+
+#include <Uefi.h>
+
+#include "RaidLib.h"
+
+// TRUE when the controller has what a command line needs: its private
+// record (the card number) and a capability naming the tool.
+BOOLEAN RaidLibControllerCanRunTool(const RAID_CONTROLLER *Controller);
+
+// Before a command is built: the shell-command service is located (a
+// failure is traced under Caller and returned with its firmware error
+// code) and the card has a number (else RAID_ERROR_INVALID_CARD_ID and
+// EFI_ABORTED). The controller must pass RaidLibControllerCanRunTool.
+[[nodiscard]] EFI_STATUS RaidLibReadyToRunTool(const CHAR8 *Caller,
+                                               const RAID_CONTROLLER *Controller,
+                                               UINT32 *ErrorCode);
+
+// The outcome of the re-read after a change.
+typedef struct {
+  EFI_STATUS Status;
+  UINT32 ErrorCode;  // the read's own error code
+} RAID_REFRESH;
+
+inline BOOLEAN RaidLibRefreshFailed(const RAID_REFRESH &Refresh) {
+  return (EFI_ERROR(Refresh.Status) || Refresh.ErrorCode != 0) ? TRUE : FALSE;
+}
+
+// Re-reads the adapter after a change through its backend's own
+// GetControllerInfo, with the cached output marked stale first. The read's
+// error code is taken over into *ErrorCode only when the change left none:
+// the change's own verdict comes first. The caller traces a failure in its
+// own words.
+[[nodiscard]] RAID_REFRESH RaidLibRefreshAfterChange(
+    RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
