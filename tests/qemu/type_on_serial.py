@@ -54,7 +54,7 @@ def main():
                     qemu.stdin.write(keys.pop(0))
                     qemu.stdin.flush()
                 except BrokenPipeError:
-                    keys = []  # QEMU is going; what it read is in the log
+                    keys = []  # QEMU closed its input: it is exiting
                 next_key_at = time.monotonic() + args.pause
         # A process's files are closed before its exit status can be
         # collected: the end of the serial line may come first, and only
