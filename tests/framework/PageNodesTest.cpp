@@ -71,6 +71,22 @@ TEST_F(FrameworkTest, FreeingAPageReleasesEveryNodeAndRecord) {
   Driver.Dump();
 }
 
+TEST_F(FrameworkTest, ModuleNodesAreEveryLiveNodeButTheModuleRoot) {
+  EXPECT_EQ(framework::LiveModuleNodeCount(),
+            TemplateNodes(demo::VolumeTemplate()) +
+                TemplateNodes(demo::AdapterTemplate()));
+  EXPECT_EQ(framework::LiveModuleNodeCount(), LiveNodeCount() - 1);
+  demo::Stop();
+  Started = false;
+  // The module freed its pages: the root it was handed is the framework's,
+  // still alive, and not counted.
+  EXPECT_EQ(framework::LiveModuleNodeCount(), 0u);
+  EXPECT_EQ(LiveNodeCount(), 1u);
+  Binding.reset();
+  EXPECT_EQ(LiveNodeCount(), 0u);
+  EXPECT_EQ(framework::LiveModuleNodeCount(), 0u);
+}
+
 TEST_F(FrameworkTest, FreeingAChildUnlinksItAndKeepsItsSiblings) {
   HOST_PAGE_NODE *Label = On(demo::kDriveLabel);
   HOST_PAGE_NODE *Previous = On(demo::kAdapterRadio);

@@ -115,6 +115,17 @@ def read_screen_run(c, name, path):
     return log, screen
 
 
+def check_nodes_left(c, prefix, log):
+    """raidhost counts the page nodes alive after UnloadImage, leaving out
+    the module root: the framework makes that one before the module loads
+    and frees it with itself, so the module cannot and must not free it.
+    Every other node is a page the module left behind."""
+    left = re.search(r"raidhost: page nodes left after unload: (\d+)", log)
+    c.check(left is not None and left.group(1) == "0",
+            f"{prefix}no page node left after unload (the framework's module root "
+            "is not counted)", left.group(0) if left else "line missing")
+
+
 def check_ended(c, name, log, qemu_status):
     c.check("RAIDHOST-VERDICT: PASS" in log and qemu_status == 1,
             f"{name} boot: raidhost's verdict PASS and QEMU ended through isa-debug-exit",
@@ -133,6 +144,7 @@ def check_screen_run(c, args):
                 f"screen boot: the screen lists {adapter['device']} as \"{adapter['name']}\"")
     c.check(f'"{FIRST_PAGE_TITLE}"' in log and "raidhost: wizard page shown: node" in log,
             "screen boot: the framework's current page is page 1")
+    check_nodes_left(c, "screen boot: ", log)
     check_ended(c, "screen", log, args.screen_qemu_status)
 
 
@@ -150,6 +162,7 @@ def check_interactive_run(c, args):
             "interactive boot: page 1 shows the chosen adapter's serial number QEMU0002")
     c.check("raidhost: wizard page shown: node" in log and "RAIDHOST-MODEL-BEGIN" in log,
             "interactive boot: Esc left the wizard, the model was printed after it")
+    check_nodes_left(c, "interactive boot: ", log)
     check_ended(c, "interactive", log, args.interactive_qemu_status)
 
 
@@ -262,6 +275,7 @@ def main():
             after.group(2) == "disconnected" and after.group(3) == "0",
             "after unload: strings removed, GUI driver disconnected, no parser left",
             after.group(0) if after else "line missing")
+    check_nodes_left(c, "", log)
     c.check("RAIDHOST-VERDICT: PASS" in log and args.qemu_status == 1,
             "raidhost's verdict PASS and QEMU ended through isa-debug-exit",
             f"QEMU status {args.qemu_status}")

@@ -6,7 +6,9 @@ has appeared after --after, types each --keys entry in turn (Python escapes:
 
 Usage: type_on_serial.py --log FILE --after TEXT --wait-for TEXT
            --keys KEY [KEY ...] [--pause S] [--seconds S] -- qemu-system-x86_64 ...
-Exit status: QEMU's, or 124 when it ran longer than --seconds.
+Exit status: QEMU's, or 124 when it ran longer than --seconds. The end of
+QEMU's output is not the end of QEMU: its exit status is waited for (up to
+--seconds in all).
 """
 import argparse
 import os
@@ -40,7 +42,7 @@ def main():
             if ready:
                 data = os.read(qemu.stdout.fileno(), 65536)
                 if not data:
-                    break
+                    break  # QEMU closed the serial line: it is exiting
                 log.write(data)
                 seen += data
             if next_key_at is None and keys:
@@ -48,10 +50,22 @@ def main():
                 if start >= 0 and seen.find(args.wait_for.encode(), start) >= 0:
                     next_key_at = time.monotonic() + args.pause
             if next_key_at is not None and keys and time.monotonic() >= next_key_at:
-                qemu.stdin.write(keys.pop(0))
-                qemu.stdin.flush()
+                try:
+                    qemu.stdin.write(keys.pop(0))
+                    qemu.stdin.flush()
+                except BrokenPipeError:
+                    keys = []  # QEMU closed its input: it is exiting
                 next_key_at = time.monotonic() + args.pause
-        if qemu.poll() is None:
+        # A process's files are closed before its exit status can be
+        # collected: the end of the serial line may come first, and only
+        # the ceiling may stop a QEMU that is still there.
+        try:
+            qemu.stdin.close()
+        except BrokenPipeError:
+            pass
+        try:
+            qemu.wait(timeout=max(0.0, deadline - time.monotonic()))
+        except subprocess.TimeoutExpired:
             qemu.kill()
             qemu.wait()
             return 124

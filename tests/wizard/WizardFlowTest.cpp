@@ -128,9 +128,27 @@ TEST_F(WizardFlowTest, UnloadFreesEveryPageAndValue) {
   ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
   ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
   ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
-  Stop();  // checks the pool
-  // Only the module root the framework made for the module is left.
+  ASSERT_GT(framework::LiveModuleNodeCount(), 0u);
+  EXPECT_EQ(Module_->Unload(), EFI_SUCCESS);
+  Module_.reset();
+  // Only the module root the framework made for the module is left: the
+  // framework's own, freed when the framework shuts down.
+  EXPECT_EQ(framework::LiveModuleNodeCount(), 0u);
+  EXPECT_EQ(framework::LiveNodeCount(), 1u);
+  ASSERT_NE(framework::ModuleRoot(), nullptr);
+  EXPECT_EQ(framework::ModuleRoot()->FirstChild, nullptr);
+  Binding_.reset();
   EXPECT_EQ(framework::LiveNodeCount(), 0u);
+  EXPECT_EQ(Server_->Firmware().Memory().LeakReport(), "");
+  Server_.reset();
+}
+
+TEST_F(WizardFlowTest, UnloadFromTheNoAdapterPageFreesPageOnesTree) {
+  // Page 12 is shown on page 1's tree, which is freed once.
+  Start(ScenarioFrom(ServerWithoutAdapters()));
+  ASSERT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_NO_ADAPTER));
+  ASSERT_GT(framework::LiveModuleNodeCount(), 0u);
+  Stop();  // checks the nodes and the pool
 }
 
 struct GoldenCase {

@@ -38,6 +38,12 @@ void WizardWorld::Start(const host::Scenario &Scenario) {
 void WizardWorld::Stop() {
   EXPECT_EQ(Module_->Unload(), EFI_SUCCESS);
   Module_.reset();
+  // The framework keeps the module root until the binding goes; every page
+  // the module built hangs below it and must be gone with the module.
+  EXPECT_EQ(framework::LiveModuleNodeCount(), 0u)
+      << "page nodes left after unload";
+  ASSERT_NE(framework::ModuleRoot(), nullptr);
+  EXPECT_EQ(framework::ModuleRoot()->FirstChild, nullptr);
   Binding_.reset();
   EXPECT_EQ(Server_->Firmware().Memory().LeakReport(), "");
   EXPECT_TRUE(Server_->Problems().empty());

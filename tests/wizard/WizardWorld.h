@@ -27,7 +27,9 @@ class WizardWorld : public ::testing::Test {
   // Builds the server of Scenario and loads the module on it.
   void Start(const host::Scenario &Scenario);
   void StartDemo() { Start(host::DemoScenario()); }
-  // Unloads the module; the pool must then be empty. The server goes.
+  // Unloads the module; no page node may be left but the framework's
+  // module root, and once the framework has gone the pool must be empty.
+  // The server goes.
   void Stop();
 
   HOST_PAGE_NODE *Node(UINT32 NodeId) { return Driver_.Find(NodeId); }

@@ -148,12 +148,17 @@ VOID HostWizardFinish(BOOLEAN ModuleStarted) {
   }
 }
 
-VOID HostWizardStop(VOID) {
+UINTN HostWizardStop(VOID) {
+  UINTN Left = 0;
   if (gWizard.FrameworkStarted) {
-    HostPrint("raidhost: page nodes left after unload: %d\n",
-              framework::LiveNodeCount());
+    // The module root is the framework's own, made before the module loaded
+    // and freed with the framework: it is not one of the module's nodes.
+    Left = framework::LiveModuleNodeCount();
+    HostPrint("raidhost: page nodes left after unload: %ld (besides the "
+              "framework's module root)\n", Left);
     framework::Shutdown();
   }
   framework::TextUiStop(gWizard.Ui);
   gWizard = {};
+  return Left;
 }

@@ -19,5 +19,7 @@ VOID HostWizardOpenScreen(VOID);
 // (Esc or F10); screen, one whole frame is drawn. Then the console is the
 // host's again and the page shown is named on it.
 VOID HostWizardFinish(BOOLEAN ModuleStarted);
-// After UnloadImage: frees what the framework still holds.
-VOID HostWizardStop(VOID);
+// After UnloadImage: frees what the framework still holds. Returns the
+// number of nodes the module left behind (the module root, the framework's
+// own, is not counted).
+UINTN HostWizardStop(VOID);

@@ -205,7 +205,7 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
     RunModule(ImageHandle, Device, Result);
     UninstallHostProtocols();
   }
-  HostWizardStop();
+  const UINTN NodesLeft = HostWizardStop();
   if (Root != nullptr) {
     Root->Close(Root);
   }
@@ -215,7 +215,7 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
   HostFreeReplay();
   HostFreeSlotInventory();
 
-  const BOOLEAN Pass = !EFI_ERROR(Status) && Passed(Result);
+  const BOOLEAN Pass = !EFI_ERROR(Status) && Passed(Result) && NodesLeft == 0;
   HostPrint("RAIDHOST-VERDICT: %a\n", Pass ? "PASS" : "FAIL");
   HostPowerOff(Pass ? kExitPass : kExitFail);
 }

@@ -13,7 +13,8 @@
 namespace host {
 namespace {
 
-// Loads the module, runs Drive, unloads and prints the adapters' state.
+// Loads the module, runs Drive, unloads and prints the adapters' state. A
+// page node the module left behind fails the run.
 template <typename Drive>
 int RunWizard(Server &Server, const framework::HostServices &Services,
               std::ostream &Out, std::ostream &Err, Drive &&Run) {
@@ -39,6 +40,12 @@ int RunWizard(Server &Server, const framework::HostServices &Services,
     }
     Status = Run();
     Module.Unload();
+    // The binding still holds the module root, its own; any other node is
+    // a page the module did not free at unload.
+    if (const UINTN Left = framework::LiveModuleNodeCount(); Left != 0) {
+      Err << "raidcfg-host: page nodes left after unload: " << Left << "\n";
+      Status = 1;
+    }
   }
   Out << Server.Adapters().State().dump(2, ' ', false,
                                         nlohmann::json::error_handler_t::replace)

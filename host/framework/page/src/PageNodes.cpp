@@ -201,6 +201,11 @@ BOOLEAN IsInSubtree(const HOST_PAGE_NODE *Node, const HOST_PAGE_NODE *Root) {
 
 UINTN LiveNodeCount() { return gState.MadeCount; }
 
+UINTN LiveModuleNodeCount() {
+  const UINTN Root = gState.Root != nullptr && IsMadeNode(gState.Root) ? 1 : 0;
+  return gState.MadeCount - Root;
+}
+
 EFI_STATUS EFIAPI InstantiatePage(const HOST_PAGE_TEMPLATE *Template,
                                   HOST_PAGE_NODE *Parent,
                                   const EFI_GUID *Identity,

@@ -83,6 +83,11 @@ const HelpState &Help();
 UINTN LanguageIndex();
 // Number of nodes the framework made that are alive.
 UINTN LiveNodeCount();
+// Number of those made for the module's pages: every live node but the
+// module root, which the framework makes at Initialize and keeps until
+// Shutdown (a module cannot free it). After the module unloaded, anything
+// but 0 is a page it left behind.
+UINTN LiveModuleNodeCount();
 
 // ---- The setup protocol's framework slots, callable directly ------------
 
