@@ -9,10 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "sim/TextTable.h"
+#include "sim/common/TextTable.h"
 #include "sim/megaraid/MegaRaidTypes.h"
 
 namespace sim::megaraid {
+
+using common::TextTable;
 
 // What the tool says about itself in every header.
 struct ToolInfo {
