@@ -2,158 +2,115 @@
 #include "sim/megaraid/MegaRaidJson.h"
 
 #include <set>
-#include <stdexcept>
 
+#include "sim/common/JsonFields.h"
 #include "sim/megaraid/Capacity.h"
 #include "sim/megaraid/StorcliCommand.h"
 
 namespace sim::megaraid {
 namespace {
 
+using common::ArrayOr;
+using common::FieldOr;
+using common::IndexPlace;
+using common::KeyPlace;
+using common::Refuse;
 using nlohmann::json;
-
-[[noreturn]] void Fail(const std::string &What) {
-  throw std::runtime_error("MegaRAID adapter: " + What);
-}
-
-template <typename T>
-T Field(const json &Object, const char *Key, T Default) {
-  if (!Object.contains(Key)) {
-    return Default;
-  }
-  try {
-    return Object.at(Key).get<T>();
-  } catch (const json::exception &) {
-    Fail(std::string("field \"") + Key + "\" has the wrong type");
-  }
-}
 
 // "sizeMb": number, or "size": text as the tool prints it ("558.406 GB").
 uint64_t SizeField(const json &Object, const std::string &Where) {
   if (Object.contains("sizeMb")) {
-    return Field<uint64_t>(Object, "sizeMb", 0);
+    return FieldOr<uint64_t>(Object, "sizeMb", Where, 0);
   }
   if (Object.contains("size")) {
-    if (auto Size = ParseSize(Field<std::string>(Object, "size", ""))) {
+    if (auto Size = ParseSize(FieldOr<std::string>(Object, "size", Where, ""))) {
       return *Size;
     }
-    Fail(Where + ": unreadable \"size\"");
+    Refuse(Where, "unreadable \"size\"");
   }
-  Fail(Where + ": \"sizeMb\" or \"size\" is required");
+  Refuse(Where, "\"sizeMb\" or \"size\" is required");
 }
 
-DriveAddress AddressField(const std::string &Text, const std::string &Where) {
-  const auto Drives = ParseDriveList(Text);
+DriveAddress AddressOf(const json &Text, const std::string &Where) {
+  if (!Text.is_string()) {
+    Refuse(Where, "drive addresses are strings");
+  }
+  const auto Drives = ParseDriveList(Text.get<std::string>());
   if (!Drives || Drives->size() != 1) {
-    Fail(Where + ": \"" + Text + "\" is not an enclosure:slot address");
+    Refuse(Where, Text.dump() + " is not an enclosure:slot address");
   }
   return Drives->front();
 }
 
-template <typename Enum, size_t N>
-Enum WordField(const json &Object, const char *Key, Enum Default,
-               const std::pair<Enum, const char *> (&Words)[N]) {
-  if (!Object.contains(Key)) {
-    return Default;
-  }
-  const auto Word = Field<std::string>(Object, Key, "");
-  for (const auto &[Code, Text] : Words) {
-    if (Word == Text) {
-      return Code;
-    }
-  }
-  Fail(std::string("unknown ") + Key + " \"" + Word + "\"");
-}
-
-constexpr std::pair<ReadPolicy, const char *> kReadWords[] = {
-    {ReadPolicy::ReadAhead, "ra"}, {ReadPolicy::NoReadAhead, "nora"}};
-constexpr std::pair<WritePolicy, const char *> kWriteWords[] = {
-    {WritePolicy::WriteThrough, "wt"},
-    {WritePolicy::WriteBack, "wb"},
-    {WritePolicy::AlwaysWriteBack, "awb"}};
-constexpr std::pair<IoPolicy, const char *> kIoWords[] = {
-    {IoPolicy::Cached, "cached"}, {IoPolicy::Direct, "direct"}};
-constexpr std::pair<DiskCachePolicy, const char *> kDiskCacheWords[] = {
-    {DiskCachePolicy::Off, "off"},
-    {DiskCachePolicy::On, "on"},
-    {DiskCachePolicy::Default, "default"}};
-
-template <typename Enum, size_t N>
-const char *WordOf(Enum Code, const std::pair<Enum, const char *> (&Words)[N]) {
-  for (const auto &[Value, Text] : Words) {
-    if (Value == Code) {
-      return Text;
-    }
-  }
-  return "";
-}
-
 ControllerIdentity IdentityFromJson(const json &Object) {
   ControllerIdentity Id;
-  Id.ProductName = Field(Object, "productName", Id.ProductName);
-  Id.SerialNumber = Field(Object, "serialNumber", Id.SerialNumber);
-  Id.FwPackageBuild = Field(Object, "fwPackageBuild", Id.FwPackageBuild);
-  Id.FwVersion = Field(Object, "fwVersion", Id.FwVersion);
-  Id.BiosVersion = Field(Object, "biosVersion", Id.BiosVersion);
-  Id.SasAddress = Field(Object, "sasAddress", Id.SasAddress);
-  const json Pci = Field(Object, "pci", json::object());
-  Id.Bus = Field<uint8_t>(Pci, "bus", Id.Bus);
-  Id.Device = Field<uint8_t>(Pci, "device", Id.Device);
-  Id.Function = Field<uint8_t>(Pci, "function", Id.Function);
-  Id.VendorId = Field<uint16_t>(Pci, "vendorId", Id.VendorId);
-  Id.DeviceId = Field<uint16_t>(Pci, "deviceId", Id.DeviceId);
-  Id.SubVendorId = Field<uint16_t>(Pci, "subVendorId", Id.SubVendorId);
-  Id.SubDeviceId = Field<uint16_t>(Pci, "subDeviceId", Id.SubDeviceId);
+  static_cast<common::PciIdentity &>(Id) = common::PciField(Object, "", Id);
+  Id.ProductName = FieldOr(Object, "productName", "", Id.ProductName);
+  Id.SerialNumber = FieldOr(Object, "serialNumber", "", Id.SerialNumber);
+  Id.FwPackageBuild = FieldOr(Object, "fwPackageBuild", "", Id.FwPackageBuild);
+  Id.FwVersion = FieldOr(Object, "fwVersion", "", Id.FwVersion);
+  Id.BiosVersion = FieldOr(Object, "biosVersion", "", Id.BiosVersion);
+  Id.SasAddress = FieldOr(Object, "sasAddress", "", Id.SasAddress);
   return Id;
 }
 
-AdapterLimits LimitsFromJson(const json &Object) {
+AdapterLimits LimitsFromJson(const json &Adapter) {
+  const json &Object = common::ObjectOr(Adapter, "limits", "");
+  const std::string Where = "limits";
   AdapterLimits Limits;
-  Limits.MaxVolumes = Field(Object, "maxVolumes", Limits.MaxVolumes);
+  Limits.MaxVolumes = FieldOr(Object, "maxVolumes", Where, Limits.MaxVolumes);
   Limits.MaxVolumesPerGroup =
-      Field(Object, "maxVolumesPerGroup", Limits.MaxVolumesPerGroup);
-  Limits.MaxDrivesPerSpan = Field(Object, "maxDrivesPerSpan", Limits.MaxDrivesPerSpan);
-  Limits.MaxSpans = Field(Object, "maxSpans", Limits.MaxSpans);
-  Limits.JbodEnabled = Field(Object, "jbodEnabled", Limits.JbodEnabled);
-  Limits.StripSizesKb = Field(Object, "stripSizesKb", Limits.StripSizesKb);
-  Limits.DefaultStripKb = Field(Object, "defaultStripKb", Limits.DefaultStripKb);
+      FieldOr(Object, "maxVolumesPerGroup", Where, Limits.MaxVolumesPerGroup);
+  Limits.MaxDrivesPerSpan =
+      FieldOr(Object, "maxDrivesPerSpan", Where, Limits.MaxDrivesPerSpan);
+  Limits.MaxSpans = FieldOr(Object, "maxSpans", Where, Limits.MaxSpans);
+  Limits.JbodEnabled = FieldOr(Object, "jbodEnabled", Where, Limits.JbodEnabled);
+  Limits.StripSizesKb = FieldOr(Object, "stripSizesKb", Where, Limits.StripSizesKb);
+  Limits.DefaultStripKb =
+      FieldOr(Object, "defaultStripKb", Where, Limits.DefaultStripKb);
   return Limits;
 }
 
 PhysicalDrive DriveFromJson(const json &Object, uint32_t Position) {
   PhysicalDrive Drive;
-  const std::string Where = "drive " + std::to_string(Position);
-  Drive.Address = AddressField(Field<std::string>(Object, "address", ""), Where);
-  Drive.DeviceId = Field<uint32_t>(Object, "did", Position);
-  Drive.Model = Field<std::string>(Object, "model", "ST1000NM0023");
+  const std::string Where = IndexPlace("drives", Position);
+  Drive.Address = AddressOf(common::Required(Object, "address", Where),
+                            KeyPlace(Where, "address"));
+  Drive.DeviceId = FieldOr<uint32_t>(Object, "did", Where, Position);
+  Drive.Model = FieldOr<std::string>(Object, "model", Where, "ST1000NM0023");
   if (Drive.Model.empty()) {
-    Fail(Where + ": empty model");
+    Refuse(Where, "empty model");
   }
-  const auto Interface = InterfaceFromWord(Field<std::string>(Object, "interface", "SAS"));
-  const auto Medium = MediumFromWord(Field<std::string>(Object, "medium", "HDD"));
-  const auto State = DriveStateFromWord(Field<std::string>(Object, "state", "UGood"));
+  const auto Interface =
+      InterfaceFromWord(FieldOr<std::string>(Object, "interface", Where, "SAS"));
+  const auto Medium = MediumFromWord(FieldOr<std::string>(Object, "medium", Where, "HDD"));
+  const auto State =
+      DriveStateFromWord(FieldOr<std::string>(Object, "state", Where, "UGood"));
   if (!Interface || !Medium || !State) {
-    Fail(Where + ": unknown interface, medium or state");
+    Refuse(Where, "unknown interface, medium or state");
   }
   Drive.Interface = *Interface;
   Drive.Medium = *Medium;
   Drive.State = *State;
   Drive.SizeMb = SizeField(Object, Where);
-  Drive.Foreign = Field(Object, "foreign", false);
+  Drive.Foreign = FieldOr(Object, "foreign", Where, false);
   return Drive;
 }
 
 VirtualDrive VolumeFromJson(const json &Object, uint64_t DefaultOffset,
                             const AdapterLimits &Limits, const std::string &Where) {
+  using common::WordFieldOr;
   VirtualDrive Volume;
-  Volume.Name = Field<std::string>(Object, "name", "");
+  Volume.Name = FieldOr<std::string>(Object, "name", Where, "");
   Volume.SizeMb = SizeField(Object, Where);
-  Volume.OffsetMb = Field<uint64_t>(Object, "offsetMb", DefaultOffset);
-  Volume.StripKb = Field<uint32_t>(Object, "stripKb", Limits.DefaultStripKb);
-  Volume.Read = WordField(Object, "readPolicy", Volume.Read, kReadWords);
-  Volume.Write = WordField(Object, "writePolicy", Volume.Write, kWriteWords);
-  Volume.Io = WordField(Object, "ioPolicy", Volume.Io, kIoWords);
-  Volume.DiskCache = WordField(Object, "diskCache", Volume.DiskCache, kDiskCacheWords);
+  Volume.OffsetMb = FieldOr<uint64_t>(Object, "offsetMb", Where, DefaultOffset);
+  Volume.StripKb = FieldOr<uint32_t>(Object, "stripKb", Where, Limits.DefaultStripKb);
+  Volume.Read = WordFieldOr(Object, "readPolicy", Where, Volume.Read, kReadPolicyWords);
+  Volume.Write =
+      WordFieldOr(Object, "writePolicy", Where, Volume.Write, kWritePolicyWords);
+  Volume.Io = WordFieldOr(Object, "ioPolicy", Where, Volume.Io, kIoPolicyWords);
+  Volume.DiskCache =
+      WordFieldOr(Object, "diskCache", Where, Volume.DiskCache, kDiskCacheWords);
   return Volume;
 }
 
@@ -163,57 +120,66 @@ uint32_t DefaultDrivesPerSpan(uint32_t Level, size_t Members) {
   return static_cast<uint32_t>(Members);
 }
 
+// The drive a group names by address; a member or dedicated spare that is
+// unconfigured good takes the state its role gives it.
+PhysicalDrive &GroupDrive(std::vector<PhysicalDrive> &Drives, const json &Text,
+                          const std::string &Where, DriveState Role) {
+  const DriveAddress Address = AddressOf(Text, Where);
+  for (auto &Drive : Drives) {
+    if (Drive.Address == Address) {
+      if (Drive.State == DriveState::UGood) Drive.State = Role;
+      return Drive;
+    }
+  }
+  Refuse(Where, "no drive " + Address.Text());
+}
+
 }  // namespace
 
 Adapter AdapterFromJson(const json &Object) {
   if (!Object.is_object()) {
-    Fail("an adapter must be a JSON object");
+    Refuse("", "an adapter must be a JSON object");
   }
   const ControllerIdentity Identity = IdentityFromJson(Object);
-  const AdapterLimits Limits = LimitsFromJson(Field(Object, "limits", json::object()));
+  const AdapterLimits Limits = LimitsFromJson(Object);
   std::vector<PhysicalDrive> Drives;
-  for (const auto &Item : Field(Object, "drives", json::array())) {
+  for (const auto &Item : ArrayOr(Object, "drives", "")) {
     Drives.push_back(DriveFromJson(Item, static_cast<uint32_t>(Drives.size())));
   }
-  auto IdOf = [&](const json &Text, const std::string &Where) -> PhysicalDrive & {
-    if (!Text.is_string()) Fail(Where + ": drive addresses are strings");
-    const DriveAddress Address = AddressField(Text.get<std::string>(), Where);
-    for (auto &Drive : Drives) {
-      if (Drive.Address == Address) return Drive;
-    }
-    Fail(Where + ": no drive " + Address.Text());
-  };
   std::vector<DriveGroup> Groups;
   std::set<uint32_t> Numbers;
-  std::vector<std::pair<VirtualDrive *, const json *>> Unnumbered;
-  const json GroupArray = Field(Object, "driveGroups", json::array());
+  const json &GroupArray = ArrayOr(Object, "driveGroups", "");
   Groups.reserve(GroupArray.size());
   for (const auto &Item : GroupArray) {
-    const std::string Where = "drive group " + std::to_string(Groups.size());
+    const std::string Where = IndexPlace("driveGroups", Groups.size());
     DriveGroup Group;
-    Group.RaidLevel = Field<uint32_t>(Item, "raidLevel", 0);
-    for (const auto &Member : Field(Item, "members", json::array())) {
-      auto &Drive = IdOf(Member, Where);
-      if (Drive.State == DriveState::UGood) Drive.State = DriveState::Onln;
-      Group.Members.push_back(Drive.DeviceId);
+    Group.RaidLevel = FieldOr<uint32_t>(Item, "raidLevel", Where, 0);
+    const json &Members = ArrayOr(Item, "members", Where);
+    for (size_t M = 0; M < Members.size(); ++M) {
+      const std::string Place = IndexPlace(KeyPlace(Where, "members"), M);
+      Group.Members.push_back(
+          GroupDrive(Drives, Members[M], Place, DriveState::Onln).DeviceId);
     }
-    for (const auto &Spare : Field(Item, "dedicatedSpares", json::array())) {
-      auto &Drive = IdOf(Spare, Where);
-      if (Drive.State == DriveState::UGood) Drive.State = DriveState::DHS;
-      Group.DedicatedSpares.push_back(Drive.DeviceId);
+    const json &Spares = ArrayOr(Item, "dedicatedSpares", Where);
+    for (size_t S = 0; S < Spares.size(); ++S) {
+      const std::string Place = IndexPlace(KeyPlace(Where, "dedicatedSpares"), S);
+      Group.DedicatedSpares.push_back(
+          GroupDrive(Drives, Spares[S], Place, DriveState::DHS).DeviceId);
     }
-    Group.DrivesPerSpan = Field<uint32_t>(
-        Item, "drivesPerSpan", DefaultDrivesPerSpan(Group.RaidLevel, Group.Members.size()));
+    Group.DrivesPerSpan = FieldOr<uint32_t>(
+        Item, "drivesPerSpan", Where,
+        DefaultDrivesPerSpan(Group.RaidLevel, Group.Members.size()));
     uint64_t Offset = 0;
-    const json Volumes = Field(Item, "virtualDrives", json::array());
+    const json &Volumes = ArrayOr(Item, "virtualDrives", Where);
     Group.Volumes.reserve(Volumes.size());
-    for (const auto &VolumeItem : Volumes) {
-      Group.Volumes.push_back(VolumeFromJson(VolumeItem, Offset, Limits, Where));
+    for (size_t V = 0; V < Volumes.size(); ++V) {
+      const std::string Place = IndexPlace(KeyPlace(Where, "virtualDrives"), V);
+      Group.Volumes.push_back(VolumeFromJson(Volumes[V], Offset, Limits, Place));
       Offset = Group.Volumes.back().OffsetMb + Group.Volumes.back().SizeMb;
-      if (VolumeItem.contains("number")) {
-        Group.Volumes.back().Number = Field<uint32_t>(VolumeItem, "number", 0);
+      if (Volumes[V].contains("number")) {
+        Group.Volumes.back().Number = FieldOr<uint32_t>(Volumes[V], "number", Place, 0);
         if (!Numbers.insert(Group.Volumes.back().Number).second) {
-          Fail(Where + ": virtual drive number used twice");
+          Refuse(Place, "virtual drive number used twice");
         }
       }
     }
@@ -222,8 +188,8 @@ Adapter AdapterFromJson(const json &Object) {
   // Volumes without a number take the lowest ones left, in file order.
   uint32_t Next = 0;
   for (size_t G = 0; G < GroupArray.size(); ++G) {
-    const json Volumes = Field(GroupArray[G], "virtualDrives", json::array());
-    for (size_t V = 0; V < Volumes.size(); ++V) {
+    const json &Volumes = ArrayOr(GroupArray[G], "virtualDrives", "");
+    for (size_t V = 0; V < Groups[G].Volumes.size(); ++V) {
       if (Volumes[V].contains("number")) continue;
       while (Numbers.count(Next)) ++Next;
       Groups[G].Volumes[V].Number = Next;
@@ -232,17 +198,14 @@ Adapter AdapterFromJson(const json &Object) {
   }
   Adapter State(Identity, Limits, std::move(Drives), std::move(Groups));
   if (const std::string Problem = State.Validate(); !Problem.empty()) {
-    Fail(Problem);
+    Refuse("", Problem);
   }
   return State;
 }
 
 std::vector<Adapter> AdaptersFromJson(const json &Array) {
-  if (!Array.is_array()) {
-    Fail("the adapter list must be a JSON array");
-  }
   std::vector<Adapter> Adapters;
-  for (const auto &Item : Array) {
+  for (const auto &Item : common::RequireArray(Array, "adapters")) {
     Adapters.push_back(AdapterFromJson(Item));
   }
   return Adapters;
@@ -258,10 +221,7 @@ json AdapterToJson(const Adapter &State) {
       {"fwVersion", Id.FwVersion},
       {"biosVersion", Id.BiosVersion},
       {"sasAddress", Id.SasAddress},
-      {"pci",
-       {{"bus", Id.Bus}, {"device", Id.Device}, {"function", Id.Function},
-        {"vendorId", Id.VendorId}, {"deviceId", Id.DeviceId},
-        {"subVendorId", Id.SubVendorId}, {"subDeviceId", Id.SubDeviceId}}},
+      {common::kPciKey, common::PciToJson(Id)},
       {"limits",
        {{"maxVolumes", Limits.MaxVolumes},
         {"maxVolumesPerGroup", Limits.MaxVolumesPerGroup},
@@ -299,10 +259,10 @@ json AdapterToJson(const Adapter &State) {
                          {"offsetMb", Volume.OffsetMb},
                          {"sizeMb", Volume.SizeMb},
                          {"stripKb", Volume.StripKb},
-                         {"readPolicy", WordOf(Volume.Read, kReadWords)},
-                         {"writePolicy", WordOf(Volume.Write, kWriteWords)},
-                         {"ioPolicy", WordOf(Volume.Io, kIoWords)},
-                         {"diskCache", WordOf(Volume.DiskCache, kDiskCacheWords)}});
+                         {"readPolicy", common::WordOfCode(kReadPolicyWords, Volume.Read, "")},
+                         {"writePolicy", common::WordOfCode(kWritePolicyWords, Volume.Write, "")},
+                         {"ioPolicy", common::WordOfCode(kIoPolicyWords, Volume.Io, "")},
+                         {"diskCache", common::WordOfCode(kDiskCacheWords, Volume.DiskCache, "")}});
     }
     Groups.push_back({{"raidLevel", Group.RaidLevel},
                       {"drivesPerSpan", Group.DrivesPerSpan},
