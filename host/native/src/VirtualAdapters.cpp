@@ -32,6 +32,18 @@ std::string ToolNameOf(const std::string &CommandLine) {
 
 VirtualAdapters::VirtualAdapters(const Scenario &Scenario,
                                  const FamilyRegistry &Registry) {
+  try {
+    AddFamilies(Scenario, Registry);
+  } catch (const ScenarioError &Error) {
+    if (Scenario.Origin.empty()) {
+      throw;
+    }
+    throw ScenarioError(Scenario.Origin + ": " + Error.what());
+  }
+}
+
+void VirtualAdapters::AddFamilies(const Scenario &Scenario,
+                                  const FamilyRegistry &Registry) {
   // The families in the order of their first adapter.
   std::vector<std::pair<std::string, std::vector<AdapterSite>>> Groups;
   for (const AdapterDescription &Adapter : Scenario.Adapters) {

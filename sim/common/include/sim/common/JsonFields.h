@@ -78,6 +78,14 @@ T FieldOr(const nlohmann::json &Object, const char *Key,
   }
 }
 
+// Object[Key] as T; refused when absent.
+template <typename T>
+T RequiredField(const nlohmann::json &Object, const char *Key,
+                const std::string &Where) {
+  Required(Object, Key, Where);
+  return FieldOr<T>(Object, Key, Where, T());
+}
+
 // Numbers that may be written as JSON numbers or as strings of hexadecimal
 // digits with or without "0x": "1000", "0x1000" and 4096 are one vendor id.
 // ParseHex is false for a text that is not one.
