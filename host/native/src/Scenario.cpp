@@ -1,8 +1,6 @@
 // Reading a scenario: JSON to the description the server is built from.
 #include "native/Scenario.h"
 
-#include <algorithm>
-#include <cctype>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -15,97 +13,18 @@ namespace {
 
 using nlohmann::json;
 
+using sim::common::CheckKeys;
+using sim::common::FieldOr;
+using sim::common::HexNumberOr;
+using sim::common::IndexPlace;
+using sim::common::KeyPlace;
+using sim::common::Refuse;
+using sim::common::RequireArray;
+using sim::common::RequiredField;
+using sim::common::RequiredHexNumber;
+
 // The product files every volume carries unless the scenario says otherwise.
 constexpr const char *kProductFiles[] = {"pcidb.xml", "raid.xml"};
-
-[[noreturn]] void Fail(const std::string &Where, const std::string &What) {
-  throw ScenarioError(Where + ": " + What);
-}
-
-// Rejects keys other than Allowed, so a misspelt key does not pass unseen.
-void CheckKeys(const json &Object, const std::string &Where,
-               std::initializer_list<std::string_view> Allowed) {
-  if (!Object.is_object()) {
-    Fail(Where, "expected an object");
-  }
-  for (const auto &Item : Object.items()) {
-    if (std::find(Allowed.begin(), Allowed.end(), Item.key()) ==
-        Allowed.end()) {
-      Fail(Where, "unknown key \"" + Item.key() + "\"");
-    }
-  }
-}
-
-// A hexadecimal text with an optional "0x"; false when it is not one.
-bool ParseHex(std::string_view Text, std::uint64_t &Value) {
-  if (Text.size() > 2 && Text[0] == '0' && (Text[1] == 'x' || Text[1] == 'X')) {
-    Text.remove_prefix(2);
-  }
-  if (Text.empty() || Text.size() > 16) {
-    return false;
-  }
-  Value = 0;
-  for (char C : Text) {
-    if (!std::isxdigit(static_cast<unsigned char>(C))) {
-      return false;
-    }
-    int Digit = std::isdigit(static_cast<unsigned char>(C))
-                    ? C - '0'
-                    : std::tolower(static_cast<unsigned char>(C)) - 'a' + 10;
-    Value = Value * 16 + static_cast<std::uint64_t>(Digit);
-  }
-  return true;
-}
-
-// A number given as a JSON number or as a hexadecimal string, at most Max.
-std::uint64_t ReadNumber(const json &Value, const std::string &Where,
-                         std::uint64_t Max) {
-  std::uint64_t Number = 0;
-  if (Value.is_number_unsigned()) {
-    Number = Value.get<std::uint64_t>();
-  } else if (Value.is_string()) {
-    if (!ParseHex(Value.get_ref<const std::string &>(), Number)) {
-      Fail(Where, "not a hexadecimal number");
-    }
-  } else {
-    Fail(Where, "expected a number or a hexadecimal string");
-  }
-  if (Number > Max) {
-    Fail(Where, "out of range");
-  }
-  return Number;
-}
-
-// Object[Key] as a number, or Default when the key is absent.
-std::uint64_t NumberOr(const json &Object, const char *Key,
-                       const std::string &Where, std::uint64_t Max,
-                       std::uint64_t Default) {
-  auto It = Object.find(Key);
-  if (It == Object.end()) {
-    return Default;
-  }
-  return ReadNumber(*It, Where + "." + Key, Max);
-}
-
-std::uint64_t RequiredNumber(const json &Object, const char *Key,
-                             const std::string &Where, std::uint64_t Max) {
-  if (!Object.contains(Key)) {
-    Fail(Where, std::string("missing \"") + Key + "\"");
-  }
-  return ReadNumber(Object.at(Key), Where + "." + Key, Max);
-}
-
-std::string StringOr(const json &Object, const char *Key,
-                     const std::string &Where, const std::string &Default) {
-  auto It = Object.find(Key);
-  if (It == Object.end()) {
-    return Default;
-  }
-  if (!It->is_string()) {
-    Fail(Where + "." + Key, "expected a string");
-  }
-  return It->get<std::string>();
-}
 
 // "[segment:]bus:device.function", hexadecimal as lspci prints it.
 emu::PciLocation ParseLocation(const std::string &Text,
@@ -127,12 +46,12 @@ emu::PciLocation ParseLocation(const std::string &Text,
   std::uint64_t Values[4] = {};
   constexpr std::uint64_t kMax[4] = {0xFFFF, 0xFF, 0x1F, 0x7};
   for (std::size_t I = 0; Parts.size() == 4 && I < 4; I++) {
-    if (!ParseHex(Parts[I], Values[I]) || Values[I] > kMax[I]) {
+    if (!sim::common::ParseHex(Parts[I], Values[I]) || Values[I] > kMax[I]) {
       Parts.clear();
     }
   }
   if (Parts.size() != 4) {
-    Fail(Where, "\"" + Text + "\" is not a PCI location like \"3b:00.0\"");
+    Refuse(Where, "\"" + Text + "\" is not a PCI location like \"3b:00.0\"");
   }
   return {static_cast<UINT16>(Values[0]), static_cast<UINT8>(Values[1]),
           static_cast<UINT8>(Values[2]), static_cast<UINT8>(Values[3])};
@@ -143,41 +62,37 @@ PciFunction ParsePciFunction(const json &Object, const std::string &Where) {
             {"name", "location", "vendorId", "deviceId", "subVendorId",
              "subDeviceId", "baseClass", "subClass", "progIf", "revision"});
   PciFunction Function;
-  Function.Name = StringOr(Object, "name", Where, "");
-  if (!Object.contains("location") || !Object["location"].is_string()) {
-    Fail(Where, "missing \"location\" string");
-  }
+  Function.Name = FieldOr<std::string>(Object, "name", Where, "");
   Function.Location =
-      ParseLocation(Object["location"].get<std::string>(), Where + ".location");
+      ParseLocation(RequiredField<std::string>(Object, "location", Where),
+                    KeyPlace(Where, "location"));
   emu::PciIdentity &Id = Function.Identity;
-  Id.VendorId = RequiredNumber(Object, "vendorId", Where, 0xFFFF);
-  Id.DeviceId = RequiredNumber(Object, "deviceId", Where, 0xFFFF);
-  Id.SubVendorId = NumberOr(Object, "subVendorId", Where, 0xFFFF, 0);
-  Id.SubDeviceId = NumberOr(Object, "subDeviceId", Where, 0xFFFF, 0);
+  Id.VendorId = RequiredHexNumber(Object, "vendorId", Where, 0xFFFF);
+  Id.DeviceId = RequiredHexNumber(Object, "deviceId", Where, 0xFFFF);
+  Id.SubVendorId = HexNumberOr(Object, "subVendorId", Where, 0xFFFF, 0);
+  Id.SubDeviceId = HexNumberOr(Object, "subDeviceId", Where, 0xFFFF, 0);
   // A RAID controller unless told otherwise.
-  Id.BaseClass = NumberOr(Object, "baseClass", Where, 0xFF, 0x01);
-  Id.SubClass = NumberOr(Object, "subClass", Where, 0xFF, 0x04);
-  Id.ProgInterface = NumberOr(Object, "progIf", Where, 0xFF, 0x00);
-  Id.RevisionId = NumberOr(Object, "revision", Where, 0xFF, 0x00);
+  Id.BaseClass = HexNumberOr(Object, "baseClass", Where, 0xFF, 0x01);
+  Id.SubClass = HexNumberOr(Object, "subClass", Where, 0xFF, 0x04);
+  Id.ProgInterface = HexNumberOr(Object, "progIf", Where, 0xFF, 0x00);
+  Id.RevisionId = HexNumberOr(Object, "revision", Where, 0xFF, 0x00);
   return Function;
 }
 
 std::vector<PciFunction> ParsePciFunctions(const json &List) {
-  if (!List.is_array()) {
-    Fail("pciFunctions", "expected an array");
-  }
+  RequireArray(List, "pciFunctions");
   std::vector<PciFunction> Functions;
   std::set<std::string> Names;
   std::set<std::tuple<int, int, int, int>> Locations;
   for (std::size_t I = 0; I < List.size(); I++) {
-    const std::string Where = "pciFunctions[" + std::to_string(I) + "]";
+    const std::string Where = IndexPlace("pciFunctions", I);
     PciFunction Function = ParsePciFunction(List[I], Where);
     const emu::PciLocation &L = Function.Location;
     if (!Locations.insert({L.Segment, L.Bus, L.Device, L.Function}).second) {
-      Fail(Where, "a second function at the same location");
+      Refuse(Where, "a second function at the same location");
     }
     if (!Function.Name.empty() && !Names.insert(Function.Name).second) {
-      Fail(Where, "the name \"" + Function.Name + "\" is taken");
+      Refuse(Where, "the name \"" + Function.Name + "\" is taken");
     }
     Functions.push_back(std::move(Function));
   }
@@ -187,11 +102,11 @@ std::vector<PciFunction> ParsePciFunctions(const json &List) {
 emu::SmbiosSlot ParseSmbiosSlot(const json &Object, const std::string &Where) {
   CheckKeys(Object, Where, {"slotId", "segment", "bus", "devfn", "designation"});
   emu::SmbiosSlot Slot;
-  Slot.SlotId = RequiredNumber(Object, "slotId", Where, 0xFFFF);
-  Slot.Segment = NumberOr(Object, "segment", Where, 0xFFFF, 0);
-  Slot.Bus = RequiredNumber(Object, "bus", Where, 0xFF);
-  Slot.DevFn = NumberOr(Object, "devfn", Where, 0xFF, 0);
-  Slot.Designation = StringOr(Object, "designation", Where, "");
+  Slot.SlotId = RequiredHexNumber(Object, "slotId", Where, 0xFFFF);
+  Slot.Segment = HexNumberOr(Object, "segment", Where, 0xFFFF, 0);
+  Slot.Bus = RequiredHexNumber(Object, "bus", Where, 0xFF);
+  Slot.DevFn = HexNumberOr(Object, "devfn", Where, 0xFF, 0);
+  Slot.Designation = FieldOr<std::string>(Object, "designation", Where, "");
   return Slot;
 }
 
@@ -199,38 +114,33 @@ emu::SmbiosDescription ParseSmbios(const json &Object) {
   CheckKeys(Object, "smbios",
             {"biosVendor", "biosVersion", "biosReleaseDate", "slots"});
   emu::SmbiosDescription Smbios;
-  Smbios.BiosVendor = StringOr(Object, "biosVendor", "smbios", Smbios.BiosVendor);
+  Smbios.BiosVendor = FieldOr<std::string>(Object, "biosVendor", "smbios", Smbios.BiosVendor);
   Smbios.BiosVersion =
-      StringOr(Object, "biosVersion", "smbios", Smbios.BiosVersion);
+      FieldOr<std::string>(Object, "biosVersion", "smbios", Smbios.BiosVersion);
   Smbios.BiosReleaseDate =
-      StringOr(Object, "biosReleaseDate", "smbios", Smbios.BiosReleaseDate);
+      FieldOr<std::string>(Object, "biosReleaseDate", "smbios", Smbios.BiosReleaseDate);
   if (Object.contains("slots")) {
-    const json &Slots = Object["slots"];
-    if (!Slots.is_array()) {
-      Fail("smbios.slots", "expected an array");
-    }
+    const json &Slots = RequireArray(Object["slots"], "smbios.slots");
     for (std::size_t I = 0; I < Slots.size(); I++) {
-      Smbios.Slots.push_back(ParseSmbiosSlot(
-          Slots[I], "smbios.slots[" + std::to_string(I) + "]"));
+      Smbios.Slots.push_back(
+          ParseSmbiosSlot(Slots[I], IndexPlace("smbios.slots", I)));
     }
   }
   return Smbios;
 }
 
 std::vector<emu::SlotInventoryEntry> ParseSlotInventory(const json &List) {
-  if (!List.is_array()) {
-    Fail("slotInventory", "expected an array");
-  }
+  RequireArray(List, "slotInventory");
   std::vector<emu::SlotInventoryEntry> Entries;
   for (std::size_t I = 0; I < List.size(); I++) {
-    const std::string Where = "slotInventory[" + std::to_string(I) + "]";
+    const std::string Where = IndexPlace("slotInventory", I);
     const json &Object = List[I];
     CheckKeys(Object, Where, {"slot", "device"});
     emu::SlotInventoryEntry Entry;
     if (Object.contains("slot") && !Object["slot"].is_null()) {
-      Entry.SlotText = emu::Utf8ToUtf16(StringOr(Object, "slot", Where, ""));
+      Entry.SlotText = emu::Utf8ToUtf16(FieldOr<std::string>(Object, "slot", Where, ""));
     }
-    Entry.DeviceText = emu::Utf8ToUtf16(StringOr(Object, "device", Where, ""));
+    Entry.DeviceText = emu::Utf8ToUtf16(FieldOr<std::string>(Object, "device", Where, ""));
     Entries.push_back(std::move(Entry));
   }
   return Entries;
@@ -240,7 +150,7 @@ std::string ReadHostFile(const std::filesystem::path &Path,
                          const std::string &Where) {
   std::ifstream In(Path, std::ios::binary);
   if (!In) {
-    Fail(Where, "cannot read " + Path.string());
+    Refuse(Where, "cannot read " + Path.string());
   }
   std::ostringstream Contents;
   Contents << In.rdbuf();
@@ -252,23 +162,19 @@ std::string ParseFileSource(const json &Source, const std::string &Where,
                             const std::filesystem::path &BaseDirectory) {
   CheckKeys(Source, Where, {"text", "path", "product"});
   if (Source.size() != 1) {
-    Fail(Where, "give exactly one of \"text\", \"path\", \"product\"");
+    Refuse(Where, "give exactly one of \"text\", \"path\", \"product\"");
   }
   const std::string Kind = Source.items().begin().key();
-  const json &Value = Source.items().begin().value();
-  if (!Value.is_string()) {
-    Fail(Where + "." + Kind, "expected a string");
-  }
-  const std::string &Text = Value.get_ref<const std::string &>();
+  const std::string Text = FieldOr<std::string>(Source, Kind.c_str(), Where, "");
   if (Kind == "text") {
     return Text;
   }
   if (Kind == "path") {
-    return ReadHostFile(BaseDirectory / Text, Where + ".path");
+    return ReadHostFile(BaseDirectory / Text, KeyPlace(Where, "path"));
   }
   std::optional<std::string_view> Product = FindEmbeddedFile(Text);
   if (!Product || Text == "demo.json") {
-    Fail(Where + ".product", "no product file \"" + Text + "\"");
+    Refuse(KeyPlace(Where, "product"), "no product file \"" + Text + "\"");
   }
   return std::string(*Product);
 }
@@ -290,14 +196,14 @@ std::vector<VolumeFile> ParseVolumeFiles(
     return Files;
   }
   if (!Object->is_object()) {
-    Fail("volumeFiles", "expected an object");
+    Refuse("volumeFiles", "expected an object");
   }
   for (const auto &Item : Object->items()) {
     const std::string &Name = Item.key();
     const json &Source = Item.value();
-    const std::string Where = "volumeFiles." + Name;
+    const std::string Where = KeyPlace("volumeFiles", Name);
     if (!IsPlainFileName(Name)) {
-      Fail(Where, "a file name in the volume's root is expected");
+      Refuse(Where, "a file name in the volume's root is expected");
     }
     std::erase_if(Files, [&](const VolumeFile &F) { return F.Name == Name; });
     if (!Source.is_null()) {
@@ -313,12 +219,7 @@ HostProtocols ParseProtocols(const json &Object) {
              "slotInventory", "qolCommands"});
   HostProtocols Protocols;
   auto Read = [&](const char *Key, bool &Flag) {
-    if (Object.contains(Key)) {
-      if (!Object[Key].is_boolean()) {
-        Fail(std::string("protocols.") + Key, "expected true or false");
-      }
-      Flag = Object[Key].get<bool>();
-    }
+    Flag = FieldOr(Object, Key, "protocols", Flag);
   };
   Read("setup", Protocols.Setup);
   Read("guiDriver", Protocols.GuiDriver);
@@ -346,32 +247,30 @@ std::size_t FindPciFunction(const std::vector<PciFunction> &Functions,
       return I;
     }
   }
-  Fail(Where, "no PCI function \"" + Reference + "\"");
+  Refuse(Where, "no PCI function \"" + Reference + "\"");
 }
 
 std::vector<AdapterDescription> ParseAdapters(
     const json &List, const std::vector<PciFunction> &Functions) {
-  if (!List.is_array()) {
-    Fail("adapters", "expected an array");
-  }
+  RequireArray(List, "adapters");
   std::vector<AdapterDescription> Adapters;
   std::set<std::size_t> Used;
   for (std::size_t I = 0; I < List.size(); I++) {
-    const std::string Where = "adapters[" + std::to_string(I) + "]";
+    const std::string Where = IndexPlace("adapters", I);
     const json &Object = List[I];
     if (!Object.is_object()) {
-      Fail(Where, "expected an object");
+      Refuse(Where, "expected an object");
     }
     AdapterDescription Adapter;
-    Adapter.Family = StringOr(Object, "family", Where, "");
-    const std::string Reference = StringOr(Object, "pciFunction", Where, "");
+    Adapter.Family = FieldOr<std::string>(Object, "family", Where, "");
+    const std::string Reference = FieldOr<std::string>(Object, "pciFunction", Where, "");
     if (Adapter.Family.empty() || Reference.empty()) {
-      Fail(Where, "\"family\" and \"pciFunction\" are required");
+      Refuse(Where, "\"family\" and \"pciFunction\" are required");
     }
     Adapter.PciIndex =
-        FindPciFunction(Functions, Reference, Where + ".pciFunction");
+        FindPciFunction(Functions, Reference, KeyPlace(Where, "pciFunction"));
     if (!Used.insert(Adapter.PciIndex).second) {
-      Fail(Where, "a second adapter on PCI function \"" + Reference + "\"");
+      Refuse(Where, "a second adapter on PCI function \"" + Reference + "\"");
     }
     Adapter.Description = Object;
     Adapters.push_back(std::move(Adapter));
@@ -392,7 +291,7 @@ Scenario ParseScenario(const json &Json,
             {"name", "description", "pciFunctions", "smbios", "slotInventory",
              "volumeFiles", "protocols", "adapters"});
   Scenario Result;
-  Result.Name = StringOr(Json, "name", "scenario", "");
+  Result.Name = FieldOr<std::string>(Json, "name", "scenario", "");
   if (const json *Pci = Find(Json, "pciFunctions")) {
     Result.Pci = ParsePciFunctions(*Pci);
   }
@@ -419,7 +318,9 @@ Scenario ParseScenarioText(std::string_view Text, std::string_view Origin,
     throw ScenarioError(std::string(Origin) + ": not valid JSON");
   }
   try {
-    return ParseScenario(Json, BaseDirectory);
+    Scenario Result = ParseScenario(Json, BaseDirectory);
+    Result.Origin = Origin;
+    return Result;
   } catch (const ScenarioError &Error) {
     throw ScenarioError(std::string(Origin) + ": " + Error.what());
   }

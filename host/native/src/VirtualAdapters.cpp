@@ -2,19 +2,10 @@
 #include "native/VirtualAdapters.h"
 
 #include <algorithm>
-#include <cctype>
+
+#include "sim/common/CommandWords.h"
 
 namespace host {
-namespace {
-
-std::string Lower(std::string Text) {
-  std::transform(Text.begin(), Text.end(), Text.begin(), [](unsigned char C) {
-    return static_cast<char>(std::tolower(C));
-  });
-  return Text;
-}
-
-}  // namespace
 
 std::string ToolNameOf(const std::string &CommandLine) {
   const std::size_t Start = CommandLine.find_first_not_of(" \t");
@@ -27,11 +18,23 @@ std::string ToolNameOf(const std::string &CommandLine) {
   if (Separator != std::string::npos) {
     Word.erase(0, Separator + 1);
   }
-  return Lower(Word);
+  return sim::common::Lower(Word);
 }
 
 VirtualAdapters::VirtualAdapters(const Scenario &Scenario,
                                  const FamilyRegistry &Registry) {
+  try {
+    AddFamilies(Scenario, Registry);
+  } catch (const ScenarioError &Error) {
+    if (Scenario.Origin.empty()) {
+      throw;
+    }
+    throw ScenarioError(Scenario.Origin + ": " + Error.what());
+  }
+}
+
+void VirtualAdapters::AddFamilies(const Scenario &Scenario,
+                                  const FamilyRegistry &Registry) {
   // The families in the order of their first adapter.
   std::vector<std::pair<std::string, std::vector<AdapterSite>>> Groups;
   for (const AdapterDescription &Adapter : Scenario.Adapters) {
@@ -52,7 +55,7 @@ VirtualAdapters::VirtualAdapters(const Scenario &Scenario,
     }
     std::unique_ptr<VirtualFamily> Simulation = (*Factory)(Sites);
     for (const std::string &Tool : Simulation->ToolNames()) {
-      if (!Tools_.emplace(Lower(Tool), Simulation.get()).second) {
+      if (!Tools_.emplace(sim::common::Lower(Tool), Simulation.get()).second) {
         throw ScenarioError("adapters: two families answer \"" + Tool + "\"");
       }
     }

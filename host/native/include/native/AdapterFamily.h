@@ -1,6 +1,7 @@
 // The seam to the virtual adapters: each scenario adapter "family" names a
 // factory that simulates all of that family's adapters and answers the
-// command lines of its tools.
+// command lines of its tools. Builtin() registers the families of sim/,
+// one line each (FamilyRegistry.cpp); tests register fakes.
 #pragma once
 
 #include <nlohmann/json.hpp>

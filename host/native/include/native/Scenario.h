@@ -6,7 +6,6 @@
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,14 +13,13 @@
 #include "emu/PciDevice.h"
 #include "emu/SlotInventory.h"
 #include "emu/SmbiosTable.h"
+#include "sim/common/JsonFields.h"
 
 namespace host {
 
-// A scenario that cannot be used; the message names the offending key.
-class ScenarioError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+// A scenario that cannot be used; the message names the offending key. The
+// virtual adapter families refuse their keys with the same error.
+using ScenarioError = sim::common::ScenarioError;
 
 struct PciFunction {
   std::string Name;  // how adapters refer to it; "" when unnamed
@@ -54,6 +52,7 @@ struct AdapterDescription {
 };
 
 struct Scenario {
+  std::string Origin;  // the file it was read from, for messages; "" if none
   std::string Name;
   std::vector<PciFunction> Pci;
   emu::SmbiosDescription Smbios;

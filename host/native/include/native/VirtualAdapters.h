@@ -22,7 +22,8 @@ std::string ToolNameOf(const std::string &CommandLine);
 class VirtualAdapters {
  public:
   // Simulates every adapter of Scenario with the family's factory from
-  // Registry. Throws ScenarioError for an unknown family or a tool that two
+  // Registry. Throws ScenarioError, after the scenario's file name, for an
+  // unknown family, an adapter its family refuses or a tool that two
   // families claim.
   VirtualAdapters(const Scenario &Scenario, const FamilyRegistry &Registry);
 
@@ -33,6 +34,8 @@ class VirtualAdapters {
   nlohmann::json State() const;
 
  private:
+  void AddFamilies(const Scenario &Scenario, const FamilyRegistry &Registry);
+
   std::vector<std::pair<std::string, std::unique_ptr<VirtualFamily>>>
       Families_;
   std::map<std::string, VirtualFamily *> Tools_;

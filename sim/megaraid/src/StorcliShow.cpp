@@ -11,6 +11,8 @@
 namespace sim::megaraid {
 namespace {
 
+using common::TextTable;
+
 std::string Hex(uint32_t Value) {
   char Text[16];
   std::snprintf(Text, sizeof(Text), "0x%X", Value);
@@ -102,23 +104,23 @@ void AddTopologyRows(TextTable &Table, const Adapter &State, uint32_t Index) {
 }
 
 void IdentityLines(Report &Out, const ControllerIdentity &Id) {
-  Out.Line("Product Name = " + Id.ProductName);
-  Out.Line("Serial Number = " + Id.SerialNumber);
-  Out.Line("SAS Address =  " + Id.SasAddress);
-  Out.Line("PCI Address = " + PciAddress(Id));
-  Out.Line("FW Package Build = " + Id.FwPackageBuild);
-  Out.Line("BIOS Version = " + Id.BiosVersion);
-  Out.Line("FW Version = " + Id.FwVersion);
-  Out.Line("Current Personality = RAID-Mode");
-  Out.Line("Vendor Id = " + Hex(Id.VendorId));
-  Out.Line("Device Id = " + Hex(Id.DeviceId));
-  Out.Line("SubVendor Id = " + Hex(Id.SubVendorId));
-  Out.Line("SubDevice Id = " + Hex(Id.SubDeviceId));
-  Out.Line("Host Interface = PCI-E");
-  Out.Line("Device Interface = SAS-12G");
-  Out.Line("Bus Number = " + std::to_string(Id.Bus));
-  Out.Line("Device Number = " + std::to_string(Id.Device));
-  Out.Line("Function Number = " + std::to_string(Id.Function));
+  Out.Pair("Product Name", Id.ProductName);
+  Out.Pair("Serial Number", Id.SerialNumber);
+  Out.Pair("SAS Address", " " + Id.SasAddress);
+  Out.Pair("PCI Address", PciAddress(Id));
+  Out.Pair("FW Package Build", Id.FwPackageBuild);
+  Out.Pair("BIOS Version", Id.BiosVersion);
+  Out.Pair("FW Version", Id.FwVersion);
+  Out.Pair("Current Personality", "RAID-Mode");
+  Out.Pair("Vendor Id", Hex(Id.VendorId));
+  Out.Pair("Device Id", Hex(Id.DeviceId));
+  Out.Pair("SubVendor Id", Hex(Id.SubVendorId));
+  Out.Pair("SubDevice Id", Hex(Id.SubDeviceId));
+  Out.Pair("Host Interface", "PCI-E");
+  Out.Pair("Device Interface", "SAS-12G");
+  Out.Pair("Bus Number", std::to_string(Id.Bus));
+  Out.Pair("Device Number", std::to_string(Id.Device));
+  Out.Pair("Function Number", std::to_string(Id.Function));
 }
 
 }  // namespace
@@ -148,7 +150,7 @@ std::string ShowControllerCount(const ToolInfo &Tool, size_t Count) {
   Report Out(Tool);
   Out.Header(std::nullopt, true, "None");
   Out.Line();
-  Out.Line("Controller Count = " + std::to_string(Count));
+  Out.Pair("Controller Count", std::to_string(Count));
   Out.Line();
   return Out.Text();
 }
@@ -162,7 +164,7 @@ std::string ShowController(const ToolInfo &Tool, uint32_t Controller,
   Out.Line();
   IdentityLines(Out, State.Identity());
   if (!State.Groups().empty()) {
-    Out.Line("Drive Groups = " + std::to_string(State.Groups().size()));
+    Out.Pair("Drive Groups", std::to_string(State.Groups().size()));
     Out.Line();
     Out.Section("TOPOLOGY");
     Out.Line();
@@ -176,7 +178,7 @@ std::string ShowController(const ToolInfo &Tool, uint32_t Controller,
     Out.Line();
     Out.Lines(kTopologyLegend);
     Out.Line();
-    Out.Line("Virtual Drives = " + std::to_string(State.VolumeCount()));
+    Out.Pair("Virtual Drives", std::to_string(State.VolumeCount()));
     Out.Line();
     Out.Section("VD LIST");
     Out.Line();
@@ -190,7 +192,7 @@ std::string ShowController(const ToolInfo &Tool, uint32_t Controller,
     Out.Line();
   }
   if (!State.Drives().empty()) {
-    Out.Line("Physical Drives = " + std::to_string(State.Drives().size()));
+    Out.Pair("Physical Drives", std::to_string(State.Drives().size()));
     Out.Line();
     Out.Section("PD LIST");
     Out.Line();
@@ -263,29 +265,27 @@ std::string ShowVolume(const ToolInfo &Tool, uint32_t Controller,
   Out.Line();
   Out.Line();
   Out.Section("VD" + std::to_string(Number) + " Properties");
-  Out.Line("Strip Size = " + StripSizeText(Volume->StripKb));
-  Out.Line("Number of Blocks = " + std::to_string(Volume->SizeMb * 2048));
-  Out.Line("VD has Emulated PD = No");
-  Out.Line("Span Depth = " + std::to_string(Dg.SpanCount()));
-  Out.Line("Number of Drives Per Span = " + std::to_string(Dg.DrivesPerSpan));
+  Out.Pair("Strip Size", StripSizeText(Volume->StripKb));
+  Out.Pair("Number of Blocks", std::to_string(Volume->SizeMb * 2048));
+  Out.Pair("VD has Emulated PD", "No");
+  Out.Pair("Span Depth", std::to_string(Dg.SpanCount()));
+  Out.Pair("Number of Drives Per Span", std::to_string(Dg.DrivesPerSpan));
   static const char *const kWriteCache[] = {"WriteThrough", "WriteBack",
                                             "AlwaysWriteBack"};
-  Out.Line(std::string("Write Cache(initial setting) = ") +
-           kWriteCache[static_cast<int>(Volume->Write)]);
+  Out.Pair("Write Cache(initial setting)", kWriteCache[static_cast<int>(Volume->Write)]);
   static const char *const kDiskCache[] = {"Disabled", "Enabled",
                                            "Disk's Default"};
-  Out.Line(std::string("Disk Cache Policy = ") +
-           kDiskCache[static_cast<int>(Volume->DiskCache)]);
-  Out.Line("Encryption = None");
-  Out.Line("Data Protection = Disabled");
-  Out.Line("Active Operations = None");
-  Out.Line("Exposed to OS = Yes");
-  Out.Line("OS Drive Name = N/A");
-  Out.Line("Emulation type = default");
-  Out.Line("Is LD Ready for OS Requests = Yes");
+  Out.Pair("Disk Cache Policy", kDiskCache[static_cast<int>(Volume->DiskCache)]);
+  Out.Pair("Encryption", "None");
+  Out.Pair("Data Protection", "Disabled");
+  Out.Pair("Active Operations", "None");
+  Out.Pair("Exposed to OS", "Yes");
+  Out.Pair("OS Drive Name", "N/A");
+  Out.Pair("Emulation type", "default");
+  Out.Pair("Is LD Ready for OS Requests", "Yes");
   char Naa[40];
   std::snprintf(Naa, sizeof(Naa), "600605b0%024x", Number);
-  Out.Line(std::string("SCSI NAA Id = ") + Naa);
+  Out.Pair("SCSI NAA Id", Naa);
   Out.Line();
   return Out.Text();
 }

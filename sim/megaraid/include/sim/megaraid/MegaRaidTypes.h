@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "sim/common/PciIdentity.h"
 
 namespace sim::megaraid {
 
@@ -22,6 +25,21 @@ enum class DiskCachePolicy { Off, On, Default };
 
 // Volume (and drive group) states.
 enum class VolumeState { Optl, Dgrd, Pdgd, OfLn };
+
+// The volume policies' words, as "add vd" takes them and scenarios write
+// them ("ra", "wt", "cached", "pdcache=off").
+inline constexpr std::pair<ReadPolicy, const char *> kReadPolicyWords[] = {
+    {ReadPolicy::ReadAhead, "ra"}, {ReadPolicy::NoReadAhead, "nora"}};
+inline constexpr std::pair<WritePolicy, const char *> kWritePolicyWords[] = {
+    {WritePolicy::WriteThrough, "wt"},
+    {WritePolicy::WriteBack, "wb"},
+    {WritePolicy::AlwaysWriteBack, "awb"}};
+inline constexpr std::pair<IoPolicy, const char *> kIoPolicyWords[] = {
+    {IoPolicy::Cached, "cached"}, {IoPolicy::Direct, "direct"}};
+inline constexpr std::pair<DiskCachePolicy, const char *> kDiskCacheWords[] = {
+    {DiskCachePolicy::Off, "off"},
+    {DiskCachePolicy::On, "on"},
+    {DiskCachePolicy::Default, "default"}};
 
 // The tool's words for the codes above ("Onln", "SAS", "RWBD" parts...).
 const char *DriveStateWord(DriveState State);
@@ -83,20 +101,20 @@ struct FreeSegment {
   uint64_t SizeMb = 0;
 };
 
-struct ControllerIdentity {
+// The PCI identity and the texts "/cN show" prints about the adapter.
+struct ControllerIdentity : common::PciIdentity {
+  ControllerIdentity()
+      : common::PciIdentity{.VendorId = 0x1000,
+                            .DeviceId = 0x005D,
+                            .SubVendorId = 0x1000,
+                            .SubDeviceId = 0x9361} {}
+
   std::string ProductName = "AVAGO MegaRAID SAS 9361-8i";
   std::string SerialNumber = "SK00000000";
   std::string FwPackageBuild = "24.21.0-0148";
   std::string FwVersion = "4.680.00-8527";
   std::string BiosVersion = "6.36.00.3_4.19.08.00_0x06180203";
   std::string SasAddress = "500605b000000000";
-  uint8_t Bus = 0;
-  uint8_t Device = 0;
-  uint8_t Function = 0;
-  uint16_t VendorId = 0x1000;
-  uint16_t DeviceId = 0x005D;
-  uint16_t SubVendorId = 0x1000;
-  uint16_t SubDeviceId = 0x9361;
 };
 
 struct AdapterLimits {

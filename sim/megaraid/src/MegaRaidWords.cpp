@@ -1,14 +1,12 @@
 // The tool's words for drive states, interfaces, media and volume states,
 // and the firmware's texts for the status numbers the adapter answers with.
-#include <array>
-#include <utility>
-
+#include "sim/common/WordTable.h"
 #include "sim/megaraid/MegaRaidTypes.h"
 
 namespace sim::megaraid {
 namespace {
 
-constexpr std::array<std::pair<DriveState, const char *>, 9> kDriveStateWords = {{
+constexpr std::pair<DriveState, const char *> kDriveStateWords[] = {
     {DriveState::UGood, "UGood"},
     {DriveState::UBad, "UBad"},
     {DriveState::Onln, "Onln"},
@@ -18,62 +16,54 @@ constexpr std::array<std::pair<DriveState, const char *>, 9> kDriveStateWords = 
     {DriveState::DHS, "DHS"},
     {DriveState::JBOD, "JBOD"},
     {DriveState::Msng, "Msng"},
-}};
+};
+
+constexpr std::pair<DriveInterface, const char *> kInterfaceWords[] = {
+    {DriveInterface::SATA, "SATA"},
+    {DriveInterface::SAS, "SAS"},
+    {DriveInterface::NVMe, "NVMe"},
+};
+
+constexpr std::pair<DriveMedium, const char *> kMediumWords[] = {
+    {DriveMedium::HDD, "HDD"},
+    {DriveMedium::SSD, "SSD"},
+};
+
+constexpr std::pair<VolumeState, const char *> kVolumeStateWords[] = {
+    {VolumeState::Optl, "Optl"},
+    {VolumeState::Dgrd, "Dgrd"},
+    {VolumeState::Pdgd, "Pdgd"},
+    {VolumeState::OfLn, "OfLn"},
+};
 
 }  // namespace
 
 const char *DriveStateWord(DriveState State) {
-  for (const auto &[Code, Word] : kDriveStateWords) {
-    if (Code == State) {
-      return Word;
-    }
-  }
-  return "-";
+  return common::WordOfCode(kDriveStateWords, State, "-");
 }
 
 std::optional<DriveState> DriveStateFromWord(const std::string &Word) {
-  for (const auto &[Code, Text] : kDriveStateWords) {
-    if (Word == Text) {
-      return Code;
-    }
-  }
-  return std::nullopt;
+  return common::CodeOfWord(kDriveStateWords, Word);
 }
 
 const char *InterfaceWord(DriveInterface Interface) {
-  switch (Interface) {
-    case DriveInterface::SATA: return "SATA";
-    case DriveInterface::SAS: return "SAS";
-    case DriveInterface::NVMe: return "NVMe";
-  }
-  return "-";
+  return common::WordOfCode(kInterfaceWords, Interface, "-");
 }
 
 std::optional<DriveInterface> InterfaceFromWord(const std::string &Word) {
-  if (Word == "SATA") return DriveInterface::SATA;
-  if (Word == "SAS") return DriveInterface::SAS;
-  if (Word == "NVMe") return DriveInterface::NVMe;
-  return std::nullopt;
+  return common::CodeOfWord(kInterfaceWords, Word);
 }
 
 const char *MediumWord(DriveMedium Medium) {
-  return Medium == DriveMedium::SSD ? "SSD" : "HDD";
+  return common::WordOfCode(kMediumWords, Medium, "-");
 }
 
 std::optional<DriveMedium> MediumFromWord(const std::string &Word) {
-  if (Word == "HDD") return DriveMedium::HDD;
-  if (Word == "SSD") return DriveMedium::SSD;
-  return std::nullopt;
+  return common::CodeOfWord(kMediumWords, Word);
 }
 
 const char *VolumeStateWord(VolumeState State) {
-  switch (State) {
-    case VolumeState::Optl: return "Optl";
-    case VolumeState::Dgrd: return "Dgrd";
-    case VolumeState::Pdgd: return "Pdgd";
-    case VolumeState::OfLn: return "OfLn";
-  }
-  return "-";
+  return common::WordOfCode(kVolumeStateWords, State, "-");
 }
 
 std::string DriveAddress::Text() const {

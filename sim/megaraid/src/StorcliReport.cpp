@@ -5,6 +5,8 @@
 
 namespace sim::megaraid {
 
+using common::TextTable;
+
 const std::vector<std::string> kTopologyLegend = {
     "DG=Disk Group Index|Arr=Array Index|Row=Row Index|EID=Enclosure Device ID",
     "DID=Device ID|Type=Drive Type|Onln=Online|Rbld=Rebuild|Dgrd=Degraded",
@@ -33,31 +35,24 @@ const std::vector<std::string> kDriveLegend = {
     "UBUnsp=UBad Unsupported",
 };
 
-void Report::Line(const std::string &Text) {
-  Text_ += Text;
-  Text_ += "\r\n";
-}
-
-void Report::Lines(const std::vector<std::string> &Texts) {
-  for (const auto &Text : Texts) {
-    Line(Text);
-  }
-}
-
 void Report::Section(const std::string &Title) {
   Line(Title + " :");
-  Line(std::string(Title.size(), '='));
+  Ruler('=', Title.size());
+}
+
+void Report::Preamble(std::optional<uint32_t> Controller, bool Success) {
+  Pair("CLI Version", Tool_.CliVersion);
+  Pair("Operating system", Tool_.OperatingSystem);
+  if (Controller.has_value()) {
+    Pair("Controller", std::to_string(*Controller));
+  }
+  Pair("Status", Success ? "Success" : "Failure");
 }
 
 void Report::Header(std::optional<uint32_t> Controller, bool Success,
                     const std::string &Description) {
-  Line("CLI Version = " + Tool_.CliVersion);
-  Line("Operating system = " + Tool_.OperatingSystem);
-  if (Controller.has_value()) {
-    Line("Controller = " + std::to_string(*Controller));
-  }
-  Line(std::string("Status = ") + (Success ? "Success" : "Failure"));
-  Line("Description = " + Description);
+  Preamble(Controller, Success);
+  Pair("Description", Description);
 }
 
 void Report::Failure(std::optional<uint32_t> Controller, const Result &Outcome,
@@ -66,18 +61,13 @@ void Report::Failure(std::optional<uint32_t> Controller, const Result &Outcome,
     Header(Controller, false, Description);
     return;
   }
-  Line("CLI Version = " + Tool_.CliVersion);
-  Line("Operating system = " + Tool_.OperatingSystem);
-  if (Controller.has_value()) {
-    Line("Controller = " + std::to_string(*Controller));
-  }
-  Line("Status = Failure");
+  Preamble(Controller, false);
   const std::string Code = std::to_string(Outcome.FirmwareStatus);
   char Hex[16];
   std::snprintf(Hex, sizeof(Hex), "0x%02X", Outcome.FirmwareStatus);
   Line("ErrorCode " + Code + " (" + Hex + ")");
-  Line("ErrorCode " + Code + " Message = " + fw::StatusText(Outcome.FirmwareStatus));
-  Line("ErrorCode " + Code + " Description = " + Description);
+  Pair("ErrorCode " + Code + " Message", fw::StatusText(Outcome.FirmwareStatus));
+  Pair("ErrorCode " + Code + " Description", Description);
 }
 
 void Report::DetailedStatus(

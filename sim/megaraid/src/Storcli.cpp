@@ -3,7 +3,6 @@
 #include "sim/megaraid/Storcli.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "sim/megaraid/StorcliShow.h"
 
@@ -44,14 +43,19 @@ Result ApplyToDrive(Adapter &Target, const Command &Command,
 }  // namespace
 
 Storcli::Storcli(std::vector<Adapter> Adapters, ToolInfo Tool)
-    : Adapters_(std::move(Adapters)), Tool_(std::move(Tool)) {
-  std::stable_sort(Adapters_.begin(), Adapters_.end(),
-                   [](const Adapter &A, const Adapter &B) {
-                     const auto &X = A.Identity();
-                     const auto &Y = B.Identity();
-                     return std::tie(X.Bus, X.Device, X.Function) <
-                            std::tie(Y.Bus, Y.Device, Y.Function);
-                   });
+    : Tool_(std::move(Tool)) {
+  for (Adapter &State : Adapters) {
+    AddAdapter(std::move(State));
+  }
+}
+
+void Storcli::AddAdapter(Adapter State) {
+  const auto Behind = std::upper_bound(
+      Adapters_.begin(), Adapters_.end(), State,
+      [](const Adapter &A, const Adapter &B) {
+        return A.Identity().Location() < B.Identity().Location();
+      });
+  Adapters_.insert(Behind, std::move(State));
 }
 
 std::string Storcli::Run(const std::string &CommandLine) {

@@ -16,7 +16,10 @@ class Storcli {
  public:
   // The adapters are numbered /c0, /c1, ... by ascending PCI bus, device
   // and function.
-  explicit Storcli(std::vector<Adapter> Adapters, ToolInfo Tool = {});
+  explicit Storcli(std::vector<Adapter> Adapters = {}, ToolInfo Tool = {});
+
+  // Puts one more adapter in its place by location, behind any at the same.
+  void AddAdapter(Adapter State);
 
   std::string Run(const std::string &CommandLine);
 

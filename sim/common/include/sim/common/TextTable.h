@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace sim {
+namespace sim::common {
 
 class TextTable {
  public:
@@ -32,4 +32,4 @@ class TextTable {
   std::vector<std::vector<std::string>> Rows_;
 };
 
-}  // namespace sim
+}  // namespace sim::common

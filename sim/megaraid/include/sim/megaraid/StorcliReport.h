@@ -1,7 +1,7 @@
-// Building blocks of storcli's printed reports: the header block ("CLI
-// Version", "Operating system", "Controller", "Status", "Description"),
-// section titles with their "=" underline, tables, legends and the failure
-// blocks. Every line ends in CRLF, as the UEFI build of the tool prints.
+// storcli's own blocks on top of the shared report writer: the header
+// block ("CLI Version", "Operating system", "Controller", "Status",
+// "Description"), "key = value" lines, section titles with their "="
+// underline, legends and the failure blocks.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/TextTable.h"
+#include "sim/common/Report.h"
 #include "sim/megaraid/MegaRaidTypes.h"
 
 namespace sim::megaraid {
@@ -20,13 +20,14 @@ struct ToolInfo {
   std::string OperatingSystem = "UEFI";
 };
 
-class Report {
+class Report : public common::Report {
  public:
   explicit Report(const ToolInfo &Tool) : Tool_(Tool) {}
 
-  void Line(const std::string &Text = {});
-  void Lines(const std::vector<std::string> &Texts);
-  void Table(const TextTable &Table) { Lines(Table.Lines()); }
+  // "Key = Value", storcli's way of printing a property.
+  void Pair(const std::string &Key, const std::string &Value) {
+    KeyValue(Key, " = ", Value);
+  }
   // "Title :" and an underline of "=" as long as the title.
   void Section(const std::string &Title);
   // The header block; Controller is left out for commands without one.
@@ -41,11 +42,11 @@ class Report {
   // Per-drive results: "Detailed Status" with Drive, Status, ErrCd, ErrMsg.
   void DetailedStatus(const std::vector<std::pair<std::string, Result>> &Rows);
 
-  const std::string &Text() const { return Text_; }
-
  private:
+  // The header's lines down to the "Status" line.
+  void Preamble(std::optional<uint32_t> Controller, bool Success);
+
   const ToolInfo &Tool_;
-  std::string Text_;
 };
 
 // The legends storcli prints under its tables.

@@ -1,9 +1,9 @@
 // Column layout of the vendor tools' text tables.
-#include "sim/TextTable.h"
+#include "sim/common/TextTable.h"
 
 #include <algorithm>
 
-namespace sim {
+namespace sim::common {
 
 void TextTable::AddRow(std::vector<std::string> Cells) {
   Cells.resize(Columns_.size());
@@ -46,4 +46,4 @@ std::vector<std::string> TextTable::Lines() const {
   return Lines;
 }
 
-}  // namespace sim
+}  // namespace sim::common

@@ -12,9 +12,10 @@
 
 namespace sim::megaraid {
 
-// Builds an adapter from its JSON object. Throws std::runtime_error naming
-// the offending field when the object is malformed or the state is not one
-// the firmware could hold.
+// Builds an adapter from its JSON object. Throws common::ScenarioError
+// naming the place of a malformed field ("driveGroups[0].members[1]: no
+// drive 252:9"), or saying what is wrong with a state the firmware could
+// not hold.
 Adapter AdapterFromJson(const nlohmann::json &Object);
 std::vector<Adapter> AdaptersFromJson(const nlohmann::json &Array);
 

@@ -2,45 +2,20 @@
 #include "sim/megaraid/StorcliCommand.h"
 
 #include <algorithm>
-#include <cctype>
-#include <sstream>
 
+#include "sim/common/CommandWords.h"
+#include "sim/common/WordTable.h"
 #include "sim/megaraid/Capacity.h"
 
 namespace sim::megaraid {
 namespace {
 
+using common::CommandWords;
+
 constexpr uint32_t kMaxNumber = 0xFFFF;  // no id or slot of the tool is larger
 
-std::string Lower(std::string Text) {
-  for (char &C : Text) {
-    C = static_cast<char>(std::tolower(static_cast<unsigned char>(C)));
-  }
-  return Text;
-}
-
-// A whole word of decimal digits, at most kMaxNumber.
-std::optional<uint32_t> Number(const std::string &Text) {
-  if (Text.empty() || Text.size() > 5 ||
-      !std::all_of(Text.begin(), Text.end(),
-                   [](char C) { return std::isdigit(static_cast<unsigned char>(C)); })) {
-    return std::nullopt;
-  }
-  const uint32_t Value = static_cast<uint32_t>(std::stoul(Text));
-  return Value <= kMaxNumber ? std::optional<uint32_t>(Value) : std::nullopt;
-}
-
-std::vector<std::string> Split(const std::string &Text, char Separator) {
-  std::vector<std::string> Parts;
-  std::string Part;
-  std::istringstream Stream(Text);
-  while (std::getline(Stream, Part, Separator)) {
-    Parts.push_back(Part);
-  }
-  if (!Text.empty() && Text.back() == Separator) {
-    Parts.emplace_back();
-  }
-  return Parts;
+std::optional<uint32_t> Number(std::string_view Text) {
+  return common::Decimal(Text, kMaxNumber);
 }
 
 // "4", "4-7": appends the slots of Enclosure to Drives.
@@ -59,21 +34,6 @@ bool AppendSlots(uint32_t Enclosure, const std::string &Text,
   return true;
 }
 
-struct Words {
-  std::vector<std::string> Items;  // lower case
-  std::vector<std::string> Raw;    // as written
-  size_t Next = 0;
-  bool Done() const { return Next >= Items.size(); }
-  bool Take(const char *Word) {
-    if (!Done() && Items[Next] == Word) {
-      ++Next;
-      return true;
-    }
-    return false;
-  }
-  std::string Current() const { return Done() ? std::string() : Raw[Next]; }
-};
-
 // Path pieces of "/c0/e252/s4,5": kinds and their values.
 struct ObjectPath {
   std::optional<uint32_t> Controller;
@@ -85,24 +45,25 @@ struct ObjectPath {
   bool Foreign = false;
 };
 
-bool ParsePath(const std::string &Text, ObjectPath &Path) {
-  const auto Pieces = Split(Lower(Text).substr(1), '/');
-  if (Pieces.empty() || Pieces[0].size() < 2 || Pieces[0][0] != 'c') {
+bool ParsePath(const std::string &Word, ObjectPath &Path) {
+  const auto Pieces = common::SplitPath(Word);
+  if (!Pieces || Pieces->empty() || (*Pieces)[0].size() < 2 ||
+      (*Pieces)[0][0] != 'c') {
     return false;
   }
-  Path.Controller = Number(Pieces[0].substr(1));
+  Path.Controller = Number((*Pieces)[0].substr(1));
   if (!Path.Controller) {
     return false;
   }
-  for (size_t Index = 1; Index < Pieces.size(); ++Index) {
-    const std::string &Piece = Pieces[Index];
+  for (size_t Index = 1; Index < Pieces->size(); ++Index) {
+    const std::string &Piece = (*Pieces)[Index];
     if (Piece.empty()) {
       return false;
     }
     const std::string Value = Piece.substr(1);
-    if (Piece == "fall" && Pieces.size() == 2) {
+    if (Piece == "fall" && Pieces->size() == 2) {
       Path.Foreign = true;
-    } else if (Piece[0] == 'v' && Pieces.size() == 2) {
+    } else if (Piece[0] == 'v' && Pieces->size() == 2) {
       Path.Volume = Number(Value);
       if (!Path.Volume) return false;
     } else if (Piece[0] == 'e' && Index == 1) {
@@ -119,72 +80,88 @@ bool ParsePath(const std::string &Text, ObjectPath &Path) {
   return true;
 }
 
-// Reads "add vd" words after "add vd" into the request.
-bool ParseAddVolume(Words &In, CreateVolumeRequest &Request) {
-  const std::string Level = In.Current();
-  const std::string LevelWord = Lower(Level);
+// One "key=value" word of "add vd" into the request.
+bool ReadVolumeParameter(const std::string &Key, const std::string &Value,
+                         CreateVolumeRequest &Request, bool &HaveDrives) {
+  if (Key == "size") {
+    Request.SizeMb = ParseSize(Value);
+    return Request.SizeMb.has_value();
+  }
+  if (Key == "name") {
+    Request.Name = Value;
+    return true;
+  }
+  if (Key == "drives") {
+    auto Drives = ParseDriveList(Value);
+    if (!Drives) return false;
+    Request.Drives = *Drives;
+    HaveDrives = true;
+    return true;
+  }
+  if (Key == "pdperarray") {
+    Request.DrivesPerSpan = Number(Value);
+    return Request.DrivesPerSpan.has_value();
+  }
+  if (Key == "pdcache") {
+    const auto Cache = common::CodeOfWord(kDiskCacheWords, common::Lower(Value));
+    if (!Cache) return false;
+    Request.DiskCache = *Cache;
+    return true;
+  }
+  if (Key == "strip") {
+    Request.StripKb = Number(Value);
+    return Request.StripKb.has_value();
+  }
+  if (Key == "aftervd") {
+    Request.AfterVd = Number(Value);
+    return Request.AfterVd.has_value();
+  }
+  return false;
+}
+
+// One policy word of "add vd" ("ra", "wt", "cached"...) into the request.
+bool ReadVolumePolicy(const std::string &Word, CreateVolumeRequest &Request) {
+  if (const auto Read = common::CodeOfWord(kReadPolicyWords, Word)) {
+    Request.Read = *Read;
+  } else if (const auto Write = common::CodeOfWord(kWritePolicyWords, Word)) {
+    Request.Write = *Write;
+  } else if (const auto Io = common::CodeOfWord(kIoPolicyWords, Word)) {
+    Request.Io = *Io;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool IsRaidLevel(uint32_t Level) {
+  return Level == 0 || Level == 1 || Level == 5 || Level == 6 ||
+         Level == 10 || Level == 50 || Level == 60;
+}
+
+// Reads the words after "add vd" into the request.
+bool ParseAddVolume(CommandWords &In, CreateVolumeRequest &Request) {
+  const std::string &LevelWord = In.CurrentLower();
   if (LevelWord.rfind("raid", 0) != 0) {
     return false;
   }
-  const auto Number = megaraid::Number(LevelWord.substr(4));
-  if (!Number || (*Number != 0 && *Number != 1 && *Number != 5 &&
-                  *Number != 6 && *Number != 10 && *Number != 50 &&
-                  *Number != 60)) {
+  const auto Level = Number(std::string_view(LevelWord).substr(4));
+  if (!Level || !IsRaidLevel(*Level)) {
     return false;
   }
-  Request.RaidLevel = *Number;
-  ++In.Next;
+  Request.RaidLevel = *Level;
+  In.Skip();
   bool HaveDrives = false;
-  for (; !In.Done(); ++In.Next) {
-    const std::string &Word = In.Items[In.Next];
-    const std::string &Raw = In.Raw[In.Next];
-    const auto Equal = Word.find('=');
-    const std::string Key = Word.substr(0, Equal);
-    const std::string Value =
-        Equal == std::string::npos ? std::string() : Raw.substr(Equal + 1);
-    if (Equal != std::string::npos && Value.empty()) {
-      return false;
-    }
-    if (Key == "size") {
-      Request.SizeMb = ParseSize(Value);
-      if (!Request.SizeMb) return false;
-    } else if (Key == "name") {
-      Request.Name = Value;
-    } else if (Key == "drives") {
-      auto Drives = ParseDriveList(Value);
-      if (!Drives) return false;
-      Request.Drives = *Drives;
-      HaveDrives = true;
-    } else if (Key == "pdperarray") {
-      Request.DrivesPerSpan = megaraid::Number(Value);
-      if (!Request.DrivesPerSpan) return false;
-    } else if (Key == "pdcache") {
-      const std::string Cache = Lower(Value);
-      if (Cache == "on") Request.DiskCache = DiskCachePolicy::On;
-      else if (Cache == "off") Request.DiskCache = DiskCachePolicy::Off;
-      else if (Cache == "default") Request.DiskCache = DiskCachePolicy::Default;
-      else return false;
-    } else if (Key == "strip") {
-      Request.StripKb = megaraid::Number(Value);
-      if (!Request.StripKb) return false;
-    } else if (Key == "aftervd") {
-      Request.AfterVd = megaraid::Number(Value);
-      if (!Request.AfterVd) return false;
-    } else if (Word == "ra") {
-      Request.Read = ReadPolicy::ReadAhead;
-    } else if (Word == "nora") {
-      Request.Read = ReadPolicy::NoReadAhead;
-    } else if (Word == "wt") {
-      Request.Write = WritePolicy::WriteThrough;
-    } else if (Word == "wb") {
-      Request.Write = WritePolicy::WriteBack;
-    } else if (Word == "awb") {
-      Request.Write = WritePolicy::AlwaysWriteBack;
-    } else if (Word == "cached") {
-      Request.Io = IoPolicy::Cached;
-    } else if (Word == "direct") {
-      Request.Io = IoPolicy::Direct;
+  for (; !In.Done(); In.Skip()) {
+    const auto [Key, Value] = common::SplitKeyed(In.Current());
+    bool Taken = false;
+    if (Value.has_value()) {
+      Taken = !Value->empty() && ReadVolumeParameter(Key, *Value, Request, HaveDrives);
     } else {
+      // A policy, or a parameter written without "=" ("name" names nothing).
+      Taken = ReadVolumePolicy(Key, Request) ||
+              ReadVolumeParameter(Key, "", Request, HaveDrives);
+    }
+    if (!Taken) {
       return false;
     }
   }
@@ -192,7 +169,8 @@ bool ParseAddVolume(Words &In, CreateVolumeRequest &Request) {
 }
 
 // The action words after a drive path.
-std::optional<CommandKind> DriveAction(Words &In, std::vector<uint32_t> &Groups,
+std::optional<CommandKind> DriveAction(CommandWords &In,
+                                       std::vector<uint32_t> &Groups,
                                        bool AllDrives) {
   if (In.Take("set")) {
     if (In.Take("jbod")) return CommandKind::SetJbod;
@@ -211,13 +189,14 @@ std::optional<CommandKind> DriveAction(Words &In, std::vector<uint32_t> &Groups,
     return std::nullopt;
   }
   if (!AllDrives && In.Take("add") && In.Take("hotsparedrive")) {
-    if (!In.Done() && In.Items[In.Next].rfind("dgs=", 0) == 0) {
-      for (const auto &Piece : Split(In.Items[In.Next].substr(4), ',')) {
+    const auto [Key, Value] = common::SplitKeyed(In.Current());
+    if (!In.Done() && Key == "dgs" && Value) {
+      for (const auto &Piece : common::Split(*Value, ',')) {
         const auto Group = Number(Piece);
         if (!Group) return std::nullopt;
         Groups.push_back(*Group);
       }
-      ++In.Next;
+      In.Skip();
     }
     return CommandKind::AddHotSpare;
   }
@@ -225,7 +204,7 @@ std::optional<CommandKind> DriveAction(Words &In, std::vector<uint32_t> &Groups,
 }
 
 // The action words after a /cN, /cN/vN or /cN/fall path.
-bool ControllerAction(Words &In, const ObjectPath &Path, Command &Result) {
+bool ControllerAction(CommandWords &In, const ObjectPath &Path, Command &Result) {
   if (Path.Foreign) {
     Result.Kind = CommandKind::DeleteForeign;
     return In.Take("delete") || In.Take("del");
@@ -263,7 +242,7 @@ std::optional<std::vector<DriveAddress>> ParseDriveList(const std::string &Text)
   std::optional<uint32_t> Enclosure;
   std::string Normalized = Text;
   std::replace(Normalized.begin(), Normalized.end(), '|', ',');
-  for (const auto &Piece : Split(Normalized, ',')) {
+  for (const auto &Piece : common::Split(Normalized, ',')) {
     const auto Colon = Piece.find(':');
     std::string Slots = Piece;
     if (Colon != std::string::npos) {
@@ -282,23 +261,10 @@ std::optional<std::vector<DriveAddress>> ParseDriveList(const std::string &Text)
 
 std::optional<Command> ParseCommand(const std::string &CommandLine,
                                     std::string &BadToken) {
-  Words In;
-  std::istringstream Stream(CommandLine);
-  std::string Word;
-  bool Tool = true;
-  while (Stream >> Word) {
-    const std::string LowerWord = Lower(Word);
-    if (Tool || LowerWord == "mronly" || LowerWord == "nolog") {
-      Tool = false;
-      continue;
-    }
-    In.Items.push_back(LowerWord);
-    In.Raw.push_back(Word);
-  }
+  CommandWords In(CommandLine, {"mronly", "nolog"});
   Command Result;
   auto Fail = [&]() -> std::optional<Command> {
-    BadToken = In.Done() ? (In.Raw.empty() ? std::string() : In.Raw.back())
-                         : In.Current();
+    BadToken = In.Offending();
     return std::nullopt;
   };
   if (In.Take("show")) {
@@ -307,22 +273,22 @@ std::optional<Command> ParseCommand(const std::string &CommandLine,
     return Result;
   }
   ObjectPath Path;
-  if (In.Done() || In.Items[0][0] != '/' || !ParsePath(In.Items[0], Path)) {
+  if (In.Done() || !ParsePath(In.Current(), Path)) {
     return Fail();
   }
-  ++In.Next;
+  In.Skip();
   Result.Controller = *Path.Controller;
   bool Parsed = false;
   if (Path.Enclosure || Path.AllEnclosures) {
     if (Path.AllEnclosures != Path.AllSlots || Path.Slots.empty()) {
-      --In.Next;
+      In.Back();
       return Fail();
     }
     Result.AllDrives = Path.AllEnclosures;
     if (!Result.AllDrives) {
       auto Drives = ParseDriveList(std::to_string(*Path.Enclosure) + ":" + Path.Slots);
       if (!Drives) {
-        --In.Next;
+        In.Back();
         return Fail();
       }
       Result.Drives = *Drives;

@@ -1,0 +1,115 @@
+// Reading a scenario's JSON: required and optional fields, each refusal a
+// ScenarioError whose message names the place in the file, e.g.
+// "pciFunctions[2].location: ..." or "driveGroups[0].virtualDrives[1]: ...".
+// Callers prefix the file name.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include <nlohmann/json.hpp>
+
+#include "sim/common/WordTable.h"
+
+namespace sim::common {
+
+// A scenario that cannot be used; the message names the place.
+class ScenarioError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Where's member Key ("smbios.slots", or "slots" at the top) and element
+// Index ("smbios.slots[0]").
+std::string KeyPlace(const std::string &Where, std::string_view Key);
+std::string IndexPlace(const std::string &Where, size_t Index);
+
+// Throws "Where: What" (What alone at the top, where Where is empty).
+[[noreturn]] void Refuse(const std::string &Where, const std::string &What);
+
+// Refuses a value that is not an object or has a key other than Allowed, so
+// a misspelt key does not pass unseen.
+void CheckKeys(const nlohmann::json &Object, const std::string &Where,
+               std::initializer_list<std::string_view> Allowed);
+const nlohmann::json &RequireArray(const nlohmann::json &Value,
+                                   const std::string &Where);
+
+// Object[Key]; refused when absent.
+const nlohmann::json &Required(const nlohmann::json &Object, const char *Key,
+                               const std::string &Where);
+// Object[Key], or an empty array or object when absent; refused when it is
+// something else.
+const nlohmann::json &ArrayOr(const nlohmann::json &Object, const char *Key,
+                              const std::string &Where);
+const nlohmann::json &ObjectOr(const nlohmann::json &Object, const char *Key,
+                               const std::string &Where);
+
+namespace detail {
+template <typename T>
+constexpr const char *KindName() {
+  if constexpr (std::is_same_v<T, bool>) {
+    return "true or false";
+  } else if constexpr (std::is_arithmetic_v<T>) {
+    return "a number";
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    return "a string";
+  } else {
+    return "a list";
+  }
+}
+}  // namespace detail
+
+// Object[Key] as T (JSON's own conversion), or Default when absent.
+template <typename T>
+T FieldOr(const nlohmann::json &Object, const char *Key,
+          const std::string &Where, T Default) {
+  if (!Object.contains(Key)) {
+    return Default;
+  }
+  try {
+    return Object.at(Key).get<T>();
+  } catch (const nlohmann::json::exception &) {
+    Refuse(KeyPlace(Where, Key),
+           std::string("has the wrong type, expected ") + detail::KindName<T>());
+  }
+}
+
+// Object[Key] as T; refused when absent.
+template <typename T>
+T RequiredField(const nlohmann::json &Object, const char *Key,
+                const std::string &Where) {
+  Required(Object, Key, Where);
+  return FieldOr<T>(Object, Key, Where, T());
+}
+
+// Numbers that may be written as JSON numbers or as strings of hexadecimal
+// digits with or without "0x": "1000", "0x1000" and 4096 are one vendor id.
+// ParseHex is false for a text that is not one.
+bool ParseHex(std::string_view Text, uint64_t &Value);
+uint64_t ReadHexNumber(const nlohmann::json &Value, const std::string &Where,
+                       uint64_t Max);
+uint64_t HexNumberOr(const nlohmann::json &Object, const char *Key,
+                     const std::string &Where, uint64_t Max, uint64_t Default);
+uint64_t RequiredHexNumber(const nlohmann::json &Object, const char *Key,
+                           const std::string &Where, uint64_t Max);
+
+// Object[Key] as one of the words of Words, or Default when absent.
+template <typename Code, size_t N>
+Code WordFieldOr(const nlohmann::json &Object, const char *Key,
+                 const std::string &Where, Code Default,
+                 const std::pair<Code, const char *> (&Words)[N]) {
+  if (!Object.contains(Key)) {
+    return Default;
+  }
+  const auto Word = FieldOr<std::string>(Object, Key, Where, "");
+  if (const auto Value = CodeOfWord(Words, Word)) {
+    return *Value;
+  }
+  Refuse(Where, std::string("unknown ") + Key + " \"" + Word + "\"");
+}
+
+}  // namespace sim::common
