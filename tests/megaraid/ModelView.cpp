@@ -238,6 +238,7 @@ json ExpectedModel(const Adapter &State) {
     const Classified Kind = Classify(State, Drive);
     const auto Group = Drive.Foreign ? std::nullopt : State.GroupOfDrive(Drive.DeviceId);
     const auto [Figure, Unit] = PrintedSize(Drive.SizeMb);
+    // MegaRAID's position is enclosure and slot; the other values stay 0.
     Table.push_back(
         {{"Id", Drive.DeviceId},
          {"Location", Drive.Address.Text()},
@@ -248,7 +249,7 @@ json ExpectedModel(const Adapter &State) {
          {"SizeUnit", Unit},
          {"Role", Kind.Role},
          {"Owner", Group ? "Array" + std::to_string(*Group) : "controller"},
-         {"Position", {Drive.Address.Enclosure, Drive.Address.Slot}}});
+         {"Position", {Drive.Address.Enclosure, Drive.Address.Slot, 0, 0, 0}}});
     if (Group) {
       continue;
     }

@@ -102,7 +102,7 @@ VOID RecordOrNull(Writer &Out, const CHAR8 *Name, const Record *Optional) {
 
 // ---- Drives ------------------------------------------------------------------
 
-// The enclosure and slot values; null without a record.
+// Every position value, whichever the backend uses; null without a record.
 template <typename Writer>
 VOID PositionField(Writer &Out, const RAID_DRIVE_POSITION *Position) {
   if (Position == nullptr) {
@@ -110,8 +110,9 @@ VOID PositionField(Writer &Out, const RAID_DRIVE_POSITION *Position) {
     return;
   }
   Out.List("Position", [Position](auto &Values) {
-    Values.Number(nullptr, Position->Values[0]);
-    Values.Number(nullptr, Position->Values[1]);
+    for (UINT32 Value : Position->Values) {
+      Values.Number(nullptr, Value);
+    }
   });
 }
 
