@@ -79,27 +79,41 @@ TEST(ModelDump, CapabilityListsFollowRaidXml) {
   }
 }
 
+std::vector<std::string> KeysOf(const host::ModelJson &Object) {
+  std::vector<std::string> Keys;
+  for (const auto &Item : Object.items()) {
+    Keys.push_back(Item.key());
+  }
+  return Keys;
+}
+
 TEST(ModelDump, ControllerAndPrivateKeysInOrder) {
   DumpRun Run = RunDump(FourFamilyScenario());
   const auto &Controller = Run.Model["controllers"][0];
-  std::vector<std::string> Keys;
-  for (const auto &Item : Controller.items()) {
-    Keys.push_back(Item.key());
-  }
-  EXPECT_EQ(Keys, (std::vector<std::string>{
-                      "Id", "ToolType", "Name", "FirmwareVersion",
-                      "SerialNumber", "SlotNumber", "DiskDriveCount",
-                      "UnconfiguredDriveCount", "GlobalSpareCount",
-                      "DriveTable", "PhysicalDrives", "SpareDrives", "Arrays",
-                      "Private", "Capability"}));
-  Keys.clear();
-  for (const auto &Item : Controller["Private"].items()) {
-    Keys.push_back(Item.key());
-  }
-  EXPECT_EQ(Keys, (std::vector<std::string>{
-                      "CardId", "StorageId", "ProductName", "Bus", "Device",
-                      "Function", "VendorId", "DeviceId", "SubVendorId",
-                      "SubDeviceId", "Flags", "Signature"}));
+  EXPECT_EQ(KeysOf(Controller),
+            (std::vector<std::string>{
+                "Id", "ToolType", "Name", "FirmwareVersion", "SerialNumber",
+                "SlotNumber", "DiskDriveCount", "UnconfiguredDriveCount",
+                "GlobalSpareCount", "DriveTable", "PhysicalDrives",
+                "SpareDrives", "Arrays", "Private", "Capability"}));
+  EXPECT_EQ(KeysOf(Controller["Private"]),
+            (std::vector<std::string>{
+                "CardId", "StorageId", "ProductName", "Bus", "Device",
+                "Function", "VendorId", "DeviceId", "SubVendorId",
+                "SubDeviceId", "Flags", "Signature"}));
+}
+
+// Every position value is printed, the ones MegaRAID leaves unused too.
+TEST(ModelDump, DriveKeysInOrderWithAllFivePositionValues) {
+  DumpRun Run = RunDump(FourFamilyScenario());
+  const auto &Drives = Run.Model["controllers"][0]["PhysicalDrives"];
+  ASSERT_EQ(Drives.size(), 2u);
+  EXPECT_EQ(KeysOf(Drives[1]),
+            (std::vector<std::string>{"Id", "Location", "Model", "MediaType",
+                                      "State", "SizeFigure", "SizeUnit",
+                                      "Role", "Position"}));
+  EXPECT_EQ(Drives[1]["Location"], "252:1");
+  EXPECT_EQ(Drives[1]["Position"], host::ModelJson({252, 1, 0, 0, 0}));
 }
 
 TEST(ModelDump, NoPoolAllocationOutlivesTheRun) {

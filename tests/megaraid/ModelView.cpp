@@ -7,6 +7,8 @@
 #include <list>
 #include <string>
 
+#include "model/RaidModelFields.h"
+#include "native/ModelDump.h"
 #include "sim/megaraid/Capacity.h"
 
 namespace megaraid_test {
@@ -15,52 +17,44 @@ namespace {
 using nlohmann::json;
 using namespace sim::megaraid;
 
-json Text(const CHAR16 *Value) {
-  if (Value == nullptr) {
-    return nullptr;
-  }
-  std::string Result;
-  for (; *Value != 0; ++Value) {
-    Result += *Value < 0x80 ? static_cast<char>(*Value) : '?';
-  }
-  return Result;
-}
+// The model's fields as the dump writes them, into unordered JSON.
+using FieldWriter = host::JsonFieldWriter<json>;
 
-template <auto Link, typename Record>
-std::vector<Record *> Records(const LIST_ENTRY &Head) {
-  std::vector<Record *> Result;
-  for (Record *Item : uefi::ListOf<Link>(const_cast<LIST_ENTRY &>(Head))) {
-    Result.push_back(Item);
-  }
-  return Result;
-}
-
-std::vector<RAID_PHYSICAL_DRIVE *> Drives(const LIST_ENTRY &Head) {
-  return Records<&RAID_PHYSICAL_DRIVE::Link, RAID_PHYSICAL_DRIVE>(Head);
+template <typename Visit>
+json ObjectOf(Visit WriteFields) {
+  json Object = json::object();
+  FieldWriter Out(Object);
+  WriteFields(Out);
+  return Object;
 }
 
 json DriveIds(const LIST_ENTRY &Head) {
   json Ids = json::array();
-  for (const RAID_PHYSICAL_DRIVE *Drive : Drives(Head)) {
-    Ids.push_back(Drive->Id);
-  }
+  raid_model::EachRecord<RAID_PHYSICAL_DRIVE>(
+      Head, [&Ids](const RAID_PHYSICAL_DRIVE &Drive) { Ids.push_back(Drive.Id); });
   return Ids;
 }
 
-json SegmentJson(const RAID_VOLUME *Segment) {
-  json Object = {{"Id", Segment->Id},
-                 {"Name", Text(Segment->Name)},
-                 {"IsVolume", Segment->IsVolume},
-                 {"SizeFigure", Segment->SizeFigure},
-                 {"SizeUnit", Segment->SizeUnit},
-                 {"State", Segment->State}};
-  if (Segment->IsVolume == 1) {
-    Object["StripeSize"] = Segment->StripeSize;
-    Object["ReadPolicy"] = Segment->ReadPolicy;
-    Object["WritePolicy"] = Segment->WritePolicy;
-    Object["IoPolicy"] = Segment->IoPolicy;
-    Object["DiskCachePolicy"] = Segment->DiskCachePolicy;
-  }
+// A free segment's settings are whatever the backend left there: only a
+// volume's are compared.
+json SegmentJson(const RAID_VOLUME &Segment) {
+  return ObjectOf([&Segment](FieldWriter &Out) {
+    raid_model::SegmentPlaceFields(Out, Segment);
+    if (Segment.IsVolume == 1) {
+      raid_model::VolumeSettingFields(Out, Segment);
+    }
+  });
+}
+
+json ArrayJson(const RAID_ARRAY &Array) {
+  json Object = ObjectOf(
+      [&Array](FieldWriter &Out) { raid_model::ArraySummaryFields(Out, Array); });
+  Object["Drives"] = DriveIds(Array.DriveList);
+  Object["Segments"] = json::array();
+  raid_model::EachRecord<RAID_VOLUME>(
+      Array.SegmentList, [&Object](const RAID_VOLUME &Segment) {
+        Object["Segments"].push_back(SegmentJson(Segment));
+      });
   return Object;
 }
 
@@ -195,27 +189,16 @@ json ExpectedSegments(const Adapter &State, uint32_t Group,
 
 json DriveJson(const RAID_CONTROLLER *Controller,
                const RAID_PHYSICAL_DRIVE *Drive) {
-  json Owner = nullptr;
+  json Object = ObjectOf(
+      [Drive](FieldWriter &Out) { raid_model::Fields(Out, *Drive); });
+  Object["Owner"] = nullptr;
   if (Drive->Owner == Controller) {
-    Owner = "controller";
+    Object["Owner"] = "controller";
   } else if (Drive->Owner != nullptr) {
-    Owner = "Array" +
-            std::to_string(static_cast<const RAID_ARRAY *>(Drive->Owner)->Id);
+    Object["Owner"] =
+        "Array" + std::to_string(static_cast<const RAID_ARRAY *>(Drive->Owner)->Id);
   }
-  json Position = nullptr;
-  if (Drive->Position != nullptr) {
-    Position = {Drive->Position->Values[0], Drive->Position->Values[1]};
-  }
-  return {{"Id", Drive->Id},
-          {"Location", Text(Drive->Location)},
-          {"Model", Text(Drive->Model)},
-          {"MediaType", Drive->MediaType},
-          {"State", Drive->State},
-          {"SizeFigure", Drive->SizeFigure},
-          {"SizeUnit", Drive->SizeUnit},
-          {"Role", Drive->Role},
-          {"Owner", Owner},
-          {"Position", Position}};
+  return Object;
 }
 
 json ModelJson(const RAID_CONTROLLER *Controller) {
@@ -226,37 +209,24 @@ json ModelJson(const RAID_CONTROLLER *Controller) {
     Table.push_back(DriveJson(Controller, Controller->DriveTable[Index]));
   }
   json Arrays = json::array();
-  for (const RAID_ARRAY *Array :
-       Records<&RAID_ARRAY::Link, RAID_ARRAY>(Controller->ArrayList)) {
-    json Segments = json::array();
-    for (const RAID_VOLUME *Segment :
-         Records<&RAID_VOLUME::Link, RAID_VOLUME>(Array->SegmentList)) {
-      Segments.push_back(SegmentJson(Segment));
-    }
-    Arrays.push_back({{"Id", Array->Id},
-                      {"Name", Text(Array->Name)},
-                      {"RaidLevel", Array->RaidLevel},
-                      {"SizeFigure", Array->SizeFigure},
-                      {"SizeUnit", Array->SizeUnit},
-                      {"FreeCapacity", Array->FreeCapacity},
-                      {"FreeCapacityUnit", Array->FreeCapacityUnit},
-                      {"MemberDriveCount", Array->MemberDriveCount},
-                      {"DedicatedSpareCount", Array->DedicatedSpareCount},
-                      {"VolumeCount", Array->VolumeCount},
-                      {"FreeSegmentCount", Array->FreeSegmentCount},
-                      {"Drives", DriveIds(Array->DriveList)},
-                      {"Segments", Segments}});
-  }
-  return {{"ProductName", Text(Controller->Private->ProductName)},
-          {"SerialNumber", Text(Controller->SerialNumber)},
-          {"FirmwareVersion", Text(Controller->FirmwareVersion)},
-          {"DiskDriveCount", Controller->DiskDriveCount},
-          {"UnconfiguredDriveCount", Controller->UnconfiguredDriveCount},
-          {"GlobalSpareCount", Controller->GlobalSpareCount},
-          {"DriveTable", Table},
-          {"PhysicalDrives", DriveIds(Controller->PhysicalDriveList)},
-          {"SpareDrives", DriveIds(Controller->SpareDriveList)},
-          {"Arrays", Arrays}};
+  raid_model::EachRecord<RAID_ARRAY>(
+      Controller->ArrayList,
+      [&Arrays](const RAID_ARRAY &Array) { Arrays.push_back(ArrayJson(Array)); });
+  // The controller as the adapter's reports show it: no PCI identity, no
+  // capability.
+  json Object = ObjectOf([Controller](FieldWriter &Out) {
+    raid_model::Field(Out, "ProductName", Controller->Private->ProductName);
+    raid_model::Field(Out, "SerialNumber", Controller->SerialNumber);
+    raid_model::Field(Out, "FirmwareVersion", Controller->FirmwareVersion);
+    raid_model::Field(Out, "DiskDriveCount", Controller->DiskDriveCount);
+    raid_model::Field(Out, "UnconfiguredDriveCount", Controller->UnconfiguredDriveCount);
+    raid_model::Field(Out, "GlobalSpareCount", Controller->GlobalSpareCount);
+  });
+  Object["DriveTable"] = Table;
+  Object["PhysicalDrives"] = DriveIds(Controller->PhysicalDriveList);
+  Object["SpareDrives"] = DriveIds(Controller->SpareDriveList);
+  Object["Arrays"] = Arrays;
+  return Object;
 }
 
 json ExpectedModel(const Adapter &State) {
@@ -268,6 +238,7 @@ json ExpectedModel(const Adapter &State) {
     const Classified Kind = Classify(State, Drive);
     const auto Group = Drive.Foreign ? std::nullopt : State.GroupOfDrive(Drive.DeviceId);
     const auto [Figure, Unit] = PrintedSize(Drive.SizeMb);
+    // MegaRAID's position is enclosure and slot; the other values stay 0.
     Table.push_back(
         {{"Id", Drive.DeviceId},
          {"Location", Drive.Address.Text()},
@@ -278,7 +249,7 @@ json ExpectedModel(const Adapter &State) {
          {"SizeUnit", Unit},
          {"Role", Kind.Role},
          {"Owner", Group ? "Array" + std::to_string(*Group) : "controller"},
-         {"Position", {Drive.Address.Enclosure, Drive.Address.Slot}}});
+         {"Position", {Drive.Address.Enclosure, Drive.Address.Slot, 0, 0, 0}}});
     if (Group) {
       continue;
     }

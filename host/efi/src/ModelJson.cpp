@@ -1,5 +1,5 @@
-// Writing the model's records as JSON, field by field, in the order of the
-// native host's dump.
+// Writing the model's records as JSON through the model's shared field
+// lists, in the order of the native host's dump.
 #include "ModelJson.h"
 
 #include <Library/BaseLib.h>
@@ -7,82 +7,45 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 
+#include "model/RaidModelFields.h"
+
 namespace {
 
-// Guards against a corrupt ring: no list of the model is this long.
-constexpr UINTN kMaxListLength = 4096;
-
-// A growing text in the pool; once an allocation fails it stays failed.
+// A growing JSON text in the pool, written as raid_model's field lists
+// visit the model; once an allocation fails it stays failed.
 class JsonText {
  public:
   ~JsonText() { FreePool(Text_); }
 
-  VOID Raw(const CHAR8 *Text) { Append(Text, AsciiStrLen(Text)); }
-
-  // A member's name (plain ASCII); its value follows.
-  VOID Key(const CHAR8 *Name) {
-    Separator();
-    Raw("\"");
-    Raw(Name);
-    Raw("\":");
-    PendingValue_ = TRUE;
-  }
-
-  VOID Number(UINT64 Value) {
+  VOID Number(const CHAR8 *Name, UINT64 Value) {
     CHAR8 Digits[24];
-    Value_();
+    Begin(Name);
     Append(Digits, AsciiSPrint(Digits, sizeof(Digits), "%lu", Value));
   }
 
-  // A member with a number or a CHAR16 string (null for NULL) as its value.
-  VOID Field(const CHAR8 *Name, UINT64 Value) {
-    Key(Name);
-    Number(Value);
+  VOID Text(const CHAR8 *Name, const CHAR16 *Value) {
+    Begin(Name);
+    Quoted(Value);
   }
 
-  VOID Field(const CHAR8 *Name, const CHAR16 *Value) {
-    Key(Name);
-    Text(Value);
+  VOID Ascii(const CHAR8 *Name, const CHAR8 *Value) {
+    Begin(Name);
+    Quoted(Value);
   }
 
-  VOID Null() {
-    Value_();
+  VOID Null(const CHAR8 *Name) {
+    Begin(Name);
     Raw("null");
   }
 
-  // A CHAR16 string as a JSON string (null for NULL); pairs of surrogates
-  // stay two escapes, which JSON reads as one character.
-  VOID Text(const CHAR16 *Text) {
-    if (Text == nullptr) {
-      Null();
-      return;
-    }
-    Value_();
-    Raw("\"");
-    for (const CHAR16 *C = Text; *C != 0; C++) {
-      Character(*C);
-    }
-    Raw("\"");
+  template <typename Fill>
+  VOID Object(const CHAR8 *Name, Fill Members) {
+    Nested(Name, "{", "}", Members);
   }
 
-  VOID String(const CHAR8 *Text) {
-    Value_();
-    Raw("\"");
-    for (const CHAR8 *C = Text; *C != 0; C++) {
-      Character(static_cast<UINT8>(*C));
-    }
-    Raw("\"");
-  }
-
-  VOID Open(const CHAR8 *Bracket) {
-    Value_();
-    Raw(Bracket);
-    First_ = TRUE;
-  }
-
-  VOID Close(const CHAR8 *Bracket) {
-    Raw(Bracket);
-    First_ = FALSE;
+  template <typename Fill>
+  VOID List(const CHAR8 *Name, Fill Items) {
+    Nested(Name, "[", "]", Items);
   }
 
   CHAR8 *Release() {
@@ -95,20 +58,42 @@ class JsonText {
   }
 
  private:
-  // Before a value: its comma, unless it follows its key.
-  VOID Value_() {
-    if (PendingValue_) {
-      PendingValue_ = FALSE;
-      return;
-    }
-    Separator();
+  template <typename Fill>
+  VOID Nested(const CHAR8 *Name, const CHAR8 *Open, const CHAR8 *Close, Fill Write) {
+    Begin(Name);
+    Raw(Open);
+    First_ = TRUE;
+    Write(*this);
+    Raw(Close);
+    First_ = FALSE;
   }
 
-  VOID Separator() {
+  // Before a value: its comma unless it is the first in its object or
+  // list, then its name (plain ASCII) when it is a member.
+  VOID Begin(const CHAR8 *Name) {
     if (!First_) {
       Raw(",");
     }
     First_ = FALSE;
+    if (Name != nullptr) {
+      Raw("\"");
+      Raw(Name);
+      Raw("\":");
+    }
+  }
+
+  VOID Raw(const CHAR8 *Text) { Append(Text, AsciiStrLen(Text)); }
+
+  // A string as a JSON string; pairs of surrogates stay two escapes, which
+  // JSON reads as one character.
+  template <typename Char>
+  VOID Quoted(const Char *Value) {
+    Raw("\"");
+    for (const Char *C = Value; *C != 0; C++) {
+      // CHAR8 may be signed: its bytes are the codes 0-255.
+      Character(sizeof(Char) == 1 ? static_cast<UINT8>(*C) : static_cast<UINT32>(*C));
+    }
+    Raw("\"");
   }
 
   VOID Character(UINT32 C) {
@@ -153,196 +138,16 @@ class JsonText {
   UINTN Capacity_ = 0;
   BOOLEAN Failed_ = FALSE;
   BOOLEAN First_ = TRUE;
-  BOOLEAN PendingValue_ = FALSE;
 };
-
-// Calls Write for each record of the ring Head, as a JSON array.
-template <auto Link, typename WriteOne>
-VOID List(JsonText &Json, LIST_ENTRY &Head, WriteOne Write) {
-  Json.Open("[");
-  if (Head.ForwardLink != nullptr && Head.BackLink != nullptr) {
-    UINTN Count = 0;
-    for (auto *Record : uefi::ListOf<Link>(Head)) {
-      if (++Count > kMaxListLength) {
-        break;
-      }
-      Write(Json, *Record);
-    }
-  }
-  Json.Close("]");
-}
-
-VOID Drive(JsonText &J, const RAID_PHYSICAL_DRIVE &D) {
-  J.Open("{");
-  J.Field("Id", D.Id);
-  J.Field("Location", D.Location);
-  J.Field("Model", D.Model);
-  J.Field("MediaType", D.MediaType);
-  J.Field("State", D.State);
-  J.Field("SizeFigure", D.SizeFigure);
-  J.Field("SizeUnit", D.SizeUnit);
-  J.Field("Role", D.Role);
-  J.Key("Position");
-  if (D.Position == nullptr) {
-    J.Null();
-  } else {
-    J.Open("[");
-    J.Number(D.Position->Values[0]);
-    J.Number(D.Position->Values[1]);
-    J.Close("]");
-  }
-  J.Close("}");
-}
-
-VOID Segment(JsonText &J, const RAID_VOLUME &S) {
-  J.Open("{");
-  J.Field("Id", S.Id);
-  J.Field("Name", S.Name);
-  J.Field("IsVolume", S.IsVolume);
-  J.Field("SizeFigure", S.SizeFigure);
-  J.Field("SizeUnit", S.SizeUnit);
-  J.Field("State", S.State);
-  J.Field("StripeSize", S.StripeSize);
-  J.Field("ReadPolicy", S.ReadPolicy);
-  J.Field("WritePolicy", S.WritePolicy);
-  J.Field("IoPolicy", S.IoPolicy);
-  J.Field("DiskCachePolicy", S.DiskCachePolicy);
-  J.Close("}");
-}
-
-VOID Array(JsonText &J, RAID_ARRAY &A) {
-  J.Open("{");
-  J.Field("Id", A.Id);
-  J.Field("Name", A.Name);
-  J.Field("RaidLevel", A.RaidLevel);
-  J.Field("SizeFigure", A.SizeFigure);
-  J.Field("SizeUnit", A.SizeUnit);
-  J.Field("FreeCapacity", A.FreeCapacity);
-  J.Field("FreeCapacityUnit", A.FreeCapacityUnit);
-  J.Field("MemberDriveCount", A.MemberDriveCount);
-  J.Field("DedicatedSpareCount", A.DedicatedSpareCount);
-  J.Field("VolumeCount", A.VolumeCount);
-  J.Field("FreeSegmentCount", A.FreeSegmentCount);
-  J.Key("Drives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, A.DriveList, Drive);
-  J.Key("Segments"), List<&RAID_VOLUME::Link>(J, A.SegmentList, Segment);
-  J.Close("}");
-}
-
-VOID Level(JsonText &J, const RAID_LEVEL_CAP &L) {
-  J.Open("{");
-  J.Field("Name", L.Name);
-  J.Field("Level", L.Level);
-  J.Field("IsDefault", L.IsDefault);
-  J.Field("MinPhysicalDrives", L.MinPhysicalDrives);
-  J.Field("MaxPhysicalDrives", L.MaxPhysicalDrives);
-  J.Field("MaxLogicalDrives", L.MaxLogicalDrives);
-  J.Close("}");
-}
-
-VOID Policy(JsonText &J, const RAID_POLICY_ENTRY &P) {
-  J.Open("{");
-  J.Field("Name", P.Name);
-  J.Field("Value", P.Value);
-  J.Field("IsDefault", P.IsDefault);
-  J.Close("}");
-}
-
-VOID Capability(JsonText &J, RAID_CAPABILITY *C) {
-  if (C == nullptr) {
-    J.Null();
-    return;
-  }
-  J.Open("{");
-  J.Field("ControllerName", C->ControllerName);
-  J.Key("Levels"), List<&RAID_LEVEL_CAP::Link>(J, C->LevelList, Level);
-  J.Key("ReadPolicies"), List<&RAID_POLICY_ENTRY::Link>(J, C->ReadPolicyList, Policy);
-  J.Key("WritePolicies"), List<&RAID_POLICY_ENTRY::Link>(J, C->WritePolicyList, Policy);
-  J.Key("IoPolicies"), List<&RAID_POLICY_ENTRY::Link>(J, C->IoPolicyList, Policy);
-  J.Key("DiskCachePolicies"),
-      List<&RAID_POLICY_ENTRY::Link>(J, C->DiskCachePolicyList, Policy);
-  J.Key("StripeSizes"), List<&RAID_POLICY_ENTRY::Link>(J, C->StripeSizeList, Policy);
-  J.Field("MaxVolumeNameStingLength", C->MaxVolumeNameStingLength);
-  J.Field("MaxHotSpares", C->MaxHotSpares);
-  J.Field("MaxArrays", C->MaxArrays);
-  J.Field("MaxLogicalDrivesInArray", C->MaxLogicalDrivesInArray);
-  J.Field("MaxTotalLogicalDrives", C->MaxTotalLogicalDrives);
-  J.Field("MaxTotalPhysicalDrives", C->MaxTotalPhysicalDrives);
-  J.Field("ToolName", C->ToolName);
-  J.Close("}");
-}
-
-VOID Private(JsonText &J, const RAID_CONTROLLER_PRIVATE *P) {
-  if (P == nullptr) {
-    J.Null();
-    return;
-  }
-  CHAR8 Signature[RAID_SIGNATURE_SIZE + 1] = {};
-  for (UINTN I = 0; I < RAID_SIGNATURE_SIZE && P->Operations.Signature[I] != 0; I++) {
-    Signature[I] = P->Operations.Signature[I];
-  }
-  J.Open("{");
-  J.Field("CardId", P->CardId);
-  J.Field("StorageId", P->StorageId);
-  J.Field("ProductName", P->ProductName);
-  J.Field("Bus", P->Bus);
-  J.Field("Device", P->Device);
-  J.Field("Function", P->Function);
-  J.Field("VendorId", P->VendorId);
-  J.Field("DeviceId", P->DeviceId);
-  J.Field("SubVendorId", P->SubVendorId);
-  J.Field("SubDeviceId", P->SubDeviceId);
-  J.Field("Flags", P->Flags);
-  J.Key("Signature"), J.String(Signature);
-  J.Close("}");
-}
-
-VOID DriveTable(JsonText &J, const RAID_CONTROLLER &C) {
-  J.Open("[");
-  for (UINT32 I = 0; C.DriveTable != nullptr && I < C.DiskDriveCount; I++) {
-    if (C.DriveTable[I] == nullptr) {
-      break;
-    }
-    J.Number(C.DriveTable[I]->Id);
-  }
-  J.Close("]");
-}
-
-VOID Controller(JsonText &J, RAID_CONTROLLER &C) {
-  J.Open("{");
-  J.Field("Id", C.Id);
-  J.Field("ToolType", C.ToolType);
-  J.Field("Name", C.Name);
-  J.Field("FirmwareVersion", C.FirmwareVersion);
-  J.Field("SerialNumber", C.SerialNumber);
-  J.Field("SlotNumber", C.SlotNumber);
-  J.Field("DiskDriveCount", C.DiskDriveCount);
-  J.Field("UnconfiguredDriveCount", C.UnconfiguredDriveCount);
-  J.Field("GlobalSpareCount", C.GlobalSpareCount);
-  J.Key("DriveTable"), DriveTable(J, C);
-  J.Key("PhysicalDrives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, C.PhysicalDriveList, Drive);
-  J.Key("SpareDrives"), List<&RAID_PHYSICAL_DRIVE::Link>(J, C.SpareDriveList, Drive);
-  J.Key("Arrays"), List<&RAID_ARRAY::Link>(J, C.ArrayList, Array);
-  J.Key("Private"), Private(J, C.Private);
-  J.Key("Capability"), Capability(J, C.Capability);
-  J.Close("}");
-}
 
 }  // namespace
 
 CHAR8 *BuildModelJson(EFI_STATUS Status, UINT32 ErrorCode, LIST_ENTRY *Controllers) {
   JsonText Json;
-  CHAR8 StatusName[64];
-  AsciiSPrint(StatusName, sizeof(StatusName), "%r", Status);
-  Json.Open("{");
-  Json.Key("status"), Json.String(StatusName);
-  Json.Field("errorCode", ErrorCode);
-  Json.Key("controllers");
-  if (Controllers == nullptr) {
-    Json.Open("[");
-    Json.Close("]");
-  } else {
-    List<&RAID_CONTROLLER::Link>(Json, *Controllers, Controller);
-  }
-  Json.Close("}");
+  CHAR8 StatusText[64];
+  AsciiSPrint(StatusText, sizeof(StatusText), "%r", Status);
+  Json.Object(nullptr, [&](JsonText &Members) {
+    raid_model::ModelFields(Members, StatusText, ErrorCode, Controllers);
+  });
   return Json.Release();
 }
