@@ -95,3 +95,11 @@ function(_efi_image_hii_resource target package_list out)
   set_source_files_properties(${res} PROPERTIES EXTERNAL_OBJECT TRUE GENERATED TRUE)
   set(${out} ${res} PARENT_SCOPE)
 endfunction()
+
+# clang with the Windows target simulates MSVC, for which CMake writes no
+# dependency files: a changed header would not rebuild the objects that
+# include it. clang writes make-style dependency files as usual.
+set(CMAKE_DEPFILE_FLAGS_CXX "-MD -MT <DEP_TARGET> -MF <DEP_FILE>")
+set(CMAKE_CXX_DEPFILE_FORMAT gcc)
+set(CMAKE_DEPFILE_FLAGS_C "-MD -MT <DEP_TARGET> -MF <DEP_FILE>")
+set(CMAKE_C_DEPFILE_FORMAT gcc)

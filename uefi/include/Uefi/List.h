@@ -171,18 +171,20 @@ typename LinkTraits<Link>::Type *RecordOf(LIST_ENTRY *Node) {
 }
 
 // Read-only walk over a list's records, for code that only looks (model
-// writers, counts): the records come as pointers to const.
-template <auto Link>
+// writers, counts): the records come as pointers to const. Keyed by the
+// record type as well as the link: clang names a pointer to a member by its
+// offset alone in the EFI build, and every Link sits at offset 0.
+template <typename Record, LIST_ENTRY Record::*Link>
 class ConstListRange {
  public:
-  using Record = typename LinkTraits<Link>::Type;
   explicit ConstListRange(const LIST_ENTRY &Head) : Head_(&Head) {}
 
   class Iterator {
    public:
     explicit Iterator(const LIST_ENTRY *Node) : Node_(Node) {}
     const Record *operator*() const {
-      return RecordOf<Link>(const_cast<LIST_ENTRY *>(Node_));
+      return ListRange<Record, Link>::FromLink(
+          const_cast<LIST_ENTRY *>(Node_));
     }
     Iterator &operator++() {
       Node_ = Node_->ForwardLink;
@@ -207,8 +209,9 @@ class ConstListRange {
 };
 
 template <auto Link>
-ConstListRange<Link> ConstListOf(const LIST_ENTRY &Head) {
-  return ConstListRange<Link>(Head);
+ConstListRange<typename LinkTraits<Link>::Type, Link> ConstListOf(
+    const LIST_ENTRY &Head) {
+  return ConstListRange<typename LinkTraits<Link>::Type, Link>(Head);
 }
 
 // Unlinks and returns the first record of a list, or NULL when it is empty
