@@ -355,7 +355,13 @@ EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array, const CHAR16 *RowText) {
     uefi::PoolPtr<CHAR16> Text(RaidFormatText(
         StrLen(Volumes[Index]->Name) + 16, u"VD%d: %s", Volumes[Index]->Id,
         Volumes[Index]->Name));
-    if (Text && StrStr(RowText, Text.Get()) != nullptr) {
+    // A virtual disk whose text cannot be made might be the chosen one:
+    // nothing is deleted.
+    if (!Text) {
+      ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+      return EFI_OUT_OF_RESOURCES;
+    }
+    if (StrStr(RowText, Text.Get()) != nullptr) {
       Target = Volumes[Index];
     }
   }
@@ -609,6 +615,9 @@ RAID_CONTROL_CALLBACK(RaidCntrllerSelDelCallback) {
   }
   // The row's text goes when the table is rebuilt; keep a copy.
   uefi::PoolPtr<CHAR16> RowName(AllocString(Selected));
+  if (!RowName) {
+    ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+  }
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   UINT32 ArrayCount = ListArrays(Arrays);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Array count = %d\n", ArrayCount);
@@ -632,6 +641,9 @@ RAID_CONTROL_CALLBACK(RaidCntrllerSelDelCallback) {
                Status);
     if (!EFI_ERROR(Status)) {
       return EFI_SUCCESS;
+    }
+    if (Status == EFI_OUT_OF_RESOURCES) {
+      break;
     }
     ArrayCount = ListArrays(Arrays);
   }

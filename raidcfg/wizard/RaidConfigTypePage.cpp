@@ -369,7 +369,13 @@ RAID_CONTROL_CALLBACK(_RaidLevelSelNextButtonCallback) {
   if (gRecompute != 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Update volume parameters\n");
     RaidInstantiatePage(__func__, RAID_PAGE_SIMPLE_VERIFY);
-    UpdateSimpleConfigNewVolumeParameters();
+    // Nothing is planned: the operator is told and stays here, and the
+    // next Next plans again.
+    if (!UpdateSimpleConfigNewVolumeParameters()) {
+      ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+      RaidShowPage(kLevelPage, RAID_NODE_NEXT);
+      return EFI_SUCCESS;
+    }
     gRecompute = 0;
     ShowTable5(RAID_PAGE_SIMPLE_VERIFY);
   }

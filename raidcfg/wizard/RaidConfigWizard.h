@@ -99,8 +99,9 @@ VOID ShowTable5(UINT32 Page);
 // The first "Volume%d" (from 1) that no virtual disk of the controller has,
 // written into Name of NameCharacters characters.
 VOID GetDefaultVolumeName(CHAR16 *Name, UINTN NameCharacters);
-// Computes the simple configuration's planned virtual disk.
-VOID UpdateSimpleConfigNewVolumeParameters();
+// Computes the simple configuration's planned virtual disk; FALSE when it
+// could not be allocated whole, and nothing is planned.
+[[nodiscard]] BOOLEAN UpdateSimpleConfigNewVolumeParameters();
 // Whether page 3 asks for a hot spare the adapter may add.
 BOOLEAN RaidSimpleHotSpareWanted();
 // Page 2 after a finished creation: simple configuration selectable again,

@@ -35,6 +35,9 @@ constinit UINT32 gPosition = 0;
 constinit HOST_PAGE_NODE *gRow = nullptr;
 constinit EFI_STATUS gLastStatus = EFI_SUCCESS;
 constinit UINT32 gLastErrorCode = 0;
+// Set when a step left the model unread; the records after it are not
+// created and keep that step's outcome.
+constinit BOOLEAN gStopped = FALSE;
 
 // The step's helpers trace on behalf of RaidShowCreateVolumeProcess, whose
 // name the log shows.
@@ -126,6 +129,21 @@ VOID PointAtNewArray(RAID_VOLUME_PARAMETER *Record) {
   }
 }
 
+VOID SendCreationEvent() {
+  SendEventCode(gLastStatus == EFI_SUCCESS && gLastErrorCode == 0
+                    ? kEventCreated
+                    : kEventCreateFailed);
+}
+
+// Whether the adapter's configuration may not have been read again after
+// the last step: a failed status (the tool could not run, or the refresh
+// failed) or a shortage of memory. A refusal by the adapter comes as an
+// error code with a successful status, and the model is then current.
+BOOLEAN ModelNotRead() {
+  return EFI_ERROR(gLastStatus) ||
+         gLastErrorCode == RAID_ERROR_OUT_OF_RESOURCES;
+}
+
 // Creates one record and reports the outcome to the management controller.
 VOID CreateRecord(RAID_VOLUME_PARAMETER *Record) {
   gLastErrorCode = 0;
@@ -134,9 +152,28 @@ VOID CreateRecord(RAID_VOLUME_PARAMETER *Record) {
                 "RAID: [%a] CreateRaidVolume Status is %r\n", gLastStatus);
   RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
                 "RAID: [%a] CreateRaidVolume Errorcode is %x\n", gLastErrorCode);
-  SendEventCode(gLastStatus == EFI_SUCCESS && gLastErrorCode == 0
-                    ? kEventCreated
-                    : kEventCreateFailed);
+  SendCreationEvent();
+  if (Record->Next != nullptr && ModelNotRead()) {
+    gStopped = TRUE;
+    RAID_TRACE_AS(kCreationStep, TARN_DEBUG_ERROR,
+                  "RAID: [%a] The configuration was not read again, the "
+                  "remaining virtual disks are not created\n");
+  }
+}
+
+// One record: created, or after a stop failed with the stopping outcome
+// without reaching the adapter, since the model it would be built from
+// (the array to place it in, its drives and free space) was not read.
+VOID CreateOrSkipRecord(RAID_VOLUME_PARAMETER *Record) {
+  if (gStopped) {
+    SendCreationEvent();
+    return;
+  }
+  if (gPosition > 0 && Record->NewArray != 0) {
+    PointAtNewArray(Record);
+  }
+  AnimateDots();
+  CreateRecord(Record);
 }
 
 // The last step: the run is over, the configuration state starts afresh.
@@ -163,6 +200,7 @@ BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
   gRaidCurrentPage = RAID_PAGE_CREATION_RUNNING;
   if (gFirstCall) {
     gFirstCall = FALSE;
+    gStopped = FALSE;
     gPosition = 0;
     gRecord = RaidVolumeParameterQueue();
     gRow = FirstRow();
@@ -174,11 +212,7 @@ BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
         gRaidAllocatedCapacity >= gRaidTotalCapacity) {
       Record->Size = 0;
     }
-    if (gPosition > 0 && Record->NewArray != 0) {
-      PointAtNewArray(Record);
-    }
-    AnimateDots();
-    CreateRecord(Record);
+    CreateOrSkipRecord(Record);
     if (Record->Next != nullptr) {
       HideDots();
       ShowRowResult(gRow, "EditRaidCreateVol: Volume creation failed\n");
@@ -270,6 +304,7 @@ constexpr HOST_CONTROL_DESCRIPTOR kCreateCommon[] = {
 
 VOID InitRaidCreateVolProcessPage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
+  const UINT32 VerifyPage = gRaidCurrentPage;
   gRaidCurrentPage = kPage;
   if (gRaidPageRoots[kPage] != nullptr) {
     RaidFreeCreateVolProcessPage();
@@ -283,7 +318,10 @@ VOID InitRaidCreateVolProcessPage() {
   }
   gRaidPageRoots[kPage] = BuildCreationPage(Rows);
   if (gRaidPageRoots[kPage] == nullptr) {
+    // Nothing is created; the operator stays on the verify page and is told.
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    gRaidCurrentPage = VerifyPage;
+    ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
     return;
   }
   RaidRegisterPageControls(kPage);
@@ -306,6 +344,7 @@ VOID InitRaidCreateVolProcessPage() {
 VOID RaidFreeCreateVolProcessPage() {
   gRow = nullptr;
   gRecord = nullptr;
+  gStopped = FALSE;
   FreeRaidStaticPageNodes(&gRaidPageRoots[kPage], RaidPageTemplate(kPage));
 }
 

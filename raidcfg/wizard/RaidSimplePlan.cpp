@@ -250,12 +250,12 @@ VOID GetDefaultVolumeName(CHAR16 *Name, UINTN NameCharacters) {
   RAID_TRACE(TARN_DEBUG_INFO, "[%a] Set the VD name to %S\n", Name);
 }
 
-VOID UpdateSimpleConfigNewVolumeParameters() {
+BOOLEAN UpdateSimpleConfigNewVolumeParameters() {
   RAID_LEVEL_CAP *Level = RaidSelectedLevel();
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   RaidFreeVolumeParameterQueue();
   if (Level == nullptr || Controller == nullptr) {
-    return;
+    return TRUE;
   }
   RAID_VOLUME_PARAMETER *Parameter = uefi::AllocateRecord<RAID_VOLUME_PARAMETER>();
   const UINTN NameCharacters =
@@ -274,7 +274,7 @@ VOID UpdateSimpleConfigNewVolumeParameters() {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resources\n");
     FreePool(Ids);
     FreeVolumeParameter(&Parameter);
-    return;
+    return FALSE;
   }
   GetDefaultVolumeName(Parameter->Name, NameCharacters);
   Parameter->StripeSize = DefaultStripeSize(Controller->Capability, Level->Level);
@@ -320,9 +320,10 @@ VOID UpdateSimpleConfigNewVolumeParameters() {
   if (!RaidPlannedRecordIsWhole(Parameter, Spare ? 1 : 0)) {
     RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resources\n");
     FreeVolumeParameter(&Parameter);
-    return;
+    return FALSE;
   }
   FillVerifyLabels(Parameter, Unequal);
   RaidEnqueueVolumeParameter(Parameter);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] end\n\n");
+  return TRUE;
 }

@@ -212,11 +212,32 @@ UINT32 AbsentCode(UINT32 Kind) {
   }
 }
 
-UINT32 ChosenCode(UINT32 Kind) {
+// The code of the option chosen for Kind, or the absent code when the
+// pop-up does not offer it. FALSE when it is offered but its combo box
+// holds no chosen option (its list could not be filled): the code would be
+// the list's "other" code, which the operator never chose.
+[[nodiscard]] BOOLEAN ChosenCode(UINT32 Kind, UINT32 *Code) {
   if (gPresent[Kind] == 0) {
-    return AbsentCode(Kind);
+    *Code = AbsentCode(Kind);
+    return TRUE;
   }
-  return PolicyCode(Kind, RaidChosenOptionText(PopupNode(kComboIds[Kind])));
+  const CHAR16 *Text = RaidChosenOptionText(PopupNode(kComboIds[Kind]));
+  if (Text == nullptr) {
+    return FALSE;
+  }
+  *Code = PolicyCode(Kind, Text);
+  return TRUE;
+}
+
+// The codes of all five policies as the pop-up shows them; FALSE when one
+// of them has no chosen option.
+[[nodiscard]] BOOLEAN ChosenCodes(UINT32 (&Codes)[kPolicyCount]) {
+  for (UINT32 Kind = 0; Kind < kPolicyCount; Kind++) {
+    if (!ChosenCode(Kind, &Codes[Kind])) {
+      return FALSE;
+    }
+  }
+  return TRUE;
 }
 
 // Chooses the option of a combo box whose code is Code (no change when
@@ -241,8 +262,9 @@ BOOLEAN StripeLeftOut(UINT32 Code) {
          (gRaidSelectedLevelNumber == 10 && Code == 128);
 }
 
-// Fills one policy's combo box from the profile.
-VOID FillPolicyCombo(UINT32 Kind) {
+// Fills one policy's combo box from the profile; FALSE when its options
+// could not be allocated.
+[[nodiscard]] BOOLEAN FillPolicyCombo(UINT32 Kind) {
   static constexpr const CHAR8 *kTraces[kPolicyCount] = {
       "RAID: [%a] stripe size count is %d\n",
       "RAID: [%a] read policy count is %d\n",
@@ -257,15 +279,17 @@ VOID FillPolicyCombo(UINT32 Kind) {
     SetState(kLabelIds[Kind], HOST_DISPLAY_HIDDEN);
     SetState(kComboIds[Kind], HOST_DISPLAY_HIDDEN);
     gPresent[Kind] = 0;
-    return;
+    return TRUE;
   }
   if (Kind == kStripe && IsIntelRaid1()) {
+    // Hidden and not read: the record carries "no stripe size" whatever
+    // the box holds.
     const CHAR16 *NotApplicable[] = {u"N/A"};
-    RaidSetTextOptions(Combo, NotApplicable, 1);
+    (VOID) RaidSetTextOptions(Combo, NotApplicable, 1);
     RaidSetControlValue(Combo, 0);
     SetState(kComboIds[Kind], HOST_DISPLAY_HIDDEN);
     gPresent[Kind] = 0;
-    return;
+    return TRUE;
   }
   const CHAR16 *Texts[kMaxPolicies] = {};
   UINT16 Offered = 0;
@@ -279,19 +303,28 @@ VOID FillPolicyCombo(UINT32 Kind) {
     }
     Texts[Offered++] = Entries[Index]->Name;
   }
-  RaidSetTextOptions(Combo, Texts, Offered);
+  if (!RaidSetTextOptions(Combo, Texts, Offered)) {
+    RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_ERROR,
+                  "RAID: [%a] Out of resource\n");
+    return FALSE;
+  }
   // The default's index in the profile's whole list, also where entries
   // were left out.
   RaidSetControlValue(Combo, Default < Offered ? Default : 0);
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
   SetState(kLabelIds[Kind], HOST_DISPLAY_SHOWN);
   gPresent[Kind] = 1;
+  return TRUE;
 }
 
-VOID RaidPolicyDisplay() {
+// FALSE when a policy's options could not be filled.
+[[nodiscard]] BOOLEAN RaidPolicyDisplay() {
   for (UINT32 Kind = 0; Kind < kPolicyCount; Kind++) {
-    FillPolicyCombo(Kind);
+    if (!FillPolicyCombo(Kind)) {
+      return FALSE;
+    }
   }
+  return TRUE;
 }
 
 // ---- Checks ---------------------------------------------------------------------
@@ -376,20 +409,28 @@ CHAR16 *AllocName(const CHAR16 *Trimmed) {
   return Name;
 }
 
+// A virtual disk the pop-up could not plan whole: the operator is told.
+VOID ReportNotPlanned(const CHAR8 *Caller) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+  ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+}
+
 VOID CreateVolumeNode(const CHAR16 *Trimmed) {
+  UINT32 Codes[kPolicyCount] = {};
   RAID_VOLUME_PARAMETER *Record = uefi::AllocateRecord<RAID_VOLUME_PARAMETER>();
-  if (Record == nullptr) {
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+  if (Record == nullptr || !ChosenCodes(Codes)) {
+    FreePool(Record);
+    ReportNotPlanned(__func__);
     return;
   }
   Record->Name = AllocName(Trimmed);
   Record->Size = gCapacity * 1000;
   Record->Reserved = 1;
-  Record->StripeSize = IsIntelRaid1() ? RAID_STRIPE_SIZE_OTHER : ChosenCode(kStripe);
-  Record->ReadPolicy = ChosenCode(kRead);
-  Record->WritePolicy = ChosenCode(kWrite);
-  Record->IoPolicy = ChosenCode(kIo);
-  Record->DiskCachePolicy = ChosenCode(kCache);
+  Record->StripeSize = IsIntelRaid1() ? RAID_STRIPE_SIZE_OTHER : Codes[kStripe];
+  Record->ReadPolicy = Codes[kRead];
+  Record->WritePolicy = Codes[kWrite];
+  Record->IoPolicy = Codes[kIo];
+  Record->DiskCachePolicy = Codes[kCache];
   Record->ControllerId = gRaidSelectedControllerIndex;
   Record->RaidLevel = static_cast<UINT8>(gRaidSelectedLevelNumber);
   if (gRaidAdvancedMode == 1) {
@@ -408,45 +449,48 @@ VOID CreateVolumeNode(const CHAR16 *Trimmed) {
   // A record without its name or drive lists would create something other
   // than what the operator planned: it is not planned at all.
   if (!RaidPlannedRecordIsWhole(Record, gRaidHotSpareDriveCount)) {
-    RAID_TRACE(TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     FreeVolumeParameter(&Record);
+    ReportNotPlanned(__func__);
     return;
   }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Create volume data\n");
   RaidEnqueueVolumeParameter(Record);
 }
 
+// The edit applies whole or not at all: a name that cannot be allocated,
+// or a policy without a chosen option, leaves the record as it was.
 VOID UpdateVolumeParameters(RAID_VOLUME_PARAMETER *Record,
                             const CHAR16 *Trimmed) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
+  UINT32 Codes[kPolicyCount] = {};
   CHAR16 *Name = AllocName(Trimmed);
-  if (Name != nullptr) {
-    FreePool(Record->Name);
-    Record->Name = Name;
+  if (Name == nullptr || !ChosenCodes(Codes)) {
+    FreePool(Name);
+    ReportNotPlanned(__func__);
+    return;
   }
+  FreePool(Record->Name);
+  Record->Name = Name;
   Record->Size = gCapacity * 1000;
   Record->Reserved = 1;
   if (Record == RaidVolumeParameterQueue()) {
     const BOOLEAN Intel = IsIntelRaid1();
     if (Intel || gPresent[kStripe] != 0) {
-      const UINT32 Stripe = Intel ? RAID_STRIPE_SIZE_OTHER : ChosenCode(kStripe);
+      const UINT32 Stripe = Intel ? RAID_STRIPE_SIZE_OTHER : Codes[kStripe];
       for (RAID_VOLUME_PARAMETER *Next = Record; Next != nullptr;
            Next = Next->Next) {
         Next->StripeSize = Stripe;
       }
     }
   }
-  if (gPresent[kRead] != 0) {
-    Record->ReadPolicy = ChosenCode(kRead);
-  }
-  if (gPresent[kWrite] != 0) {
-    Record->WritePolicy = ChosenCode(kWrite);
-  }
-  if (gPresent[kIo] != 0) {
-    Record->IoPolicy = ChosenCode(kIo);
-  }
-  if (gPresent[kCache] != 0) {
-    Record->DiskCachePolicy = ChosenCode(kCache);
+  UINT32 RAID_VOLUME_PARAMETER::*const kFields[kPolicyCount] = {
+      nullptr, &RAID_VOLUME_PARAMETER::ReadPolicy,
+      &RAID_VOLUME_PARAMETER::WritePolicy, &RAID_VOLUME_PARAMETER::IoPolicy,
+      &RAID_VOLUME_PARAMETER::DiskCachePolicy};
+  for (UINT32 Kind = kRead; Kind < kPolicyCount; Kind++) {
+    if (gPresent[Kind] != 0) {
+      Record->*kFields[Kind] = Codes[Kind];
+    }
   }
 }
 
@@ -481,6 +525,7 @@ BOOLEAN AttachPopup(const CHAR8 *Caller) {
           gRaidModuleIdentity, &gPopupRoot))) {
     gPopupRoot = nullptr;
     RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
+    ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
     return FALSE;
   }
   if (TarnSetupProtocol->BuildControlTable != nullptr) {
@@ -508,6 +553,13 @@ VOID FixStripeToArray() {
   }
 }
 
+// Back to page 8 with nothing planned or changed.
+VOID LeavePopupUnchanged() {
+  gRaidSelectionChanged = 0;
+  gEdited = nullptr;
+  InitRaidAdvCreateEditVolPage();
+}
+
 // Opens the pop-up with the policies of the first virtual disk.
 BOOLEAN InitRaidAdvCreateVolumePage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
@@ -517,7 +569,12 @@ BOOLEAN InitRaidAdvCreateVolumePage() {
   if (RaidVolumeParameterQueue() == nullptr) {
     ShowPopup(RAID_NODE_POPUP_NAME_EDIT);
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Display policy\n");
-    RaidPolicyDisplay();
+    if (!RaidPolicyDisplay()) {
+      // Without its lists the pop-up would plan with policies nobody chose.
+      ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+      LeavePopupUnchanged();
+      return FALSE;
+    }
     if (gRaidAdvancedMode == 1) {
       FixStripeToArray();
       SetState(RAID_NODE_POPUP_STRIPE_COMBO, HOST_DISPLAY_GRAYED);
@@ -670,13 +727,6 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCreateButtonCallback) {
   gRaidSelectionChanged = 1;
   InitRaidAdvCreateEditVolPage();
   return EFI_SUCCESS;
-}
-
-// Back to page 8 with nothing planned or changed.
-VOID LeavePopupUnchanged() {
-  gRaidSelectionChanged = 0;
-  gEdited = nullptr;
-  InitRaidAdvCreateEditVolPage();
 }
 
 RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCancelButtonCallback) {

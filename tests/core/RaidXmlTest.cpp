@@ -235,25 +235,49 @@ TEST_F(RaidXmlCallbacks, AFailedCopyLeavesThatControllerWithoutAProfile) {
     }
   }
   size_t Before = Pool_.Outstanding();
+  EXPECT_FALSE(RaidXmlShortOfMemory());
   Pool_.FailAfter(0);
   End(u"CONTROLLER");
   Pool_.FailAfter(-1);
   EXPECT_NE(First->Capability, nullptr);
   EXPECT_EQ(Second->Capability, nullptr);
   EXPECT_EQ(Pool_.Outstanding(), Before);
+  // The start-up is told, and fails for memory.
+  EXPECT_TRUE(RaidXmlShortOfMemory());
 }
 
+// Each failure drops only its element, and is noted so that the start-up
+// fails for memory rather than hand out a profile the file does not hold.
 TEST_F(RaidXmlCallbacks, AllocationFailuresWhileBuildingDropOnlyTheElement) {
+  EXPECT_FALSE(RaidXmlShortOfMemory());
   Pool_.FailAfter(0);
   Leaf(u"LEVEL", {u"ID", u"5"});  // no record can be made
-  EXPECT_EQ(gCapability, nullptr);
-  Pool_.FailAfter(1);
-  Leaf(u"LEVEL", {u"ID", u"5"});  // the record, but not the level
-  Pool_.FailAfter(1);
-  Leaf(u"LEVEL", {u"ID", u"6"});  // the level, not its name
   Pool_.FailAfter(-1);
-  ASSERT_NE(gCapability, nullptr);
-  EXPECT_TRUE(IsListEmpty(&gCapability->LevelList));
+  EXPECT_EQ(gCapability, nullptr);
+  EXPECT_TRUE(RaidXmlShortOfMemory());
+  // With the record made, Allowed allocations of the element succeed.
+  const struct {
+    long Allowed;
+    const CHAR16 *Element;
+    const CHAR16 *Id;
+  } kFailures[] = {
+      {0, u"LEVEL", u"5"},      // the level
+      {1, u"LEVEL", u"6"},      // its name
+      {0, u"POLICY", u"Direct"},  // a policy entry
+      {1, u"POLICY", u"Direct"},  // its name
+      {0, u"SIZE", u"256K"},    // a stripe size entry
+      {0, u"TOOL", u"storcli.efi"},
+  };
+  for (const auto &Failure : kFailures) {
+    RaidXmlResetParserState();
+    Start(u"IOPOLICY");
+    EXPECT_FALSE(RaidXmlShortOfMemory());
+    Pool_.FailAfter(Failure.Allowed);
+    Leaf(Failure.Element, {u"ID", Failure.Id, u"DEFAULT", u"1"});
+    Pool_.FailAfter(-1);
+    EXPECT_TRUE(RaidXmlShortOfMemory()) << Narrow(Failure.Element);
+    EXPECT_EQ(Describe(gCapability), "||0,0,0,0,0,0||||||");
+  }
 }
 
 TEST_F(RaidXmlCallbacks, ResetDropsAHalfBuiltRecordAndTheScopes) {

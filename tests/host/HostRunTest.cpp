@@ -7,6 +7,7 @@
 #include "HostTestSupport.h"
 #include "native/HostRun.h"
 #include "native/Options.h"
+#include "native/WizardRun.h"
 
 namespace host_test {
 namespace {
@@ -168,6 +169,32 @@ TEST(HostRun, ShippedScriptsLeaveNoPageNodeAfterUnload) {
     EXPECT_EQ(Result.Status, 0) << R.Script << ": " << Result.Err;
     EXPECT_EQ(Result.Err.find("page nodes left"), std::string::npos)
         << R.Script << ": " << Result.Err;
+  }
+}
+
+// A scripted session reports what the pool still holds once the module is
+// unloaded, as a model dump does, and keeps the script's exit status.
+TEST(HostRun, ScriptedSessionReportsPoolLeftovers) {
+  ScratchDirectory Dir;
+  Dir.Write("idle.script", "expect-title \"RAID Setup - Select RAID Adapter\"\n");
+  const std::string Report =
+      "raidcfg-host: pool memory still allocated after unload: 1 "
+      "allocation(s) outstanding:\n";
+  for (const bool Leak : {false, true}) {
+    host::Server Machine(host::DemoScenario());
+    VOID *Kept = nullptr;
+    if (Leak) {
+      ASSERT_EQ(Machine.Firmware().Memory().Allocate(EfiBootServicesData, 24,
+                                                     &Kept),
+                EFI_SUCCESS);
+    }
+    std::ostringstream Out, Err;
+    EXPECT_EQ(host::RunScriptedWizard(Machine, Dir.Path() / "idle.script", Out,
+                                      Err),
+              0);
+    EXPECT_EQ(Err.str().rfind(Report, 0), Leak ? 0u : std::string::npos)
+        << Err.str();
+    EXPECT_EQ(Err.str().find("24 bytes") != std::string::npos, Leak);
   }
 }
 

@@ -378,13 +378,33 @@ TEST_F(ConfigWizardTest, NameLengthFollowsTheProfileBeyondSixtyFourCharacters) {
   EXPECT_EQ(Cell(RAID_NODE_PLANNED_TABLE, 1, 1), std::u16string(64, u'A'));
 }
 
-// Whichever allocation fails while a plan with a hot spare is made, what
-// gets planned is whole (name, members, spare) or nothing is.
-TEST_F(ConfigWizardTest, ShortMemoryNeverPlansAPartialVirtualDisk) {
+// Every field of a planned record that reaches the adapter, as text.
+std::string PlanText(const RAID_VOLUME_PARAMETER *Record) {
+  std::ostringstream Out;
+  Out << framework::ToUtf8(Record->Name != nullptr ? Record->Name : u"") << " "
+      << int(Record->NewArray) << " raid" << int(Record->RaidLevel) << " size "
+      << Record->Size << " strip " << Record->StripeSize << " policies "
+      << Record->ReadPolicy << "," << Record->WritePolicy << ","
+      << Record->IoPolicy << "," << Record->DiskCachePolicy << " drives";
+  for (const UINT32 *Ids : {Record->DriveList, Record->SpareList}) {
+    for (UINT32 Index = 0; Ids != nullptr && Ids[Index] != RAID_DRIVE_LIST_END;
+         Index++) {
+      Out << " " << Ids[Index];
+    }
+    Out << " |";
+  }
+  return Out.str();
+}
+
+// Whichever allocation fails while a virtual disk with a hot spare is
+// planned (the pop-up opened and filled, the record made), what gets planned
+// is the virtual disk a run without faults plans, whole, or nothing is, and
+// the operator is told.
+TEST_F(ConfigWizardTest, ShortMemoryPlansTheSameVirtualDiskOrNone) {
   const struct {
     const char *Path;
     std::function<void()> Prepare;
-    UINT32 Submit;
+    std::vector<UINT32> Steps;  // the presses whose allocations fail
   } kPaths[] = {
       {"simple",
        [&] {
@@ -396,7 +416,7 @@ TEST_F(ConfigWizardTest, ShortMemoryNeverPlansAPartialVirtualDisk) {
          ASSERT_EQ(Driver_.Tick(Node(RAID_NODE_HOT_SPARE_CHECK), true),
                    EFI_SUCCESS);
        },
-       RAID_NODE_NEXT},
+       {RAID_NODE_NEXT}},
       {"advanced",
        [&] {
          Advanced(0);
@@ -408,40 +428,111 @@ TEST_F(ConfigWizardTest, ShortMemoryNeverPlansAPartialVirtualDisk) {
                                       5, u"DHS"),
                    EFI_SUCCESS);
          NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
-         ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
        },
-       RAID_NODE_POPUP_CREATE},
+       {RAID_NODE_CREATE_VD, RAID_NODE_POPUP_CREATE}},
   };
   for (const auto &Path : kPaths) {
-    // A run without faults counts the allocations the step asks for.
+    // A run without faults: the plan, and the allocations the steps ask for.
     StartOn(SixSasServer());
     Path.Prepare();
-    const UINT64 Before = emu::Firmware::Current().Memory().Counters().Requests;
-    Press(Path.Submit);
-    const UINT64 Requests =
-        emu::Firmware::Current().Memory().Counters().Requests - Before;
+    emu::Pool &Pool = emu::Firmware::Current().Memory();
+    const UINT64 Before = Pool.Counters().Requests;
+    for (UINT32 Step : Path.Steps) {
+      ASSERT_EQ(Press(Step), EFI_SUCCESS);
+    }
+    const UINT64 Requests = Pool.Counters().Requests - Before;
+    ASSERT_NE(RaidVolumeParameterQueue(), nullptr);
+    const std::string Clean = PlanText(RaidVolumeParameterQueue());
     Stop();
     bool SawWhole = false;
     bool SawNone = false;
     for (UINT64 Failing = 1; Failing <= Requests; Failing++) {
+      SCOPED_TRACE(std::string(Path.Path) + " path, allocation " +
+                   std::to_string(Failing));
       StartOn(SixSasServer());
       Path.Prepare();
+      const size_t Boxes = Driver_.MessageBoxes().size();
       emu::Firmware::Current().Memory().FailNthAllocation(Failing);
-      Press(Path.Submit);
+      bool Pressed = true;
+      for (UINT32 Step : Path.Steps) {
+        Pressed = Pressed && Node(Step) != nullptr && Press(Step) == EFI_SUCCESS;
+      }
       emu::Firmware::Current().Memory().ClearFaults();
       const RAID_VOLUME_PARAMETER *Planned = RaidVolumeParameterQueue();
-      if (Planned == nullptr) {
-        SawNone = true;
-      } else {
+      if (Planned != nullptr) {
         SawWhole = true;
-        EXPECT_TRUE(Planned->Name != nullptr && Planned->DriveList != nullptr &&
-                    Planned->SpareList != nullptr)
-            << Path.Path << " path, allocation " << Failing;
+        EXPECT_EQ(PlanText(Planned), Clean);
+      } else {
+        SawNone = true;
+        bool Told = false;
+        for (size_t Box = Boxes; Box < Driver_.MessageBoxes().size(); Box++) {
+          Told |= Driver_.MessageBoxes()[Box].Title == u"Error";
+        }
+        // Nothing planned and nothing said: only when a step's button
+        // never came up.
+        EXPECT_TRUE(Told || !Pressed);
       }
       Stop();
     }
     EXPECT_TRUE(SawNone && SawWhole) << Path.Path << " " << Requests;
   }
+}
+
+// Two virtual disks on a new array, whichever allocation fails while they
+// are created: nothing is created that a run without faults would not
+// create. A creation after which the adapter could not be read again stops
+// the rest, which are reported as failed, rather than placing the second
+// disk by a model that was not read (on no drives, on part of them, or
+// without its place after the first).
+TEST_F(ConfigWizardTest, ShortMemoryDuringTheCreationsCreatesNothingElse) {
+  const auto Prepare = [&] {
+    StartOn(SixSasServer());
+    NewArrayEditor(u"RAID 10", {1, 2, 3, 4});
+    PlanVolume(u"100");
+    PlanVolume(u"");
+    NextTo(RAID_PAGE_ADV_VERIFY);
+    Driver_.QueueAnswer(TRUE);
+  };
+  const auto Creates = [&] {
+    std::vector<std::string> Sent;
+    for (const std::string &Line : Server_->Shell()->CommandLines()) {
+      if (Line.find(" add vd ") != std::string::npos) {
+        Sent.push_back(Line);
+      }
+    }
+    return Sent;
+  };
+  Prepare();
+  emu::Pool &Pool = emu::Firmware::Current().Memory();
+  const UINT64 Before = Pool.Counters().Requests;
+  NextTo(RAID_PAGE_CREATION_RUNNING);
+  const UINT64 Requests = Pool.Counters().Requests - Before;
+  const std::vector<std::string> Clean = Creates();
+  ASSERT_EQ(Clean.size(), 2u);
+  ASSERT_NE(Clean[1].find("AfterVd=0"), std::string::npos);
+  Stop();
+  bool SawStop = false;
+  for (UINT64 Failing = 1; Failing <= Requests; Failing++) {
+    SCOPED_TRACE("allocation " + std::to_string(Failing));
+    Prepare();
+    emu::Firmware::Current().Memory().FailNthAllocation(Failing);
+    Press(RAID_NODE_NEXT);
+    emu::Firmware::Current().Memory().ClearFaults();
+    const std::vector<std::string> Sent = Creates();
+    ASSERT_LE(Sent.size(), Clean.size());
+    for (size_t Index = 0; Index < Sent.size(); Index++) {
+      EXPECT_EQ(Sent[Index], Clean[Index]);
+    }
+    if (Sent.size() == 1 && gRaidCurrentPage == RAID_PAGE_CREATION_RUNNING) {
+      SawStop = true;
+      // Both disks are reported, the second as failed.
+      const std::vector<UINT32> Reported = Events();
+      ASSERT_EQ(Reported.size(), 2u);
+      EXPECT_EQ(Reported[1], kFailed);
+    }
+    Stop();
+  }
+  EXPECT_TRUE(SawStop);
 }
 
 TEST_F(ConfigWizardTest, EditShowsThePlannedDiskAfterACancelledPopup) {

@@ -67,11 +67,7 @@ int RunHost(const Options &Options, std::ostream &Out, std::ostream &Err) {
     }
     Out << Model.dump(2, ' ', false, ModelJson::error_handler_t::replace)
         << "\n";
-    const std::string Leaks = Machine.Firmware().Memory().LeakReport();
-    if (!Leaks.empty()) {
-      Err << "raidcfg-host: pool memory still allocated after unload: "
-          << Leaks;
-    }
+    ReportPoolLeftovers(Machine, Err);
     for (const std::string &Problem : Machine.Problems()) {
       Err << "raidcfg-host: " << Problem << "\n";
     }

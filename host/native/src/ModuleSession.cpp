@@ -23,6 +23,13 @@ DiscoveryResult ModuleSession::LastDiscovery() const {
   return {gRaidInitializeStatus, gRaidInitializeErrorCode};
 }
 
+void ReportPoolLeftovers(Server &Server, std::ostream &Err) {
+  const std::string Leaks = Server.Firmware().Memory().LeakReport();
+  if (!Leaks.empty()) {
+    Err << "raidcfg-host: pool memory still allocated after unload: " << Leaks;
+  }
+}
+
 EFI_STATUS ModuleSession::Unload() {
   Loaded_ = false;
   return Server_.Firmware().UnloadImage(Server_.ImageHandle());

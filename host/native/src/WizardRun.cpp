@@ -62,7 +62,7 @@ int RunWizard(Server &Server, const framework::HostServices &Services,
 int RunScriptedWizard(Server &Server, const std::filesystem::path &Script,
                       std::ostream &Out, std::ostream &Err) {
   framework::HeadlessDriver Driver;
-  return RunWizard(Server, Driver.Services(), Out, Err, [&] {
+  const int Status = RunWizard(Server, Driver.Services(), Out, Err, [&] {
     framework::ScriptRunner Runner(Driver, Out);
     if (Runner.RunFile(Script.string())) {
       return 0;
@@ -72,6 +72,9 @@ int RunScriptedWizard(Server &Server, const std::filesystem::path &Script,
     }
     return 1;
   });
+  // As after a model dump: the status stays the script's.
+  ReportPoolLeftovers(Server, Err);
+  return Status;
 }
 
 int RunInteractiveWizard(Server &Server, std::ostream &Out, std::ostream &Err) {

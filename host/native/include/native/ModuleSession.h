@@ -5,6 +5,8 @@
 
 #include <Uefi.h>
 
+#include <ostream>
+
 #include "native/Server.h"
 
 namespace host {
@@ -14,6 +16,10 @@ struct DiscoveryResult {
   EFI_STATUS Status = EFI_NOT_STARTED;
   UINT32 ErrorCode = 0;
 };
+
+// After the module and the page framework are gone: the pool's report of
+// what is still allocated, on Err, when anything is.
+void ReportPoolLeftovers(Server &Server, std::ostream &Err);
 
 class ModuleSession {
  public:

@@ -11,8 +11,9 @@ namespace host {
 
 // Loads the module with the page framework bound to the server's setup
 // protocol, runs the script's actions, unloads the module and prints the
-// adapters' state as JSON to Out. Script errors go to Err. Exit status: 0
-// when the script ran to its end, 1 otherwise.
+// adapters' state as JSON to Out. Script errors go to Err, and so does pool
+// memory still allocated after the unload, as after a model dump. Exit
+// status: 0 when the script ran to its end, 1 otherwise.
 int RunScriptedWizard(Server &Server, const std::filesystem::path &Script,
                       std::ostream &Out, std::ostream &Err);
 

@@ -171,9 +171,16 @@ EFI_STATUS InitializeRaid(UINT32 *ErrorCode) {
   RaidXmlResetParserState();
   Status = RaidLibParseXml(u"raid.xml", RaidXmlTagStart, RaidXmlTagEnd,
                            ErrorCode);
+  const BOOLEAN ProfileShort = RaidXmlShortOfMemory();
   RaidXmlFinishParsing();
   if (EFI_ERROR(Status)) {
     return Status;
+  }
+  // A profile missing an entry would offer, and create with, other levels,
+  // policies or stripe sizes than the file's: start-up fails for memory.
+  if (ProfileShort) {
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+    return EFI_OUT_OF_RESOURCES;
   }
   RaidLibBindBackends();
   return NumberCards(ErrorCode);

@@ -24,9 +24,21 @@ enum PolicyContainer : UINTN {
 struct ParserState {
   BOOLEAN Inside[kContainerCount];
   UINT32 CurrentLevel;
+  // An element or a copy could not be allocated: the profile is not the
+  // file's, and a level, policy or stripe size may be missing from it.
+  BOOLEAN ShortOfMemory;
 };
 
-constinit ParserState gState = {{FALSE, FALSE, FALSE, FALSE}, RAID_XML_NO_LEVEL};
+constinit ParserState gState = {{FALSE, FALSE, FALSE, FALSE},
+                                RAID_XML_NO_LEVEL, FALSE};
+
+// Notes a failed allocation; returns Allocated.
+bool Noted(bool Allocated) {
+  if (!Allocated) {
+    gState.ShortOfMemory = TRUE;
+  }
+  return Allocated;
+}
 
 struct ContainerElement {
   const CHAR16 *Name;
@@ -119,7 +131,7 @@ UINT8 ReadIsDefault(const CHAR16 *Default) {
 // Replaces a string field of the record (a repeated element must not leak).
 VOID ReplaceText(CHAR16 **Field, const CHAR16 *Text) {
   FreePool(*Field);
-  RaidLibCopyText(Text, Field);
+  Noted(RaidLibCopyText(Text, Field));
 }
 
 RAID_CAPABILITY *NewCapability() {
@@ -139,10 +151,10 @@ RAID_CAPABILITY *NewCapability() {
 // A new level at the tail of LevelList.
 VOID AddLevel(RAID_CAPABILITY *Capability, const ProfileAttributes &Attr) {
   RAID_LEVEL_CAP *Level = uefi::AllocateRecord<RAID_LEVEL_CAP>();
-  if (Level == nullptr) {
+  if (!Noted(Level != nullptr)) {
     return;
   }
-  if (!RaidLibCopyText(Attr.Id, &Level->Name)) {
+  if (!Noted(RaidLibCopyText(Attr.Id, &Level->Name))) {
     FreePool(Level);
     return;
   }
@@ -155,10 +167,10 @@ VOID AddLevel(RAID_CAPABILITY *Capability, const ProfileAttributes &Attr) {
 VOID AddPolicy(LIST_ENTRY *List, RAID_POLICY_KIND Kind,
                const ProfileAttributes &Attr) {
   RAID_POLICY_ENTRY *Entry = uefi::AllocateRecord<RAID_POLICY_ENTRY>();
-  if (Entry == nullptr) {
+  if (!Noted(Entry != nullptr)) {
     return;
   }
-  if (!RaidLibCopyText(Attr.Id, &Entry->Name)) {
+  if (!Noted(RaidLibCopyText(Attr.Id, &Entry->Name))) {
     FreePool(Entry);
     return;
   }
@@ -259,9 +271,9 @@ VOID HandOutCapability() {
     if (!IsOfFamily(Controller, Record->ControllerName)) {
       continue;
     }
-    // A failed copy leaves this controller without a profile.
-    GiveCapability(Controller,
-                   Claimed ? RaidXmlCopyCapability(Record) : Record);
+    RAID_CAPABILITY *Given = Claimed ? RaidXmlCopyCapability(Record) : Record;
+    Noted(Given != nullptr);
+    GiveCapability(Controller, Given);
     Claimed = true;
   }
   if (!Claimed) {
@@ -306,7 +318,7 @@ VOID EFIAPI RaidXmlTagStart(VOID *UserData, const CHAR16 *Name,
   }
   if (gCapability == nullptr) {
     gCapability = NewCapability();
-    if (gCapability == nullptr) {
+    if (!Noted(gCapability != nullptr)) {
       return;
     }
   }
@@ -345,8 +357,10 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name) {
 VOID RaidXmlResetParserState() {
   RaidLibFreeCapability(gCapability);
   gCapability = nullptr;
-  gState = ParserState{{FALSE, FALSE, FALSE, FALSE}, RAID_XML_NO_LEVEL};
+  gState = ParserState{{FALSE, FALSE, FALSE, FALSE}, RAID_XML_NO_LEVEL, FALSE};
 }
+
+BOOLEAN RaidXmlShortOfMemory() { return gState.ShortOfMemory; }
 
 // Ends a parse: nothing may stay half built in gCapability.
 VOID RaidXmlFinishParsing() { RaidXmlResetParserState(); }

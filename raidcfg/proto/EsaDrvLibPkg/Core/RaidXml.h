@@ -21,6 +21,10 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name);
 // Clears the inside flags, sets the current level to none and drops a record
 // left over from an earlier parse; called before raid.xml is read.
 VOID RaidXmlResetParserState();
+// Whether an allocation failed since the last reset: an element was dropped
+// or a controller got no copy of its family's record, so the profile in the
+// model is not the one the file describes.
+BOOLEAN RaidXmlShortOfMemory();
 // Frees a record that no CONTROLLER end handed out (a truncated file, or
 // one read with no controllers) and clears the parser state.
 VOID RaidXmlFinishParsing();
