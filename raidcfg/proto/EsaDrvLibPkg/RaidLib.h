@@ -22,6 +22,10 @@
 // The controller, its private record, its capability, the needed operation
 // or a drive is missing.
 #define RAID_ERROR_MISSING 0x00200021U
+// From EFI_BUFFER_TOO_SMALL: a command line, or a drive list going into one,
+// did not fit its buffer, so the operation refused and ran nothing rather
+// than run a cut text.
+#define RAID_ERROR_BUFFER_TOO_SMALL 0x00200005U
 
 // The error code for a firmware service that failed with Status.
 constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
