@@ -135,7 +135,7 @@ VOID RunCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
   UINT32 CardId = Controller->Private->CardId;
   if (gLsiCommandForm == 0) {
     LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+                   u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
                    u"%S strip=%d %S mronly nolog",
                    Tool, CardId, RaidLevel, Words->Size, Words->Name,
                    Words->Drives, Words->Span, Words->DiskCache, Words->Io,
@@ -143,14 +143,14 @@ VOID RunCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
                    Words->After);
   } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
     LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+                   u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
                    u"mronly nolog",
                    Tool, CardId, RaidLevel, Words->Size, Words->Name,
                    Words->Drives, Words->Span, Words->DiskCache, Words->Write,
                    Words->Read);
   } else {
     LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S "
+                   u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S "
                    u"mronly nolog",
                    Tool, CardId, RaidLevel, Words->Size, Words->Name,
                    Words->Drives, Words->Span, Words->DiskCache);
@@ -172,7 +172,7 @@ VOID RunAddHotSpares(RAID_CONTROLLER *Controller,
   UINT32 NewArrayNumber = static_cast<UINT32>(
       CountListEntries(&Controller->ArrayList));
   LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/e%S/s%S add hotsparedrive dgs=%d mronly nolog",
+                 u"%S /c%u/e%S/s%S add hotsparedrive dgs=%u mronly nolog",
                  Controller->Capability->ToolName, Controller->Private->CardId,
                  Enclosure != nullptr ? Enclosure : u"",
                  Slots != nullptr ? Slots : u"", NewArrayNumber);
@@ -228,7 +228,7 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
       if (Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME) {
         SetWord(Words->After, u" ");
       } else {
-        UnicodeSPrint(Words->After, sizeof(WORD_BUFFER), u"AfterVd=%d",
+        UnicodeSPrint(Words->After, sizeof(WORD_BUFFER), u"AfterVd=%u",
                       Segment->State);
       }
       break;

@@ -25,7 +25,7 @@ RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
 EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                      UINT32 VolumeId, UINT32 *ErrorCode) {
   RaidLibRunToolInto(Caller, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE, ErrorCode,
-                     u"%S /c%d/v%d del force mronly nolog",
+                     u"%S /c%u/v%u del force mronly nolog",
                      Controller->Capability->ToolName,
                      Controller->Private->CardId, VolumeId);
   EFI_STATUS Status = ParseErrCd(gRaidToolOutput, ErrorCode);

@@ -54,7 +54,7 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
       continue;
     }
     UINT32 Enclosure = First->Position->EnclosureId;
-    Append(Buffer, BufferChars, &Used, Used == 0 ? u"%d:" : u",%d:", Enclosure);
+    Append(Buffer, BufferChars, &Used, Used == 0 ? u"%u:" : u",%u:", Enclosure);
     bool FirstSlot = true;
     bool Reached = false;
     for (RAID_PHYSICAL_DRIVE *Drive :
@@ -64,7 +64,7 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
           Drive->Position->EnclosureId != Enclosure) {
         continue;
       }
-      Append(Buffer, BufferChars, &Used, FirstSlot ? u"%d" : u",%d",
+      Append(Buffer, BufferChars, &Used, FirstSlot ? u"%u" : u",%u",
              Drive->Position->SlotNumber);
       FirstSlot = false;
     }

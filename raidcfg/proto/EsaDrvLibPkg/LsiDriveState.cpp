@@ -16,7 +16,7 @@ constexpr const CHAR8 *kCaller = "LsiSetPhysicalDriveState";
 bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                 const CHAR16 *Action, UINT32 *ErrorCode) {
   LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/e%d/s%d %s mronly nolog",
+                 u"%S /c%u/e%u/s%u %s mronly nolog",
                  Controller->Capability->ToolName, Controller->Private->CardId,
                  Drive->Position->EnclosureId, Drive->Position->SlotNumber,
                  Action);
@@ -28,7 +28,7 @@ bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 // Clears the adapter's foreign configuration ("/fall delete").
 bool RunForeignDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/fall delete mronly nolog",
+                 u"%S /c%u/fall delete mronly nolog",
                  Controller->Capability->ToolName, Controller->Private->CardId);
   UINT32 Result = LSI_ACTION_FAILED;
   ParseActionStatus(gRaidToolOutput, Controller, &Result);
@@ -205,12 +205,12 @@ EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
   if (State == RAID_STATE_UGOOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_UGOOD \n");
     LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/eall/sall del jbod force mronly nolog", Tool,
+                 u"%S /c%u/eall/sall del jbod force mronly nolog", Tool,
                  CardId);
   } else if (State == RAID_STATE_JBOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_JBOD \n");
     LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/eall/sall set jbod mronly nolog", Tool, CardId);
+                 u"%S /c%u/eall/sall set jbod mronly nolog", Tool, CardId);
   } else {
     *ErrorCode = LSI_ERROR_INVALID_STATE;
     RAID_LIB_TRACE(TARN_DEBUG_ERROR,

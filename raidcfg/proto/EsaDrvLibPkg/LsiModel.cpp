@@ -59,7 +59,7 @@ StateRule Classify(const StateRule (&Rules)[N], const CHAR16 *Word,
   return Otherwise;
 }
 
-// A pool copy of a formatted name ("Array%d", "FreeCapacity%d").
+// A pool copy of a formatted name ("Array%u", "FreeCapacity%u").
 CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
   CHAR16 Name[32];
   UnicodeSPrint(Name, sizeof(Name), Format, Number);
@@ -188,7 +188,7 @@ EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
   InitializeListHead(&Array->SegmentList);
   Array->Controller = Controller;
   Array->Id = ReadNumber(Row->Words[0]);
-  Array->Name = NewNumberedName(u"Array%d", Array->Id);
+  Array->Name = NewNumberedName(u"Array%u", Array->Id);
   Array->Extra = AllocateZeroPool(kArrayExtraSize);
   if (Array->Name == nullptr || Array->Extra == nullptr) {
     FreePool(Array->Name);

@@ -55,7 +55,7 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const LSI_ROW *Row) {
   }
   Segment->Id = static_cast<UINT32>(RaidLibReadDecimal(Row->Words[0]));
   CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%d", Segment->Id);
+  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%u", Segment->Id);
   Segment->Name = AllocDestStr(Name);
   Segment->Extra = AllocateZeroPool(kSegmentExtraSize);
   if (Segment->Name == nullptr || Segment->Extra == nullptr) {

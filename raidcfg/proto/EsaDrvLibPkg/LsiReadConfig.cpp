@@ -32,7 +32,7 @@ EFI_STATUS ReadVolumeProperties(RAID_CONTROLLER *Controller,
         continue;
       }
       LsiRunToolInto("LsiGetControllerInfo", LSI_READ_COMMAND_CHARS, ErrorCode,
-                     u"%S /c%d/v%d show all mronly nolog", Tool, CardId,
+                     u"%S /c%u/v%u show all mronly nolog", Tool, CardId,
                      Volume->Id);
       Status = ParseControllerShowVolume(gRaidToolOutput, Volume, ErrorCode);
     }
@@ -74,7 +74,7 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%d show mronly nolog", Tool, CardId);
+    RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool, CardId);
     Status = ParseBDF(gRaidToolOutput, Controller, CardId, ErrorCode);
     if (!EFI_ERROR(Status)) {
       // The cards searched before this one left their mismatch code; a
@@ -111,12 +111,12 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
     return EFI_ABORTED;
   }
   const CHAR16 *Tool = Controller->Capability->ToolName;
-  LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode, u"%S /c%d show mronly nolog",
+  LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode, u"%S /c%u show mronly nolog",
                Tool, Own->CardId);
   Status = ParseControllerShow(gRaidToolOutput, Controller, ErrorCode);
   if (*ErrorCode == 0) {
     LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d show freespace mronly nolog", Tool, Own->CardId);
+                 u"%S /c%u show freespace mronly nolog", Tool, Own->CardId);
     Status = ParseControllerShowFS(gRaidToolOutput, Controller, ErrorCode);
     Status = ReadVolumeProperties(Controller, Status, ErrorCode);
   }
