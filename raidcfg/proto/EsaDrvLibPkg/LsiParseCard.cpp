@@ -8,7 +8,9 @@
 #include "RaidLibTrace.h"
 
 // The number behind "=" on the first line that starts with "Controller
-// Count", or else on the first line that contains it.
+// Count", or else on the first line that contains it. The card numbers
+// searched come from it, so it is read exactly; a count that is not a whole
+// 32-bit number counts no card.
 UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
   *ErrorCode = 0;
   LSI_LINES Lines;
@@ -24,8 +26,18 @@ UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
       Found = Line;
     }
   }
-  return Found == nullptr ? 0
-                          : static_cast<UINT32>(LsiNumberAfterEquals(Found));
+  if (Found == nullptr) {
+    return 0;
+  }
+  LSI_ROW Scratch;
+  CHAR16 *Value = LsiTrimmedValue(Found, &Scratch);
+  UINT32 Count = 0;
+  if (!RaidLibReadId(Value, &Count)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]Controller Count %S is not a usable number\n", Value);
+    return 0;
+  }
+  return Count;
 }
 
 // Compares the bus, device and function of the first "Bus Number" line and

@@ -55,7 +55,12 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
     return Status;
   }
   const CHAR16 *Tool = Controller->Capability->ToolName;
-  RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  // A run that did not happen (its command refused) leaves no output to
+  // count cards or compare locations in.
+  Status = RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
   gLsiControllerCount =
       LsiParseControllerShowCtrlCount(gRaidToolOutput, ErrorCode);
   if (gLsiControllerCount == 0) {
@@ -74,7 +79,11 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool, CardId);
+    Status =
+        RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool, CardId);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
     Status = ParseBDF(gRaidToolOutput, Controller, CardId, ErrorCode);
     if (!EFI_ERROR(Status)) {
       // The cards searched before this one left their mismatch code; a
