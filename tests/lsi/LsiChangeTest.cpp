@@ -216,6 +216,31 @@ TEST_F(LsiChangeTest, CreateRefusals) {
   EXPECT_TRUE(NewCommands().empty());
 }
 
+// Two drives with one device id (read from another tool, or past the
+// parser's own check): a create naming that id is refused before anything
+// runs, since its drive list would hold both.
+TEST_F(LsiChangeTest, AnIdNamingTwoDrivesIsRefused) {
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  DriveAt("253:5")->Id = 1;
+  for (bool AsSpare : {false, true}) {
+    Baseline_ = Commands().size();
+    RAID_VOLUME_PARAMETER *P =
+        AsSpare ? Parameter({3, 4}, {1}) : Parameter({1, 3}, {});
+    P->RaidLevel = 1;
+    UINT32 ErrorCode = 0;
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+    EXPECT_TRUE(
+        TraceHas("[LsiCreateVolume]Drive id 1 names 2 drives; nothing is run\r\n"));
+    // Only the refresh runs.
+    EXPECT_EQ(NewCommands(), (std::vector<std::string>{
+                                 "storcli.efi /c0 show mronly nolog",
+                                 "storcli.efi /c0 show freespace mronly nolog"}));
+    // The refresh read the unchanged summary again.
+    DriveAt("253:5")->Id = 1;
+  }
+}
+
 TEST_F(LsiChangeTest, DeletingOneVolumeTakesOverTheRefreshCode) {
   ReadRich();
   RAID_ARRAY *Raid10 = Array(1);

@@ -95,6 +95,16 @@ TEST_P(LsiIdTest, RowIsLeftOutAndTheRestStays) {
     Drives += Item.rfind("drive ", 0) == 0 ? 1 : 0;
   }
   EXPECT_EQ(Controller_->DiskDriveCount, Drives);
+  // Each count still follows its list.
+  EXPECT_EQ(Controller_->UnconfiguredDriveCount,
+            CountListEntries(&Controller_->PhysicalDriveList));
+  EXPECT_EQ(Controller_->GlobalSpareCount,
+            CountListEntries(&Controller_->SpareDriveList));
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
+    EXPECT_EQ(Array->MemberDriveCount + Array->DedicatedSpareCount,
+              CountListEntries(&Array->DriveList));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -169,6 +179,29 @@ INSTANTIATE_TEST_SUITE_P(
                {"segment 1/3 FreeCapacity3"},
                {"[AddFreeSegment]ID 3, DG 4294967297 or AftrVD 2 is not a "
                 "usable id; free space left out\r\n"}},
+        // A DID two rows carry names neither drive alone: a create naming
+        // it would take both.
+        IdCase{"RepeatedDid",
+               {{false, "252:1    11 Onln", "252:1    10 Onln"}},
+               {"drive 252:0 did 10", "drive 252:1 did 11"},
+               {"[RaidLibLeaveOutAmbiguousDrives]Drive 252:0: device id 10 is "
+                "listed for another drive too; drive left out\r\n",
+                "[RaidLibLeaveOutAmbiguousDrives]Drive 252:1: device id 10 is "
+                "listed for another drive too; drive left out\r\n"}},
+        IdCase{"DidRepeatedThriceAcrossLists",
+               {{false, "252:9    35 GHS", "252:9    30 GHS"},
+                {false, "253:3    23 Cpybck", "253:3    30 Cpybck"}},
+               {"drive 252:4 did 30", "drive 252:9 did 35",
+                "drive 253:3 did 23"},
+               {"[RaidLibLeaveOutAmbiguousDrives]Drive 252:9: device id 30 is "
+                "listed for another drive too; drive left out\r\n"}},
+        // 4294967295 fits 32 bits but ends the wizard's drive id lists.
+        IdCase{"DidIsTheListEndMark",
+               {{false, "252:6    32 UBUnsp", "252:6    4294967295 UBUnsp"}},
+               {"drive 252:6 did 32"},
+               {"[RaidLibLeaveOutAmbiguousDrives]Drive 252:6: device id "
+                "4294967295 is the end mark of a drive id list; drive left "
+                "out\r\n"}},
         // 4294967295 fits 32 bits but is the mark of "-": the segment would
         // move to the head of its array and the create lose its AfterVd.
         IdCase{"AfterVdIsTheNoVolumeMark",

@@ -127,6 +127,24 @@ BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
 // Longest id block read without its own count (hot spares).
 constexpr UINTN kMaxListedDrives = 1024;
 
+// FALSE when an id of the block names more than one drive of List: the
+// drive list built from it would hold a drive not asked for. (An id naming
+// none adds nothing to the list; the tool judges the list without it.)
+bool NoIdNamesTwoDrives(LIST_ENTRY *List, const IdBlock &Block) {
+  for (UINTN Index = 0; Block.Ids != nullptr && Index < Block.Limit &&
+                        Block.Ids[Index] != RAID_DRIVE_LIST_END;
+       Index++) {
+    UINT32 Found = RaidLibCountDrivesWithId(List, Block.Ids[Index]);
+    if (Found > 1) {
+      LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+                   "[%a]Drive id %u names %u drives; nothing is run\n",
+                   Block.Ids[Index], Found);
+      return false;
+    }
+  }
+  return true;
+}
+
 // Runs "add vd" in the module's command form.
 VOID RunCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
                const RAID_VOLUME_PARAMETER *Parameter,
@@ -189,6 +207,12 @@ bool CreateInNewArray(RAID_CONTROLLER *Controller,
     *ErrorCode = LSI_ERROR_NO_FREE_DRIVES;
     LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
                  "[%a]No Free Physical Drives!\n");
+    return false;
+  }
+  IdBlock Spares = {Parameter->SpareList, kMaxListedDrives};
+  if (!NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Members) ||
+      !NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Spares)) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
     return false;
   }
   LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Members,

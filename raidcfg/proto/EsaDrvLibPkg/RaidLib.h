@@ -458,6 +458,21 @@ VOID RaidLibFreeController(RAID_CONTROLLER *Controller);
 // first record whose Id is that number; no such record -> at the tail.
 VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment);
 
+// ---- Drive ids (RaidLibDriveIds.cpp) ----------------------------------------
+
+// Leaves out of the model each drive of DriveTable whose Id another drive
+// of the table carries too, and one whose Id is RAID_DRIVE_LIST_END: such
+// an id cannot name one drive, so a create naming it could take a drive the
+// operator did not choose. Each is traced, taken off the count of its list
+// (UnconfiguredDriveCount, GlobalSpareCount, or its array's
+// MemberDriveCount or DedicatedSpareCount), unlinked and freed; DriveTable
+// closes up and DiskDriveCount follows. Backends call it once the drives of
+// one tool output are read.
+VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller);
+
+// The drives of List whose Id is Id.
+UINT32 RaidLibCountDrivesWithId(LIST_ENTRY *List, UINT32 Id);
+
 // ---- Profile words (RaidLibWords.cpp) ---------------------------------------
 
 typedef enum {
