@@ -157,7 +157,7 @@ bool NoIdNamesTwoDrives(LIST_ENTRY *List, const IdBlock &Block) {
        Index++) {
     UINT32 Found = RaidLibCountDrivesWithId(List, Block.Ids[Index]);
     if (Found > 1) {
-      LSI_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+      LSI_TRACE_AS(kCaller, TARN_DEBUG_ERROR,
                    "[%a]Drive id %u names %u drives; nothing is run\n",
                    Block.Ids[Index], Found);
       return false;
@@ -230,8 +230,7 @@ VOID RunLines(const CreateLines &Lines, UINT32 *ErrorCode) {
   const CHAR16 *const Order[] = {Lines.Create, Lines.Spares};
   for (const CHAR16 *Line : Order) {
     if (Line[0] != 0) {
-      LsiRunToolInto(kCaller, LSI_CREATE_COMMAND_CHARS, ErrorCode, u"%s",
-                     Line);
+      LsiRunToolInto(kCaller, LSI_CREATE_COMMAND_CHARS, ErrorCode, u"%s", Line);
     }
   }
 }
@@ -348,13 +347,12 @@ EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
       CreateLines Lines;
       Lines.Create[0] = 0;
       Lines.Spares[0] = 0;
-      bool Ran =
-          BuildParameterWords(Parameter, &Words, ErrorCode) &&
-          (Parameter->NewArray != 0
-               ? CreateInNewArray(Controller, Parameter, &Words, &Lines,
-                                  ErrorCode)
-               : CreateInExistingArray(Controller, Parameter, &Words, &Lines,
-                                       ErrorCode));
+      bool Ran = BuildParameterWords(Parameter, &Words, ErrorCode) &&
+                 (Parameter->NewArray != 0
+                      ? CreateInNewArray(Controller, Parameter, &Words, &Lines,
+                                         ErrorCode)
+                      : CreateInExistingArray(Controller, Parameter, &Words,
+                                              &Lines, ErrorCode));
       if (Ran && EFI_ERROR(ParseErrCd(gRaidToolOutput, ErrorCode))) {
         RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Parse error code error\n");
       }

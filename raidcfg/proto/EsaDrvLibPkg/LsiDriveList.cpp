@@ -57,8 +57,8 @@ EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
       continue;
     }
     UINT32 Enclosure = First->Position->EnclosureId;
-    bool Whole =
-        Append(Buffer, BufferChars, &Used, Used == 0 ? u"%u:" : u",%u:", Enclosure);
+    bool Whole = Append(Buffer, BufferChars, &Used,
+                        Used == 0 ? u"%u:" : u",%u:", Enclosure);
     bool FirstSlot = true;
     bool Reached = false;
     for (RAID_PHYSICAL_DRIVE *Drive :
@@ -68,9 +68,9 @@ EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
           Drive->Position->EnclosureId != Enclosure) {
         continue;
       }
-      Whole = Whole && Append(Buffer, BufferChars, &Used,
-                              FirstSlot ? u"%u" : u",%u",
-                              Drive->Position->SlotNumber);
+      Whole = Whole &&
+              Append(Buffer, BufferChars, &Used, FirstSlot ? u"%u" : u",%u",
+                     Drive->Position->SlotNumber);
       FirstSlot = false;
     }
     if (!Whole) {

@@ -28,16 +28,16 @@ bool DriveCommandsFit(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
   UINT32 CardId = Controller->Private->CardId;
   CHAR16 Line[LSI_DRIVE_COMMAND_CHARS];
   for (const CHAR16 *Action : kDriveActions) {
-    if (EFI_ERROR(RaidLibFormatCommand(
-            kCaller, Line, LSI_DRIVE_COMMAND_CHARS, ErrorCode, kDriveFormat,
-            Tool, CardId, Drive->Position->EnclosureId,
-            Drive->Position->SlotNumber, Action))) {
+    if (EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+                                       ErrorCode, kDriveFormat, Tool, CardId,
+                                       Drive->Position->EnclosureId,
+                                       Drive->Position->SlotNumber, Action))) {
       return false;
     }
   }
-  return !EFI_ERROR(RaidLibFormatCommand(kCaller, Line,
-                                         LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                                         kForeignDeleteFormat, Tool, CardId));
+  return !EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+                                         ErrorCode, kForeignDeleteFormat, Tool,
+                                         CardId));
 }
 
 // Runs "<tool> /cN/eE/sS <Action> mronly nolog"; TRUE when the tool said

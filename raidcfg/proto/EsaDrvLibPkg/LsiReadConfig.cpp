@@ -57,7 +57,8 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   // A run that did not happen (its command refused) leaves no output to
   // count cards or compare locations in.
-  Status = RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  Status =
+      RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -79,8 +80,8 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    Status =
-        RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool, CardId);
+    Status = RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool,
+                               CardId);
     if (EFI_ERROR(Status)) {
       return Status;
     }

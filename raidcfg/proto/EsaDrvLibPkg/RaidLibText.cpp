@@ -305,8 +305,8 @@ BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
 }
 
 // Formats, and tells whether the text was cut.
-BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars,
-                       const CHAR16 *Format, VA_LIST Marker) {
+BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars, const CHAR16 *Format,
+                       VA_LIST Marker) {
   VA_LIST Counted;
   VA_COPY(Counted, Marker);
   UINTN Length = SPrintLength(Format, Counted);

@@ -87,8 +87,8 @@ BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
 // used as if it were whole.
 BOOLEAN EFIAPI RaidLibFormat(CHAR16 *Buffer, UINTN BufferChars,
                              const CHAR16 *Format, ...);
-BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars,
-                       const CHAR16 *Format, VA_LIST Marker);
+BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars, const CHAR16 *Format,
+                       VA_LIST Marker);
 
 // Reads a hexadecimal number: leading blanks, tabs and zeros are skipped, an
 // "x" or "X" directly after a zero is skipped ("0x1B4B", "0X1b4b"), and the

@@ -59,8 +59,7 @@ EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
 
 }  // namespace
 
-EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller,
-                                       CHAR16 *CommandLine,
+EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
                                        UINTN CommandChars, UINT32 *ErrorCode,
                                        const CHAR16 *Format, ...) {
   VA_LIST Marker;

@@ -31,8 +31,7 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
 // RAID_ERROR_BUFFER_TOO_SMALL, EFI_BUFFER_TOO_SMALL. A cut line can name
 // another object than the whole one ("/v12" cut to "/v1"), so nothing may
 // run a refused line.
-EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller,
-                                       CHAR16 *CommandLine,
+EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
                                        UINTN CommandChars, UINT32 *ErrorCode,
                                        const CHAR16 *Format, ...);
 
