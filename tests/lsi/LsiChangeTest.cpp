@@ -429,6 +429,18 @@ TEST_F(LsiCommandLengthTest, DriveCommandsAreCheckedBeforeAnyRuns) {
   EXPECT_EQ(Controller_->GlobalSpareCount, 1u);
 }
 
+// A single command is refused by the tool runner itself: a change of all
+// drives whose line does not fit runs nothing, and reports the refusal.
+TEST_F(LsiCommandLengthTest, TheRunnerRefusesALineThatDoesNotFit) {
+  ReadRich();
+  ToolOfLength(960);  // 1002 characters with "/c0/eall/sall del jbod force"
+  Baseline_ = Commands().size();
+  UINT32 ErrorCode = 0;
+  LsiSetAllPhysicalDriveState(Controller_, RAID_STATE_UGOOD, &ErrorCode);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(NewCommands().empty());  // the re-read's lines do not fit either
+}
+
 // Reads too: a card search whose command does not fit stops with the
 // refusal instead of counting the cards of a cut command's output.
 TEST_F(LsiCommandLengthTest, CardSearchStopsAtARefusedCommand) {
