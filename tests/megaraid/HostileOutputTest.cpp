@@ -40,20 +40,10 @@ class HostileOutputTest : public OneAdapterWorld {
     }
     return Lines;
   }
-  // A create of a new array over the drives with these device ids.
-  EFI_STATUS CreateNew(UINT8 Level, std::vector<UINT32> Ids,
-                       std::vector<UINT32> Spares, UINT32 *ErrorCode) {
-    Members_ = Ids;
-    Members_.push_back(RAID_DRIVE_LIST_END);
-    Spares_ = Spares;
-    Spares_.push_back(RAID_DRIVE_LIST_END);
+  // A request of 100 GB named "v" with the tool's default policies.
+  RAID_VOLUME_PARAMETER Request() {
     RAID_VOLUME_PARAMETER P = {};
-    P.NewArray = 1;
     P.ControllerId = Controller->Id;
-    P.DriveList = Members_.data();
-    P.DriveCount = static_cast<UINT32>(Ids.size());
-    P.SpareList = Spares.empty() ? nullptr : Spares_.data();
-    P.RaidLevel = Level;
     P.Name = Name_;
     P.Size = 100000;
     P.Reserved = 1;
@@ -62,6 +52,21 @@ class HostileOutputTest : public OneAdapterWorld {
     P.WritePolicy = RAID_WRITE_POLICY_OTHER;
     P.IoPolicy = RAID_IO_POLICY_OTHER;
     P.DiskCachePolicy = RAID_DISK_CACHE_POLICY_OTHER;
+    return P;
+  }
+  // A create of a new array over the drives with these device ids.
+  EFI_STATUS CreateNew(UINT8 Level, std::vector<UINT32> Ids,
+                       std::vector<UINT32> Spares, UINT32 *ErrorCode) {
+    Members_ = Ids;
+    Members_.push_back(RAID_DRIVE_LIST_END);
+    Spares_ = Spares;
+    Spares_.push_back(RAID_DRIVE_LIST_END);
+    RAID_VOLUME_PARAMETER P = Request();
+    P.NewArray = 1;
+    P.DriveList = Members_.data();
+    P.DriveCount = static_cast<UINT32>(Ids.size());
+    P.SpareList = Spares.empty() ? nullptr : Spares_.data();
+    P.RaidLevel = Level;
     *ErrorCode = 0xFFFFFFFF;
     return CreateVolume(&P, 0, ErrorCode);
   }
@@ -207,15 +212,10 @@ TEST_F(HostileOutputTest, AnExistingArraysListPastItsBufferRunsNothing) {
   ASSERT_NE(Array, nullptr);
   RAID_VOLUME *Segment = FreeSegmentAfter(Array, 0);
   ASSERT_NE(Segment, nullptr);
-  RAID_VOLUME_PARAMETER P = {};
-  P.ControllerId = Controller->Id;
+  RAID_VOLUME_PARAMETER P = Request();
   P.ArrayId = 0;
   P.FreeSegmentId = Segment->Id;
   P.DriveCount = Array->MemberDriveCount;
-  P.Name = Name_;
-  P.Size = 100000;
-  P.Reserved = 1;
-  P.StripeSize = 64;
   UINT32 ErrorCode = 0;
   EXPECT_EQ(CreateVolume(&P, 0, &ErrorCode), EFI_SUCCESS);
   EXPECT_EQ(ErrorCode, 0x00200005u);

@@ -147,18 +147,10 @@ TEST_F(HostileOutputTest, ADriveListPastItsBufferFailsWithNothingRun) {
     Drives.push_back({{"address", Ticked.back()}, {"sizeMb", 953344}});
   }
   Drives.push_back({{"address", "2:1"}, {"sizeMb", 953344}});
-  Start(ScenarioFrom({{"pciFunctions",
-                       {{{"name", "mr"},
-                         {"location", "3b:00.0"},
-                         {"vendorId", "1000"},
-                         {"deviceId", "0016"},
-                         {"subVendorId", "1000"},
-                         {"subDeviceId", "9460"}}}},
-                      {"adapters",
-                       {{{"family", "megaraid"},
-                         {"pciFunction", "mr"},
-                         {"limits", {{"maxDrivesPerSpan", 256}}},
-                         {"drives", Drives}}}}}));
+  nlohmann::json Server = SixSasServer();
+  Server["adapters"][0]["drives"] = Drives;
+  Server["adapters"][0]["limits"] = {{"maxDrivesPerSpan", 256}};
+  Start(ScenarioFrom(Server));
   const nlohmann::json Before = MegaRaidState();
   NewArrayPage(u"RAID 10");
   Tick(Ticked);
