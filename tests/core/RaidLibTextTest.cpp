@@ -49,6 +49,98 @@ TEST(RaidLibText, DecimalRead) {
   EXPECT_EQ(RaidLibReadDecimal(nullptr), 0u);
 }
 
+// Ids are read exactly or not at all: no wrap past 32 bits, no saturation,
+// nothing around the digits.
+TEST(RaidLibText, IdRead) {
+  constexpr UINT32 kUntouched = 0xA5A5A5A5;
+  struct Case {
+    const CHAR16 *Word;
+    bool Read;
+    UINT32 Expected;
+  } Cases[] = {
+      {u"0", true, 0},
+      {u"252", true, 252},
+      {u"007", true, 7},
+      {u"4294967295", true, 4294967295u},
+      {u"00004294967295", true, 4294967295u},
+      {u"4294967296", false, 0},
+      {u"4294967297", false, 0},
+      {u"18446744073709551616", false, 0},
+      {u"99999999999999999999999", false, 0},
+      {u"", false, 0},
+      {u"-1", false, 0},
+      {u"+1", false, 0},
+      {u" 1", false, 0},
+      {u"1 ", false, 0},
+      {u"1\r", false, 0},
+      {u"1.5", false, 0},
+      {u"558.406", false, 0},
+      {u"252:0", false, 0},
+      {u"-", false, 0},
+      {u"0x10", false, 0},
+  };
+  for (const Case &Row : Cases) {
+    UINT32 Id = kUntouched;
+    EXPECT_EQ(RaidLibReadId(Row.Word, &Id) == TRUE, Row.Read)
+        << std::string(Row.Word, Row.Word + StrLen(Row.Word));
+    EXPECT_EQ(Id, Row.Read ? Row.Expected : kUntouched);
+  }
+  UINT32 Id = kUntouched;
+  EXPECT_FALSE(RaidLibReadId(nullptr, &Id));
+  EXPECT_EQ(Id, kUntouched);
+}
+
+TEST(RaidLibText, IdPairRead) {
+  struct Case {
+    const CHAR16 *Word;
+    CHAR16 Separator;
+    bool Read;
+    UINT32 First;
+    UINT32 Second;
+  } Cases[] = {
+      {u"252:4", u':', true, 252, 4},
+      {u"0/3", u'/', true, 0, 3},
+      {u"4294967295:4294967295", u':', true, 4294967295u, 4294967295u},
+      {u"0/4294967296", u'/', false, 0, 0},
+      {u"4294967296:1", u':', false, 0, 0},
+      {u":4", u':', false, 0, 0},
+      {u"252:", u':', false, 0, 0},
+      {u"252", u':', false, 0, 0},
+      {u"252:4:1", u':', false, 0, 0},
+      {u"252/4", u':', false, 0, 0},
+      {u"", u':', false, 0, 0},
+  };
+  for (const Case &Row : Cases) {
+    UINT32 First = 77;
+    UINT32 Second = 88;
+    EXPECT_EQ(RaidLibReadIdPair(Row.Word, Row.Separator, &First, &Second) ==
+                  TRUE,
+              Row.Read)
+        << std::string(Row.Word, Row.Word + StrLen(Row.Word));
+    EXPECT_EQ(First, Row.Read ? Row.First : 77u);
+    EXPECT_EQ(Second, Row.Read ? Row.Second : 88u);
+  }
+}
+
+// A formatted text either fits whole or is reported as cut.
+TEST(RaidLibText, FormatReportsACut) {
+  CHAR16 Buffer[16];
+  // 15 characters and the terminator fit exactly.
+  EXPECT_TRUE(RaidLibFormat(Buffer, 16, u"%s/v%u", u"storcli", 12345u));
+  EXPECT_EQ(std::u16string(Buffer), u"storcli/v12345");
+  EXPECT_TRUE(RaidLibFormat(Buffer, 16, u"%s", u"123456789012345"));
+  EXPECT_FALSE(RaidLibFormat(Buffer, 16, u"%s", u"1234567890123456"));
+  EXPECT_EQ(std::u16string(Buffer), u"123456789012345");
+  // A number cut inside its digits is never taken for a shorter number.
+  EXPECT_FALSE(RaidLibFormat(Buffer, 8, u"/c0/v%u", 1234u));
+  EXPECT_EQ(std::u16string(Buffer), u"/c0/v12");
+  // A line end counts as the two characters it prints.
+  EXPECT_FALSE(RaidLibFormat(Buffer, 3, u"ab\n"));
+  EXPECT_TRUE(RaidLibFormat(Buffer, 4, u"a\n"));
+  EXPECT_FALSE(RaidLibFormat(Buffer, 0, u""));
+  EXPECT_FALSE(RaidLibFormat(nullptr, 16, u"a"));
+}
+
 TEST(RaidLibText, HexRead) {
   struct Case {
     const CHAR16 *Text;

@@ -35,6 +35,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   RaidLibReadDecimal(Text.data());
   RaidLibReadHex(Text.data());
   RaidLibUnitCode(Text.data());
+  // An id is read exactly or not at all: whatever was read prints back as
+  // the same digits, leading zeros aside.
+  UINT32 Id = 0;
+  if (RaidLibReadId(Text.data(), &Id) &&
+      RaidLibReadDecimal(Text.data()) != Id) {
+    __builtin_trap();
+  }
+  UINT32 Second = 0;
+  RaidLibReadIdPair(Text.data(), u':', &Id, &Second);
+  CHAR16 Formatted[16];
+  if (RaidLibFormat(Formatted, 16, u"%s", Text.data()) &&
+      StrCmp(Formatted, Text.data()) != 0) {
+    __builtin_trap();  // A text reported whole came out cut.
+  }
 
   std::vector<CHAR16> Line = Text;
   CHAR16 **Tokens = RaidLibSplit(Line.data(), Delimiters);

@@ -4,6 +4,7 @@
 
 #include "LsiOutputs.h"
 #include "LsiWorld.h"
+#include "RaidLibText.h"
 
 namespace lsi_test {
 namespace {
@@ -216,6 +217,31 @@ TEST_F(LsiChangeTest, CreateRefusals) {
   EXPECT_TRUE(NewCommands().empty());
 }
 
+// Two drives with one device id (read from another tool, or past the
+// parser's own check): a create naming that id is refused before anything
+// runs, since its drive list would hold both.
+TEST_F(LsiChangeTest, AnIdNamingTwoDrivesIsRefused) {
+  ReadFresh(FreshSummary(kMixedEnclosures));
+  DriveAt("253:5")->Id = 1;
+  for (bool AsSpare : {false, true}) {
+    Baseline_ = Commands().size();
+    RAID_VOLUME_PARAMETER *P =
+        AsSpare ? Parameter({3, 4}, {1}) : Parameter({1, 3}, {});
+    P->RaidLevel = 1;
+    UINT32 ErrorCode = 0;
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+    EXPECT_TRUE(
+        TraceHas("[LsiCreateVolume]Drive id 1 names 2 drives; nothing is run\r\n"));
+    // Only the refresh runs.
+    EXPECT_EQ(NewCommands(), (std::vector<std::string>{
+                                 "storcli.efi /c0 show mronly nolog",
+                                 "storcli.efi /c0 show freespace mronly nolog"}));
+    // The refresh read the unchanged summary again.
+    DriveAt("253:5")->Id = 1;
+  }
+}
+
 TEST_F(LsiChangeTest, DeletingOneVolumeTakesOverTheRefreshCode) {
   ReadRich();
   RAID_ARRAY *Raid10 = Array(1);
@@ -234,6 +260,197 @@ TEST_F(LsiChangeTest, DeletingOneVolumeTakesOverTheRefreshCode) {
                        "information, Status: Success, Error code: "
                        "0x200029\r\n"));
   EXPECT_EQ(NewCommands()[0], "storcli.efi /c0/v2 del force mronly nolog");
+}
+
+// ---- Command lines that do not fit ----------------------------------------
+
+// Ten-digit slots of enclosure 252 (DIDs from 100), then the drives of
+// Extra: a drive list of them outgrows its 1024 characters after 92 slots.
+std::vector<std::pair<std::string, unsigned>> LongSlots(
+    unsigned Count,
+    const std::vector<std::pair<std::string, unsigned>> &Extra = {}) {
+  std::vector<std::pair<std::string, unsigned>> Drives;
+  for (unsigned Index = 0; Index < Count; Index++) {
+    Drives.push_back({"252:" + std::to_string(1000000000u + Index), 100 + Index});
+  }
+  Drives.insert(Drives.end(), Extra.begin(), Extra.end());
+  return Drives;
+}
+
+std::vector<UINT32> IdsOf(const std::vector<std::pair<std::string, unsigned>> &Drives) {
+  std::vector<UINT32> Ids;
+  for (const auto &Drive : Drives) Ids.push_back(Drive.second);
+  return Ids;
+}
+
+// The drive list of LongSlots(92) and one more slot.
+std::string LongList(const std::string &LastSlot) {
+  std::string List = "252:";
+  for (unsigned Index = 0; Index < 92; Index++) {
+    List += std::to_string(1000000000u + Index) + ",";
+  }
+  return List + LastSlot;
+}
+
+class LsiCommandLengthTest : public LsiChangeTest {
+ protected:
+  // Replaces the profile's tool name by one of Length characters.
+  VOID ToolOfLength(size_t Length) {
+    std::u16string Tool = u"fs0:\\";
+    Tool.append(Length - Tool.size() - 11, u'x');
+    Tool += u"storcli.efi";
+    FreePool(Controller_->Capability->ToolName);
+    Controller_->Capability->ToolName = AllocDestStr(Tool.c_str());
+  }
+  // Only the re-read ran.
+  VOID ExpectOnlyTheRefresh() {
+    EXPECT_EQ(NewCommands(), (std::vector<std::string>{
+                                 "storcli.efi /c0 show mronly nolog",
+                                 "storcli.efi /c0 show freespace mronly nolog"}));
+  }
+};
+
+// A list of 1023 characters runs whole; one of 1024 would have been cut to
+// end in "1000000" (the unticked 252:1000000) while dropping a ticked
+// drive, and is refused instead.
+TEST_F(LsiCommandLengthTest, DriveListPastItsBufferIsRefused) {
+  struct Case {
+    const char *LastSlot;
+    bool Fits;
+  };
+  for (const Case &C : {Case{"1000000", true}, Case{"10000000", false}}) {
+    const auto Drives =
+        LongSlots(92, {{std::string("252:") + C.LastSlot, 99}, {"252:1000000", 98}});
+    ReadFresh(FreshSummary(Drives));
+    std::vector<UINT32> Members = IdsOf(Drives);
+    Members.pop_back();  // 252:1000000 is not ticked
+    RAID_VOLUME_PARAMETER *P = Parameter(Members, {});
+    P->RaidLevel = 0;
+    UINT32 ErrorCode = 0;
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+    if (C.Fits) {
+      ASSERT_FALSE(NewCommands().empty());
+      EXPECT_NE(NewCommands()[0].find(" drives=" + LongList(C.LastSlot) + " "),
+                std::string::npos);
+      continue;
+    }
+    EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+    EXPECT_TRUE(TraceHas("[LsiCreateVolume]Drive list does not fit in 1024 "
+                         "characters; nothing is run\r\n"));
+    ExpectOnlyTheRefresh();
+  }
+}
+
+// The hot spares are listed before the array is made: a spare list that
+// does not fit refuses the whole create, not just the spares.
+TEST_F(LsiCommandLengthTest, SpareListPastItsBufferRefusesTheCreate) {
+  const auto Drives = LongSlots(93, {{"253:0", 1}, {"253:1", 2}});
+  ReadFresh(FreshSummary(Drives));
+  std::vector<UINT32> Spares = IdsOf(Drives);
+  Spares.resize(93);
+  RAID_VOLUME_PARAMETER *P = Parameter({1, 2}, Spares);
+  P->RaidLevel = 1;
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(TraceHas("[LsiCreateVolume]Hot spare list does not fit in 1024 "
+                       "characters; nothing is run\r\n"));
+  ExpectOnlyTheRefresh();
+}
+
+// "name=" and 58 characters fill the name word's 64; one more is refused
+// rather than create a volume under a cut name.
+TEST_F(LsiCommandLengthTest, NameWordPastItsBufferIsRefused) {
+  for (size_t Length : {58u, 59u}) {
+    ReadFresh(FreshSummary(kMixedEnclosures));
+    std::u16string Name(Length, u'n');
+    RAID_VOLUME_PARAMETER *P = Parameter({1, 3}, {});
+    P->RaidLevel = 1;
+    P->Name = Name.data();
+    UINT32 ErrorCode = 0;
+    LsiCreateVolume(P, 0, &ErrorCode);
+    const std::string Command = NewCommands()[0];
+    if (Length == 58) {
+      EXPECT_NE(Command.find(" name=" + std::string(58, 'n') + " "),
+                std::string::npos);
+      continue;
+    }
+    EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+    EXPECT_TRUE(TraceHas("[LsiCreateVolume]Name word does not fit in 64 "
+                         "characters; nothing is run\r\n"));
+    ExpectOnlyTheRefresh();
+  }
+}
+
+// With a tool path of 69 characters "/c0/v0 del force" fills the 100 of a
+// deletion; "/c0/v10" does not, and cut it would name volume 1. No volume
+// of the array is deleted, nor is the adapter re-read.
+TEST_F(LsiCommandLengthTest, DeletionLinesAreAllFormattedBeforeAnyRuns) {
+  ReadRich();
+  RAID_ARRAY *Raid5 = Array(0);
+  RAID_VOLUME *Second = nullptr;
+  for (RAID_VOLUME *V : uefi::ListOf<&RAID_VOLUME::Link>(Raid5->SegmentList)) {
+    Second = V->IsVolume && V->Id == 1 ? V : Second;
+  }
+  ASSERT_NE(Second, nullptr);
+  Second->Id = 10;
+  ToolOfLength(69);
+  Baseline_ = Commands().size();
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(LsiDeleteArray(Raid5, &ErrorCode), EFI_BUFFER_TOO_SMALL);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  // Had anything run, the re-read would have replaced the array's records.
+  ASSERT_TRUE(NewCommands().empty());
+  EXPECT_TRUE(TraceHas("[LsiDeleteArray]Command does not fit in 100 "
+                       "characters, not run: fs0:\\" + std::string(53, 'x') +
+                       "storcli.efi /c0/v10 del force mronly nolo\r\n"));
+  EXPECT_EQ(LsiDeleteVolume(Second, &ErrorCode), EFI_BUFFER_TOO_SMALL);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(NewCommands().empty());
+}
+
+// A drive change of two commands checks both before the first runs: a
+// global spare that is to become JBOD keeps its state when "delete
+// hotsparedrive" does not fit, though "set jbod" would.
+TEST_F(LsiCommandLengthTest, DriveCommandsAreCheckedBeforeAnyRuns) {
+  ReadRich();
+  RAID_PHYSICAL_DRIVE *Spare = DriveAt("252:9");
+  ASSERT_NE(Spare, nullptr);
+  // The buffer holds 999: "set jbod" takes 994, the release 1006.
+  ToolOfLength(960);
+  Baseline_ = Commands().size();
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(LsiSetPhysicalDriveState(Controller_, Spare, RAID_STATE_JBOD,
+                                     &ErrorCode),
+            static_cast<EFI_STATUS>(RAID_ERROR_BUFFER_TOO_SMALL & 0xFF));
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(NewCommands().empty());
+  EXPECT_EQ(Spare->State, (UINT32)RAID_STATE_GHS);
+  EXPECT_EQ(Controller_->GlobalSpareCount, 1u);
+}
+
+// A single command is refused by the tool runner itself: a change of all
+// drives whose line does not fit runs nothing, and reports the refusal.
+TEST_F(LsiCommandLengthTest, TheRunnerRefusesALineThatDoesNotFit) {
+  ReadRich();
+  ToolOfLength(960);  // 1002 characters with "/c0/eall/sall del jbod force"
+  Baseline_ = Commands().size();
+  UINT32 ErrorCode = 0;
+  LsiSetAllPhysicalDriveState(Controller_, RAID_STATE_UGOOD, &ErrorCode);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(NewCommands().empty());  // the re-read's lines do not fit either
+}
+
+// Reads too: a card search whose command does not fit stops with the
+// refusal instead of counting the cards of a cut command's output.
+TEST_F(LsiCommandLengthTest, CardSearchStopsAtARefusedCommand) {
+  ToolOfLength(90);
+  Controller_->Private->CardId = RAID_CARD_ID_UNSET;
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(LsiGetCardId(Controller_, &ErrorCode), EFI_BUFFER_TOO_SMALL);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  EXPECT_TRUE(Commands().empty());
+  EXPECT_EQ(Controller_->Private->CardId, RAID_CARD_ID_UNSET);
 }
 
 // ---- One drive's state ------------------------------------------------------

@@ -204,6 +204,30 @@ TEST_F(PrintBounds, Char16OutputCountsWholeCharacters) {
   EXPECT_TRUE(GuardIntact(2));
 }
 
+// The length whatever buffer would receive the text.
+UINTN EFIAPI Length(const CHAR16 *Format, ...) {
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  UINTN Count = SPrintLength(Format, Marker);
+  VA_END(Marker);
+  return Count;
+}
+
+TEST(PrintLib, LengthCountsWhatABufferWouldReceive) {
+  EXPECT_EQ(Length(u"abc"), 3u);
+  EXPECT_EQ(Length(u"a\n"), 3u);  // CR LF
+  EXPECT_EQ(Length(u"%08x", 0x1234), 8u);
+  EXPECT_EQ(Length(u"%u", 4294967295u), 10u);
+  EXPECT_EQ(Length(u"%d", -1), 2u);
+  EXPECT_EQ(Length(u"%*d", 100000, 5), 100000u);
+  EXPECT_EQ(Length(u"%s:%d", u"storcli.efi", 252), 15u);
+  EXPECT_EQ(Length(nullptr), 0u);
+  // The same count the formatter returns when the text fits.
+  CHAR16 Buffer[64];
+  EXPECT_EQ(UnicodeSPrint(Buffer, sizeof(Buffer), u"/c%u/v%u del", 1u, 12u),
+            Length(u"/c%u/v%u del", 1u, 12u));
+}
+
 TEST_F(PrintBounds, EmptyAndMissingBuffers) {
   EXPECT_EQ(AsciiSPrint(Narrow(), 0, "abc"), 0u);
   EXPECT_TRUE(GuardIntact(0));

@@ -21,6 +21,12 @@ WizardWorld::~WizardWorld() {
 
 void WizardWorld::Start(const host::Scenario &Scenario) {
   Server_ = std::make_unique<host::Server>(Scenario);
+  if (Rewrite_) {
+    host::Server *Machine = Server_.get();
+    Server_->Shell()->SetHandler([this, Machine](const std::string &Line) {
+      return Rewrite_(Line, Machine->Adapters().Run(Line).value_or(""));
+    });
+  }
   // A module unloaded by an earlier test leaves its boot-services pointer
   // behind; the framework must start on this server's firmware.
   gBS = nullptr;

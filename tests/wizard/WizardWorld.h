@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -49,6 +50,13 @@ class WizardWorld : public ::testing::Test {
   std::vector<UINT32> Events() const;
   // Trace lines printed so far that contain Text.
   bool TraceHas(const std::string &Text) const;
+
+  // Passes every tool output through this before the module reads it,
+  // from the next Start on: the virtual adapters' text edited into what
+  // they cannot print.
+  std::function<std::string(const std::string &CommandLine,
+                            const std::string &Output)>
+      Rewrite_;
 
   framework::HeadlessDriver Driver_;
   std::unique_ptr<host::Server> Server_;

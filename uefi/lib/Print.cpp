@@ -43,16 +43,33 @@ class Output {
     Terminate_ = Capacity != 0;
   }
 
+  // An output without storage that only counts what would be written.
+  static Output Counter() {
+    Output Out(nullptr, 0);
+    Out.Limit_ = ~static_cast<UINTN>(0);
+    return Out;
+  }
+
   bool Full() const { return Count_ >= Limit_; }
 
   void Put(UINT32 Char) {
     if (Count_ < Limit_) {
-      Buffer_[Count_++] = Narrow(Char);
+      if (Buffer_ != nullptr) {
+        Buffer_[Count_] = Narrow(Char);
+      }
+      Count_++;
     }
   }
 
   void Repeat(UINT32 Char, UINTN Times) {
-    for (UINTN Index = 0; Index < Times && !Full(); Index++) {
+    if (Times > Limit_ - Count_) {
+      Times = Limit_ - Count_;
+    }
+    if (Buffer_ == nullptr) {
+      Count_ += Times;  // A counter need not write a width's blanks one by one.
+      return;
+    }
+    for (UINTN Index = 0; Index < Times; Index++) {
       Put(Char);
     }
   }
@@ -376,12 +393,11 @@ const FormatChar *Convert(Output<OutChar> &Out, const FormatChar *Format,
   }
 }
 
-// Formats Format with the arguments of Marker into Buffer of BufferSize
-// bytes. Returns the characters written, without the terminator.
+// Formats Format with the arguments of Marker into Out. Returns the
+// characters written, without the terminator.
 template <typename FormatChar, typename OutChar>
-UINTN FormatInto(OutChar *Buffer, UINTN BufferSize, const FormatChar *Format,
-                 VA_LIST &Marker) {
-  Output<OutChar> Out(Buffer, BufferSize);
+UINTN FormatTo(Output<OutChar> &Out, const FormatChar *Format,
+               VA_LIST &Marker) {
   if (Format == nullptr) {
     return Out.Finish();
   }
@@ -407,7 +423,21 @@ UINTN FormatInto(OutChar *Buffer, UINTN BufferSize, const FormatChar *Format,
   return Out.Finish();
 }
 
+// Formats Format with the arguments of Marker into Buffer of BufferSize
+// bytes. Returns the characters written, without the terminator.
+template <typename FormatChar, typename OutChar>
+UINTN FormatInto(OutChar *Buffer, UINTN BufferSize, const FormatChar *Format,
+                 VA_LIST &Marker) {
+  Output<OutChar> Out(Buffer, BufferSize);
+  return FormatTo(Out, Format, Marker);
+}
+
 }  // namespace
+
+UINTN EFIAPI SPrintLength(const CHAR16 *Format, VA_LIST Marker) {
+  Output<CHAR16> Out = Output<CHAR16>::Counter();
+  return FormatTo(Out, Format, Marker);
+}
 
 UINTN EFIAPI UnicodeVSPrint(CHAR16 *Buffer, UINTN BufferSize,
                             const CHAR16 *Format, VA_LIST Marker) {

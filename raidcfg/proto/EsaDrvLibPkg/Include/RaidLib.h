@@ -24,6 +24,10 @@
 #define RAID_ERROR_MISSING 0x00200021U
 // The controller's CardId was never set, so no command can name it.
 #define RAID_ERROR_INVALID_CARD_ID 0x00200022U
+// From EFI_BUFFER_TOO_SMALL: a command line, or a drive list going into one,
+// did not fit its buffer, so the operation refused and ran nothing rather
+// than run a cut text.
+#define RAID_ERROR_BUFFER_TOO_SMALL 0x00200005U
 
 // The error code for a firmware service that failed with Status.
 constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
@@ -458,6 +462,21 @@ VOID RaidLibFreeController(RAID_CONTROLLER *Controller);
 // after (Segment->State): none -> at the head; else directly ahead of the
 // first record whose Id is that number; no such record -> at the tail.
 VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment);
+
+// ---- Drive ids (RaidLibDriveIds.cpp) ----------------------------------------
+
+// Leaves out of the model each drive of DriveTable whose Id another drive
+// of the table carries too, and one whose Id is RAID_DRIVE_LIST_END: such
+// an id cannot name one drive, so a create naming it could take a drive the
+// operator did not choose. Each is traced, taken off the count of its list
+// (UnconfiguredDriveCount, GlobalSpareCount, or its array's
+// MemberDriveCount or DedicatedSpareCount), unlinked and freed; DriveTable
+// closes up and DiskDriveCount follows. Backends call it once the drives of
+// one tool output are read.
+VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller);
+
+// The drives of List whose Id is Id.
+UINT32 RaidLibCountDrivesWithId(LIST_ENTRY *List, UINT32 Id);
 
 // ---- Profile words (RaidLibWords.cpp) ---------------------------------------
 

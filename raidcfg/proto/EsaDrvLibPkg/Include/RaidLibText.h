@@ -66,6 +66,30 @@ UINT32 RaidLibMediaCode(const CHAR16 *Interface, const CHAR16 *Medium);
 // for 64 bits give the largest value.
 UINT64 RaidLibReadDecimal(const CHAR16 *Text);
 
+// Reads Word as an id: a device, group, volume, enclosure, slot or card
+// number that names something the tool is to act on. TRUE when Word is one
+// or more decimal digits and nothing else and its value fits 32 bits; *Id
+// is then that value (leading zeros allowed). Anything else (NULL, an empty
+// word, a sign, a blank, a point, a value of 4294967296 or more) gives FALSE
+// and leaves *Id alone: an id is read exactly or not at all, never wrapped
+// and never saturated.
+BOOLEAN RaidLibReadId(const CHAR16 *Word, UINT32 *Id);
+
+// The two ids of a word joined by Separator ("252:4", "0/3"): TRUE when the
+// text before the first Separator and the text after it are each an id as
+// RaidLibReadId reads one. *First and *Second are stored only then.
+BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
+                          UINT32 *Second);
+
+// Formats into Buffer of BufferChars characters, terminated (when
+// BufferChars is not 0). TRUE when the whole text fitted; FALSE when it was
+// cut, and the cut text left in Buffer may serve a trace but must never be
+// used as if it were whole.
+BOOLEAN EFIAPI RaidLibFormat(CHAR16 *Buffer, UINTN BufferChars,
+                             const CHAR16 *Format, ...);
+BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars, const CHAR16 *Format,
+                       VA_LIST Marker);
+
 // Reads a hexadecimal number: leading blanks, tabs and zeros are skipped, an
 // "x" or "X" directly after a zero is skipped ("0x1B4B", "0X1b4b"), and the
 // number stops at the first non-hex character. No digits give 0; values too

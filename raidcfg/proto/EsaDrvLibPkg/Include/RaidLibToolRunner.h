@@ -25,10 +25,22 @@ extern UINT32 gRaidCurrentCardId;
 // under Caller's name, the operation that needed the tool.
 EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
 
+// Formats a command line into CommandLine of CommandChars characters. A
+// line that does not fit is refused, never cut: traced as "[<Caller>]Command
+// does not fit in <n> characters, not run: <cut text>", error code
+// RAID_ERROR_BUFFER_TOO_SMALL, EFI_BUFFER_TOO_SMALL. A cut line can name
+// another object than the whole one ("/v12" cut to "/v1"), so nothing may
+// run a refused line.
+EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
+                                       UINTN CommandChars, UINT32 *ErrorCode,
+                                       const CHAR16 *Format, ...);
+
 // Formats a command line (the tool name is the caller's first argument),
 // traces "[<Caller>]Command: <line>", and runs it into Output, whose size in
 // bytes the runner sets to OutputSize before the run. Output is cleared to an
-// empty string first, so a failed run leaves no stale text.
+// empty string first, so a failed run leaves no stale text. A line that does
+// not fit its buffer is refused as RaidLibFormatCommand refuses it, and
+// nothing is run.
 EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
                                      UINTN OutputSize, UINT32 *ErrorCode,
                                      const CHAR16 *Format, ...);

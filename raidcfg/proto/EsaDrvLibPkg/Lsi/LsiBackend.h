@@ -119,10 +119,14 @@ typedef BOOLEAN (*LSI_DRIVE_FILTER)(const RAID_PHYSICAL_DRIVE *Drive,
                                     const VOID *Context);
 // Writes the drives of List that Filter takes, grouped by enclosure in the
 // order enclosures are first met ("252:0,1,253:5"), into Buffer of
-// BufferChars characters (cut to fit, always terminated).
-VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
-                       const VOID *Context, CHAR16 *Buffer,
-                       UINTN BufferChars);
+// BufferChars characters. A list that does not fit whole is never cut,
+// since a cut list ends in part of a slot number, another drive's, and
+// drops the drives behind it: the buffer is left empty and the result is
+// EFI_BUFFER_TOO_SMALL.
+[[nodiscard]] EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List,
+                                           LSI_DRIVE_FILTER Filter,
+                                           const VOID *Context, CHAR16 *Buffer,
+                                           UINTN BufferChars);
 
 // Runs a storcli command line formatted into a buffer of BufferChars
 // characters, tracing "[<Caller>]Command: <line>"; the output lands in the

@@ -1,7 +1,9 @@
 // Creating a volume with storcli's "add vd", in a new array (with optional
 // hot spares) or in the free space of an existing one. Every word of the
 // command has its own buffer; a word left blank holds one blank, so the
-// command keeps its blanks.
+// command keeps its blanks. Every word, drive list and command line is
+// built whole before the first command runs: one that does not fit refuses
+// the create (RAID_ERROR_BUFFER_TOO_SMALL) and nothing is run.
 #include <Library/PrintLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
@@ -18,6 +20,8 @@ namespace lsi {
 constinit UINT32 gLsiCommandForm = 0;
 
 namespace {
+
+constexpr const CHAR8 *kCaller = "LsiCreateVolume";
 
 typedef CHAR16 WORD_BUFFER[LSI_CREATE_WORD_CHARS];
 
@@ -50,9 +54,25 @@ const CHAR16 *UnitText(UINT32 Unit) {
   }
 }
 
-// The size, name and policy words.
-VOID BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
-                         CreateWords *Words) {
+// The command lines of one create.
+struct CreateLines {
+  CHAR16 Create[LSI_CREATE_COMMAND_CHARS];
+  CHAR16 Spares[LSI_CREATE_COMMAND_CHARS];  // empty: no hot spares to add
+};
+
+// Refuses the create for a part that does not fit its buffer.
+bool RefuseCut(const CHAR8 *Part, UINTN Chars, UINT32 *ErrorCode) {
+  *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
+  RAID_LIB_TRACE_AS(kCaller, TARN_DEBUG_ERROR,
+               "[%a]%a does not fit in %u characters; nothing is run\n", Part,
+               static_cast<UINT32>(Chars));
+  return false;
+}
+
+// The size, name and policy words; FALSE (refused) when the name does not
+// fit its word.
+bool BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
+                         CreateWords *Words, UINT32 *ErrorCode) {
   UINT64 Whole = Parameter->Size / 1000;
   if (Whole == 0) {
     SetWord(Words->Size, u" ");  // The tool then takes all the space.
@@ -64,9 +84,9 @@ VOID BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
   }
   if (Parameter->Name == nullptr || Parameter->Name[0] == 0) {
     SetWord(Words->Name, u" ");
-  } else {
-    UnicodeSPrint(Words->Name, sizeof(WORD_BUFFER), u"name=%S",
-                  Parameter->Name);
+  } else if (!RaidLibFormat(Words->Name, LSI_CREATE_WORD_CHARS, u"name=%S",
+                            Parameter->Name)) {
+    return RefuseCut("Name word", LSI_CREATE_WORD_CHARS, ErrorCode);
   }
   SetWord(Words->DiskCache,
           Parameter->DiskCachePolicy == RAID_DISK_CACHE_POLICY_OFF  ? u"off"
@@ -86,6 +106,7 @@ VOID BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
           : Parameter->ReadPolicy == RAID_READ_POLICY_NO_READ_AHEAD   ? u"nora"
                                                                       : u"");
   SetWord(Words->After, u"");
+  return true;
 }
 
 // "pdperarray=N" for the nested levels, blank for the others.
@@ -130,62 +151,99 @@ BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
 // Longest id block read without its own count (hot spares).
 constexpr UINTN kMaxListedDrives = 1024;
 
-// Runs "add vd" in the module's command form.
-VOID RunCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
-               const RAID_VOLUME_PARAMETER *Parameter,
-               const CreateWords *Words, UINT32 *ErrorCode) {
-  const CHAR16 *Tool = Controller->Capability->ToolName;
-  UINT32 CardId = Controller->Private->CardId;
-  if (gLsiCommandForm == 0) {
-    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
-                   u"%S strip=%d %S mronly nolog",
-                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
-                   Words->Drives, Words->Span, Words->DiskCache, Words->Io,
-                   Words->Write, Words->Read, Parameter->StripeSize,
-                   Words->After);
-  } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
-    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
-                   u"mronly nolog",
-                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
-                   Words->Drives, Words->Span, Words->DiskCache, Words->Write,
-                   Words->Read);
-  } else {
-    LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                   u"%S /c%d add vd raid%d %S %S drives=%S %S pdcache=%S "
-                   u"mronly nolog",
-                   Tool, CardId, RaidLevel, Words->Size, Words->Name,
-                   Words->Drives, Words->Span, Words->DiskCache);
+// FALSE when an id of the block names more than one drive of List: the
+// drive list built from it would hold a drive not asked for. (An id naming
+// none adds nothing to the list; the tool judges the list without it.)
+bool NoIdNamesTwoDrives(LIST_ENTRY *List, const IdBlock &Block) {
+  for (UINTN Index = 0; Block.Ids != nullptr && Index < Block.Limit &&
+                        Block.Ids[Index] != RAID_DRIVE_LIST_END;
+       Index++) {
+    UINT32 Found = RaidLibCountDrivesWithId(List, Block.Ids[Index]);
+    if (Found > 1) {
+      RAID_LIB_TRACE_AS(kCaller, TARN_DEBUG_ERROR,
+                   "[%a]Drive id %u names %u drives; nothing is run\n",
+                   Block.Ids[Index], Found);
+      return false;
+    }
   }
+  return true;
 }
 
-// Assigns the new array's hot spares. Only the first enclosure is named:
-// the slots piece runs up to the next ":" of the list.
-VOID RunAddHotSpares(RAID_CONTROLLER *Controller,
-                     const RAID_VOLUME_PARAMETER *Parameter,
-                     UINT32 *ErrorCode) {
+// Formats "add vd" in the module's command form; FALSE (refused) when the
+// line does not fit.
+bool FormatCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
+                  const RAID_VOLUME_PARAMETER *Parameter,
+                  const CreateWords *Words, CHAR16 *Line, UINT32 *ErrorCode) {
+  const CHAR16 *Tool = Controller->Capability->ToolName;
+  UINT32 CardId = Controller->Private->CardId;
+  EFI_STATUS Status;
+  if (gLsiCommandForm == 0) {
+    Status = RaidLibFormatCommand(
+        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+        u"%S strip=%d %S mronly nolog",
+        Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
+        Words->Span, Words->DiskCache, Words->Io, Words->Write, Words->Read,
+        Parameter->StripeSize, Words->After);
+  } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
+    Status = RaidLibFormatCommand(
+        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
+        u"mronly nolog",
+        Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
+        Words->Span, Words->DiskCache, Words->Write, Words->Read);
+  } else {
+    Status = RaidLibFormatCommand(
+        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S "
+        u"mronly nolog",
+        Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
+        Words->Span, Words->DiskCache);
+  }
+  return !EFI_ERROR(Status);
+}
+
+// Formats the new array's hot-spare command. Only the first enclosure is
+// named: the slots piece runs up to the next ":" of the list.
+bool FormatAddHotSpares(RAID_CONTROLLER *Controller,
+                        const RAID_VOLUME_PARAMETER *Parameter, CHAR16 *Line,
+                        UINT32 *ErrorCode) {
   CHAR16 Spares[LSI_DRIVE_LIST_CHARS];
   IdBlock Block = {Parameter->SpareList, kMaxListedDrives};
-  LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Block,
-                    Spares, LSI_DRIVE_LIST_CHARS);
+  if (EFI_ERROR(LsiBuildDriveList(&Controller->PhysicalDriveList,
+                                  TakeListedDrive, &Block, Spares,
+                                  LSI_DRIVE_LIST_CHARS))) {
+    return RefuseCut("Hot spare list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+  }
   CHAR16 *Position = nullptr;
   CHAR16 *Enclosure = RaidLibTokenize(Spares, u":", &Position);
   CHAR16 *Slots = RaidLibTokenize(nullptr, u":", &Position);
   UINT32 NewArrayNumber = static_cast<UINT32>(
       CountListEntries(&Controller->ArrayList));
-  LsiRunToolInto("LsiCreateVolume", LSI_CREATE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/e%S/s%S add hotsparedrive dgs=%d mronly nolog",
-                 Controller->Capability->ToolName, Controller->Private->CardId,
-                 Enclosure != nullptr ? Enclosure : u"",
-                 Slots != nullptr ? Slots : u"", NewArrayNumber);
+  return !EFI_ERROR(RaidLibFormatCommand(
+      kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+      u"%S /c%u/e%S/s%S add hotsparedrive dgs=%u mronly nolog",
+      Controller->Capability->ToolName, Controller->Private->CardId,
+      Enclosure != nullptr ? Enclosure : u"", Slots != nullptr ? Slots : u"",
+      NewArrayNumber));
+}
+
+// Runs the lines that were formatted whole, in order.
+VOID RunLines(const CreateLines &Lines, UINT32 *ErrorCode) {
+  const CHAR16 *const Order[] = {Lines.Create, Lines.Spares};
+  for (const CHAR16 *Line : Order) {
+    if (Line[0] != 0) {
+      LsiRunToolInto(kCaller, LSI_CREATE_COMMAND_CHARS, ErrorCode, u"%s", Line);
+    }
+  }
 }
 
 // A new array from the parameter's member drives, then its hot spares.
 // Returns FALSE (with the error code set) when nothing could be run.
 bool CreateInNewArray(RAID_CONTROLLER *Controller,
                       const RAID_VOLUME_PARAMETER *Parameter,
-                      CreateWords *Words, UINT32 *ErrorCode) {
+                      CreateWords *Words, CreateLines *Lines,
+                      UINT32 *ErrorCode) {
   IdBlock Members = {Parameter->DriveList, Parameter->DriveCount};
   if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
       Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
@@ -194,21 +252,36 @@ bool CreateInNewArray(RAID_CONTROLLER *Controller,
                  "[%a]No Free Physical Drives!\n");
     return false;
   }
-  LsiBuildDriveList(&Controller->PhysicalDriveList, TakeListedDrive, &Members,
-                    Words->Drives, LSI_DRIVE_LIST_CHARS);
-  BuildSpanWord(Parameter->RaidLevel, Parameter->DriveCount, Words);
-  RunCreate(Controller, Parameter->RaidLevel, Parameter, Words, ErrorCode);
-  if (Parameter->SpareList != nullptr &&
-      Parameter->SpareList[0] != RAID_DRIVE_LIST_END) {
-    RunAddHotSpares(Controller, Parameter, ErrorCode);
+  IdBlock Spares = {Parameter->SpareList, kMaxListedDrives};
+  if (!NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Members) ||
+      !NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Spares)) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return false;
   }
+  if (EFI_ERROR(LsiBuildDriveList(&Controller->PhysicalDriveList,
+                                  TakeListedDrive, &Members, Words->Drives,
+                                  LSI_DRIVE_LIST_CHARS))) {
+    return RefuseCut("Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+  }
+  BuildSpanWord(Parameter->RaidLevel, Parameter->DriveCount, Words);
+  if (!FormatCreate(Controller, Parameter->RaidLevel, Parameter, Words,
+                    Lines->Create, ErrorCode)) {
+    return false;
+  }
+  if (Parameter->SpareList != nullptr &&
+      Parameter->SpareList[0] != RAID_DRIVE_LIST_END &&
+      !FormatAddHotSpares(Controller, Parameter, Lines->Spares, ErrorCode)) {
+    return false;
+  }
+  RunLines(*Lines, ErrorCode);
   return true;
 }
 
 // A volume in the chosen free segment of an existing array.
 bool CreateInExistingArray(RAID_CONTROLLER *Controller,
                            const RAID_VOLUME_PARAMETER *Parameter,
-                           CreateWords *Words, UINT32 *ErrorCode) {
+                           CreateWords *Words, CreateLines *Lines,
+                           UINT32 *ErrorCode) {
   RAID_ARRAY *Array = nullptr;
   for (RAID_ARRAY *Candidate :
        uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
@@ -223,15 +296,17 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
                  "[%a]Array %d is empty!\n", Parameter->ArrayId);
     return false;
   }
-  LsiBuildDriveList(&Array->DriveList, TakeArrayMember, nullptr, Words->Drives,
-                    LSI_DRIVE_LIST_CHARS);
+  if (EFI_ERROR(LsiBuildDriveList(&Array->DriveList, TakeArrayMember, nullptr,
+                                  Words->Drives, LSI_DRIVE_LIST_CHARS))) {
+    return RefuseCut("Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+  }
   for (RAID_VOLUME *Segment :
        uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
     if (Segment->IsVolume == 0 && Segment->Id == Parameter->FreeSegmentId) {
       if (Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME) {
         SetWord(Words->After, u" ");
       } else {
-        UnicodeSPrint(Words->After, sizeof(WORD_BUFFER), u"AfterVd=%d",
+        UnicodeSPrint(Words->After, sizeof(WORD_BUFFER), u"AfterVd=%u",
                       Segment->State);
       }
       break;
@@ -241,7 +316,11 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
     SetWord(Words->After, u" ");  // No such segment: no placement asked.
   }
   BuildSpanWord(Array->RaidLevel, Array->MemberDriveCount, Words);
-  RunCreate(Controller, Array->RaidLevel, Parameter, Words, ErrorCode);
+  if (!FormatCreate(Controller, Array->RaidLevel, Parameter, Words,
+                    Lines->Create, ErrorCode)) {
+    return false;
+  }
+  RunLines(*Lines, ErrorCode);
   return true;
 }
 
@@ -268,11 +347,15 @@ EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
       *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
     } else {
       CreateWords Words;
-      BuildParameterWords(Parameter, &Words);
-      bool Ran = Parameter->NewArray != 0
-                     ? CreateInNewArray(Controller, Parameter, &Words, ErrorCode)
-                     : CreateInExistingArray(Controller, Parameter, &Words,
-                                             ErrorCode);
+      CreateLines Lines;
+      Lines.Create[0] = 0;
+      Lines.Spares[0] = 0;
+      bool Ran = BuildParameterWords(Parameter, &Words, ErrorCode) &&
+                 (Parameter->NewArray != 0
+                      ? CreateInNewArray(Controller, Parameter, &Words, &Lines,
+                                         ErrorCode)
+                      : CreateInExistingArray(Controller, Parameter, &Words,
+                                              &Lines, ErrorCode));
       if (Ran && EFI_ERROR(ParseErrCd(gRaidToolOutput, ErrorCode))) {
         RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Parse error code error\n");
       }

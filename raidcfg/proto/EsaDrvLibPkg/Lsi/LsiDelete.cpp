@@ -1,5 +1,7 @@
 // Deleting volumes with storcli ("/cN/vM del force"): one volume, or every
-// volume of an array, which removes the array with its last volume.
+// volume of an array, which removes the array with its last volume. A
+// deletion whose command line does not fit is refused before anything runs
+// (RAID_ERROR_BUFFER_TOO_SMALL), without a re-read: nothing changed.
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
@@ -23,13 +25,25 @@ RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
   return Controller;
 }
 
-// Deletes one volume; the verdict lands in *ErrorCode.
+// The deletion command's buffer: the runner's short command line.
+constexpr UINTN kDeleteChars = RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16);
+typedef CHAR16 DELETE_LINE[kDeleteChars];
+
+// Formats the deletion of one volume; refused (traced, error code set) when
+// the line does not fit, since a cut "/v12" would name volume 1.
+EFI_STATUS FormatDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+                        UINT32 VolumeId, DELETE_LINE Line, UINT32 *ErrorCode) {
+  return RaidLibFormatCommand(Caller, Line, kDeleteChars, ErrorCode,
+                              u"%S /c%u/v%u del force mronly nolog",
+                              Controller->Capability->ToolName,
+                              Controller->Private->CardId, VolumeId);
+}
+
+// Runs one formatted deletion; the verdict lands in *ErrorCode.
 EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                     UINT32 VolumeId, UINT32 *ErrorCode) {
+                     const DELETE_LINE Line, UINT32 *ErrorCode) {
   RaidLibRunToolInto(Caller, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE, ErrorCode,
-                     u"%S /c%d/v%d del force mronly nolog",
-                     Controller->Capability->ToolName,
-                     Controller->Private->CardId, VolumeId);
+                     u"%s", Line);
   EFI_STATUS Status = ParseErrCd(gRaidToolOutput, ErrorCode);
   Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
   return Status;
@@ -85,10 +99,25 @@ EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
   if (EFI_ERROR(Status)) {
     return Status;
   }
+  // Every deletion is formatted whole before the first one runs, so a
+  // refused line never leaves the array half deleted.
+  DELETE_LINE Line;
   for (RAID_VOLUME *Volume :
        uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
     if (Volume->IsVolume == 1) {
-      Status = DeleteOne(__func__, Controller, Volume->Id, ErrorCode);
+      Status = FormatDelete(__func__, Controller, Volume->Id, Line, ErrorCode);
+      if (EFI_ERROR(Status)) {
+        return Status;
+      }
+    }
+  }
+  for (RAID_VOLUME *Volume :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    if (Volume->IsVolume == 1) {
+      Status = FormatDelete(__func__, Controller, Volume->Id, Line, ErrorCode);
+      if (!EFI_ERROR(Status)) {
+        Status = DeleteOne(__func__, Controller, Line, ErrorCode);
+      }
     }
   }
   // The refresh frees Array: it is not touched after this point.
@@ -111,7 +140,12 @@ EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
   if (EFI_ERROR(Status)) {
     return Status;
   }
-  Status = DeleteOne(__func__, Controller, Volume->Id, ErrorCode);
+  DELETE_LINE Line;
+  Status = FormatDelete(__func__, Controller, Volume->Id, Line, ErrorCode);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  Status = DeleteOne(__func__, Controller, Line, ErrorCode);
   RefreshAfterDelete(__func__, Controller, ErrorCode);
   return Status;
 }

@@ -1,21 +1,23 @@
 // Drive lists of storcli's create and hot-spare commands, and the number of
 // drives per span of the nested RAID levels.
-#include <Library/PrintLib.h>
+#include <Library/BaseLib.h>
 
 #include "LsiBackend.h"
+#include "RaidLibText.h"
 
 namespace lsi {
 
 namespace {
 
-// Appends formatted text at *Used within Buffer, cutting it to fit.
-VOID Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
+// Appends formatted text at *Used within Buffer; FALSE when it does not fit
+// whole.
+bool Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
             const CHAR16 *Format, UINT32 Number) {
-  if (*Used + 1 >= BufferChars) {
-    return;
+  if (!RaidLibFormat(Buffer + *Used, BufferChars - *Used, Format, Number)) {
+    return false;
   }
-  *Used += UnicodeSPrint(Buffer + *Used, (BufferChars - *Used) * sizeof(CHAR16),
-                         Format, Number);
+  *Used += StrLen(Buffer + *Used);
+  return true;
 }
 
 // TRUE when Drive is taken and an earlier taken drive of the list shares its
@@ -38,16 +40,17 @@ bool EnclosureSeenBefore(LIST_ENTRY *List, RAID_PHYSICAL_DRIVE *Drive,
 
 }  // namespace
 
-// Groups the taken drives by enclosure: "E:s,s,E2:s".
-VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
-                       const VOID *Context, CHAR16 *Buffer,
-                       UINTN BufferChars) {
+// Groups the taken drives by enclosure: "E:s,s,E2:s". A list that does not
+// fit is not cut: the buffer is emptied and the overflow reported.
+EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
+                             const VOID *Context, CHAR16 *Buffer,
+                             UINTN BufferChars) {
   if (BufferChars == 0) {
-    return;
+    return EFI_BUFFER_TOO_SMALL;
   }
   Buffer[0] = 0;
   if (List == nullptr || List->ForwardLink == nullptr) {
-    return;
+    return EFI_SUCCESS;
   }
   UINTN Used = 0;
   for (RAID_PHYSICAL_DRIVE *First :
@@ -57,7 +60,8 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
       continue;
     }
     UINT32 Enclosure = First->Position->Values[LSI_POSITION_ENCLOSURE];
-    Append(Buffer, BufferChars, &Used, Used == 0 ? u"%d:" : u",%d:", Enclosure);
+    bool Whole = Append(Buffer, BufferChars, &Used,
+                        Used == 0 ? u"%u:" : u",%u:", Enclosure);
     bool FirstSlot = true;
     bool Reached = false;
     for (RAID_PHYSICAL_DRIVE *Drive :
@@ -67,11 +71,17 @@ VOID LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
           Drive->Position->Values[LSI_POSITION_ENCLOSURE] != Enclosure) {
         continue;
       }
-      Append(Buffer, BufferChars, &Used, FirstSlot ? u"%d" : u",%d",
-             Drive->Position->Values[LSI_POSITION_SLOT]);
+      Whole = Whole &&
+              Append(Buffer, BufferChars, &Used, FirstSlot ? u"%u" : u",%u",
+                     Drive->Position->Values[LSI_POSITION_SLOT]);
       FirstSlot = false;
     }
+    if (!Whole) {
+      Buffer[0] = 0;
+      return EFI_BUFFER_TOO_SMALL;
+    }
   }
+  return EFI_SUCCESS;
 }
 
 // RAID 10: the smallest even span size from 2 to n/2 that divides n into at

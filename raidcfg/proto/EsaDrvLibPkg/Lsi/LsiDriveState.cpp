@@ -12,13 +12,41 @@ namespace lsi {
 namespace {
 
 constexpr const CHAR8 *kCaller = "LsiSetPhysicalDriveState";
+constexpr const CHAR16 *kDriveFormat = u"%S /c%u/e%u/s%u %s mronly nolog";
+constexpr const CHAR16 *kForeignDeleteFormat =
+    u"%S /c%u/fall delete mronly nolog";
+// Every action a change of one drive's state may run.
+constexpr const CHAR16 *kDriveActions[] = {
+    u"delete hotsparedrive", u"del jbod force", u"set jbod",
+    u"add hotsparedrive",    u"set missing",    u"set online",
+    u"set offline"};
+
+// TRUE when every command a change of this drive may run fits its buffer,
+// so that a change of two commands never stops after the first; else the
+// refusal is traced and in *ErrorCode.
+bool DriveCommandsFit(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                      UINT32 *ErrorCode) {
+  const CHAR16 *Tool = Controller->Capability->ToolName;
+  UINT32 CardId = Controller->Private->CardId;
+  CHAR16 Line[LSI_DRIVE_COMMAND_CHARS];
+  for (const CHAR16 *Action : kDriveActions) {
+    if (EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+                                       ErrorCode, kDriveFormat, Tool, CardId,
+                                       Drive->Position->Values[LSI_POSITION_ENCLOSURE],
+                                       Drive->Position->Values[LSI_POSITION_SLOT], Action))) {
+      return false;
+    }
+  }
+  return !EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+                                         ErrorCode, kForeignDeleteFormat, Tool,
+                                         CardId));
+}
 
 // Runs "<tool> /cN/eE/sS <Action> mronly nolog"; TRUE when the tool said
 // success.
 bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                 const CHAR16 *Action, UINT32 *ErrorCode) {
-  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/e%d/s%d %s mronly nolog",
+  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode, kDriveFormat,
                  Controller->Capability->ToolName, Controller->Private->CardId,
                  Drive->Position->Values[LSI_POSITION_ENCLOSURE],
                  Drive->Position->Values[LSI_POSITION_SLOT], Action);
@@ -30,8 +58,8 @@ bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 // Clears the adapter's foreign configuration ("/fall delete").
 bool RunForeignDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/fall delete mronly nolog",
-                 Controller->Capability->ToolName, Controller->Private->CardId);
+                 kForeignDeleteFormat, Controller->Capability->ToolName,
+                 Controller->Private->CardId);
   UINT32 Result = LSI_ACTION_FAILED;
   ParseActionStatus(gRaidToolOutput, Controller, &Result);
   return Result == LSI_ACTION_SUCCEEDED;
@@ -143,21 +171,9 @@ VOID SetSimpleState(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
   }
 }
 
-}  // namespace
-
-// Changes one drive's state and edits the model to match. On a failure the
-// status is the error code's low byte, without the error bit: callers judge
-// by the error code.
-EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
-                                    RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
-                                    UINT32 *ErrorCode) {
-  *ErrorCode = 0;
-  if (Controller == nullptr || Controller->Private == nullptr ||
-      Controller->Capability == nullptr || Drive == nullptr ||
-      Drive->Position == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
-    return EFI_ABORTED;
-  }
+// Runs the commands of one change by the target state.
+VOID ChangeState(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+                 UINT32 State, UINT32 *ErrorCode) {
   switch (State) {
     case RAID_STATE_UGOOD:
       MakeUnconfiguredGood(Controller, Drive, ErrorCode);
@@ -180,6 +196,27 @@ EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
     default:
       *ErrorCode = LSI_ERROR_INVALID_STATE;
       break;
+  }
+}
+
+}  // namespace
+
+// Changes one drive's state and edits the model to match. On a failure the
+// status is the error code's low byte, without the error bit: callers judge
+// by the error code.
+EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
+                                    RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
+                                    UINT32 *ErrorCode) {
+  *ErrorCode = 0;
+  if (Controller == nullptr || Controller->Private == nullptr ||
+      Controller->Capability == nullptr || Drive == nullptr ||
+      Drive->Position == nullptr) {
+    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    return EFI_ABORTED;
+  }
+  // A refused command line leaves nothing run; the error code says why.
+  if (DriveCommandsFit(Controller, Drive, ErrorCode)) {
+    ChangeState(Controller, Drive, State, ErrorCode);
   }
   EFI_STATUS Status =
       *ErrorCode == 0 ? EFI_SUCCESS : static_cast<EFI_STATUS>(*ErrorCode & 0xFF);
@@ -207,12 +244,12 @@ EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
   if (State == RAID_STATE_UGOOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_UGOOD \n");
     LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/eall/sall del jbod force mronly nolog", Tool,
+                 u"%S /c%u/eall/sall del jbod force mronly nolog", Tool,
                  CardId);
   } else if (State == RAID_STATE_JBOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_JBOD \n");
     LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d/eall/sall set jbod mronly nolog", Tool, CardId);
+                 u"%S /c%u/eall/sall set jbod mronly nolog", Tool, CardId);
   } else {
     *ErrorCode = LSI_ERROR_INVALID_STATE;
     RAID_LIB_TRACE(TARN_DEBUG_ERROR,

@@ -7,6 +7,7 @@
 
 #include "LsiBackend.h"
 #include "RaidLibText.h"
+#include "RaidLibTrace.h"
 #include "RaidLibWordTable.h"
 
 namespace lsi {
@@ -67,7 +68,7 @@ constexpr RAID_WORD_CODE kVolumeWords[] = {
 constexpr RAID_WORD_TABLE kVolumeStates =
     RaidLibWordTable(kVolumeWords, RaidMatchExact, RAID_STATE_INVALID);
 
-// A pool copy of a formatted name ("Array%d", "FreeCapacity%d").
+// A pool copy of a formatted name ("Array%u", "FreeCapacity%u").
 CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
   CHAR16 Name[32];
   UnicodeSPrint(Name, sizeof(Name), Format, Number);
@@ -82,25 +83,16 @@ UINT8 LevelOfType(const CHAR16 *Type) {
   return static_cast<UINT8>(RaidLibReadDecimal(Type + 4));
 }
 
-// The number behind the first Separator of Word; 0 without one.
-UINT32 NumberAfter(const CHAR16 *Word, CHAR16 Separator) {
-  if (Word == nullptr) {
-    return 0;
-  }
-  for (; *Word != 0; Word++) {
-    if (*Word == Separator) {
-      return static_cast<UINT32>(RaidLibReadDecimal(Word + 1));
-    }
-  }
-  return 0;
-}
-
-UINT32 ReadNumber(const CHAR16 *Word) {
-  return static_cast<UINT32>(RaidLibReadDecimal(Word));
-}
+// The ids that name a drive: its EID:Slt address and its DID.
+struct DriveIds {
+  UINT32 Enclosure;
+  UINT32 Slot;
+  UINT32 DeviceId;
+};
 
 // Fills the drive's own fields from its row.
-EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row) {
+EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row,
+                     const DriveIds &Ids) {
   Drive->Location = RaidLibCopyStripped(Row->Words[0], 0);
   Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
   Drive->Model = RaidLibCopyStripped(Row->Words[11] != nullptr ? Row->Words[11]
@@ -110,9 +102,9 @@ EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row) {
       Drive->Model == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  Drive->Position->Values[LSI_POSITION_ENCLOSURE] = ReadNumber(Row->Words[0]);
-  Drive->Position->Values[LSI_POSITION_SLOT] = NumberAfter(Row->Words[0], u':');
-  Drive->Id = ReadNumber(Row->Words[1]);
+  Drive->Position->Values[LSI_POSITION_ENCLOSURE] = Ids.Enclosure;
+  Drive->Position->Values[LSI_POSITION_SLOT] = Ids.Slot;
+  Drive->Id = Ids.DeviceId;
   Drive->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
   Drive->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[5]);
   Drive->MediaType = RaidLibMediaCode(Row->Words[6], Row->Words[7]);
@@ -176,6 +168,13 @@ UINT32 LsiVolumeStateCode(const CHAR16 *Word) {
 }
 
 EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
+  UINT32 Group = 0;
+  if (!RaidLibReadId(Row->Words[0], &Group)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]DG %S is not a usable id; drive group left out\n",
+                   Row->Words[0]);
+    return EFI_SUCCESS;
+  }
   RAID_ARRAY *Array = uefi::AllocateRecord<RAID_ARRAY>();
   if (Array == nullptr) {
     return EFI_OUT_OF_RESOURCES;
@@ -183,8 +182,8 @@ EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   InitializeListHead(&Array->DriveList);
   InitializeListHead(&Array->SegmentList);
   Array->Controller = Controller;
-  Array->Id = ReadNumber(Row->Words[0]);
-  Array->Name = NewNumberedName(u"Array%d", Array->Id);
+  Array->Id = Group;
+  Array->Name = NewNumberedName(u"Array%u", Array->Id);
   Array->Extra = AllocateZeroPool(kArrayExtraSize);
   if (Array->Name == nullptr || Array->Extra == nullptr) {
     FreePool(Array->Name);
@@ -200,7 +199,15 @@ EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
 }
 
 EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
-  RAID_ARRAY *Array = LsiFindArray(Controller, ReadNumber(Row->Words[0]));
+  UINT32 Group = 0;
+  UINT32 Number = 0;
+  if (!RaidLibReadIdPair(Row->Words[0], u'/', &Group, &Number)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]DG/VD %S is not a usable id; virtual drive left out\n",
+                   Row->Words[0]);
+    return EFI_SUCCESS;
+  }
+  RAID_ARRAY *Array = LsiFindArray(Controller, Group);
   if (Array == nullptr) {
     return EFI_SUCCESS;  // A row of no array read: a fault of the output.
   }
@@ -219,7 +226,7 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
     return EFI_OUT_OF_RESOURCES;
   }
   Volume->Array = Array;
-  Volume->Id = NumberAfter(Row->Words[0], u'/');
+  Volume->Id = Number;
   Volume->IsVolume = 1;
   Volume->State = LsiVolumeStateCode(Row->Words[2]);
   Volume->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
@@ -232,23 +239,42 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
 EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
                        RAID_PHYSICAL_DRIVE **Drive) {
   *Drive = nullptr;
+  DriveIds Ids = {};
+  if (!RaidLibReadIdPair(Row->Words[0], u':', &Ids.Enclosure, &Ids.Slot) ||
+      !RaidLibReadId(Row->Words[1], &Ids.DeviceId)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]EID:Slt %S or DID %S is not a usable id; drive left "
+                   "out\n",
+                   Row->Words[0], Row->Words[1]);
+    return EFI_SUCCESS;
+  }
   const CHAR16 *Group = Row->Words[3];
   const CHAR16 *StateWord = Row->Words[2];
   RAID_ARRAY *Array = nullptr;
   bool Unassigned = RaidLibWordIs(Group, u"-");
   bool Foreign = RaidLibWordIs(Group, u"F");
   if (!Unassigned && !Foreign) {
-    Array = Group == nullptr ? nullptr
-                             : LsiFindArray(Controller, ReadNumber(Group));
+    if (Group == nullptr) {
+      return EFI_SUCCESS;  // No DG column.
+    }
+    UINT32 GroupId = 0;
+    if (!RaidLibReadId(Group, &GroupId)) {
+      RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                     "[%a]Drive %S names DG %S, which is not a usable id; "
+                     "drive left out\n",
+                     Row->Words[0], Group);
+      return EFI_SUCCESS;
+    }
+    Array = LsiFindArray(Controller, GroupId);
     if (Array == nullptr) {
-      return EFI_SUCCESS;  // No DG column, or a DG of no array read.
+      return EFI_SUCCESS;  // A DG of no array read.
     }
   }
   RAID_PHYSICAL_DRIVE *Record = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();
   if (Record == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  if (EFI_ERROR(FillDrive(Record, Row))) {
+  if (EFI_ERROR(FillDrive(Record, Row, Ids))) {
     RaidLibFreePhysicalDrive(Record);
     return EFI_OUT_OF_RESOURCES;
   }

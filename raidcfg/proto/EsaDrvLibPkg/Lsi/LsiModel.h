@@ -17,6 +17,10 @@ EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count);
 // The array with drive-group number Id, or NULL.
 RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
 
+// Every id a row carries (DG, DG/VD, EID:Slt, DID) is read exactly, as
+// RaidLibReadId reads it; a row with an id that is not is left out of the
+// model with a trace line, so no command can ever name it.
+
 // An array from a TOPOLOGY row (DG, -, -, -, -, RAIDn, ..., size, unit),
 // appended to ArrayList.
 EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row);

@@ -11,7 +11,9 @@
 namespace lsi {
 
 // The number behind "=" on the first line that starts with "Controller
-// Count", or else on the first line that contains it.
+// Count", or else on the first line that contains it. The card numbers
+// searched come from it, so it is read exactly; a count that is not a whole
+// 32-bit number counts no card.
 UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
   *ErrorCode = 0;
   RAID_LINE_CURSOR Lines;
@@ -27,8 +29,18 @@ UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
       Found = Line;
     }
   }
-  return Found == nullptr ? 0
-                          : static_cast<UINT32>(RaidLibNumberAfter(Found, u'='));
+  if (Found == nullptr) {
+    return 0;
+  }
+  RAID_ROW Scratch;
+  CHAR16 *Value = RaidLibTrimmedValue(Found, u"=", &Scratch);
+  UINT32 Count = 0;
+  if (!RaidLibReadId(Value, &Count)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]Controller Count %S is not a usable number\n", Value);
+    return 0;
+  }
+  return Count;
 }
 
 // Compares the bus, device and function of the first "Bus Number" line and

@@ -211,6 +211,8 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
        Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
     Status = ReadSummaryLine(Line, Lines, Controller);
   }
+  // A DID two rows carry names neither drive alone.
+  RaidLibLeaveOutAmbiguousDrives(Controller);
   if (EFI_ERROR(Status)) {
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;

@@ -45,10 +45,36 @@ bool ListHasId(RAID_ARRAY *Array, UINT32 Id) {
   return false;
 }
 
-// A free segment from one row, linked into its array.
+// The ids of a free-space row: its ID, its DG and the volume it follows.
+struct SegmentIds {
+  UINT32 Id;
+  UINT32 Group;
+  UINT32 AfterVd;  // RAID_SEGMENT_AFTER_NO_VOLUME for "-"
+};
+
+// Reads the row's ids exactly. An AftrVD of 4294967295 is the mark of "-"
+// and could not be told from it, so it is no usable id either.
+bool ReadSegmentIds(const RAID_ROW *Row, SegmentIds *Ids) {
+  Ids->AfterVd = RAID_SEGMENT_AFTER_NO_VOLUME;
+  bool After = RaidLibWordIs(Row->Words[2], u"-") ||
+               (RaidLibReadId(Row->Words[2], &Ids->AfterVd) &&
+                Ids->AfterVd != RAID_SEGMENT_AFTER_NO_VOLUME);
+  return After && RaidLibReadId(Row->Words[0], &Ids->Id) &&
+         RaidLibReadId(Row->Words[1], &Ids->Group);
+}
+
+// A free segment from one row, linked into its array. A row whose ids are
+// not usable is left out.
 EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
-  RAID_ARRAY *Array = LsiFindArray(
-      Controller, static_cast<UINT32>(RaidLibReadDecimal(Row->Words[1])));
+  SegmentIds Ids = {};
+  if (!ReadSegmentIds(Row, &Ids)) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR,
+                   "[%a]ID %S, DG %S or AftrVD %S is not a usable id; free "
+                   "space left out\n",
+                   Row->Words[0], Row->Words[1], Row->Words[2]);
+    return EFI_SUCCESS;
+  }
+  RAID_ARRAY *Array = LsiFindArray(Controller, Ids.Group);
   if (Array == nullptr) {
     return EFI_ABORTED;
   }
@@ -56,9 +82,9 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   if (Segment == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  Segment->Id = static_cast<UINT32>(RaidLibReadDecimal(Row->Words[0]));
+  Segment->Id = Ids.Id;
   CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%d", Segment->Id);
+  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%u", Segment->Id);
   Segment->Name = AllocDestStr(Name);
   Segment->Extra = AllocateZeroPool(kSegmentExtraSize);
   if (Segment->Name == nullptr || Segment->Extra == nullptr) {
@@ -67,10 +93,7 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   }
   Segment->Array = Array;
   Segment->IsVolume = 0;
-  Segment->State =
-      RaidLibWordIs(Row->Words[2], u"-")
-          ? RAID_SEGMENT_AFTER_NO_VOLUME
-          : static_cast<UINT32>(RaidLibReadDecimal(Row->Words[2]));
+  Segment->State = Ids.AfterVd;
   Segment->SizeFigure = RaidLibReadThousandths(Row->Words[3]);
   Segment->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
   Array->FreeCapacity += ThousandthsOfMb(Segment->SizeFigure, Segment->SizeUnit);

@@ -34,7 +34,7 @@ EFI_STATUS ReadVolumeProperties(RAID_CONTROLLER *Controller,
         continue;
       }
       LsiRunToolInto("LsiGetControllerInfo", LSI_READ_COMMAND_CHARS, ErrorCode,
-                     u"%S /c%d/v%d show all mronly nolog", Tool, CardId,
+                     u"%S /c%u/v%u show all mronly nolog", Tool, CardId,
                      Volume->Id);
       Status = ParseControllerShowVolume(gRaidToolOutput, Volume, ErrorCode);
     }
@@ -57,7 +57,13 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
     return Status;
   }
   const CHAR16 *Tool = Controller->Capability->ToolName;
-  RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  // A run that did not happen (its command refused) leaves no output to
+  // count cards or compare locations in.
+  Status =
+      RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
   gLsiControllerCount =
       LsiParseControllerShowCtrlCount(gRaidToolOutput, ErrorCode);
   if (gLsiControllerCount == 0) {
@@ -76,7 +82,11 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%d show mronly nolog", Tool, CardId);
+    Status = RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool,
+                               CardId);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
     Status = ParseBDF(gRaidToolOutput, Controller, CardId, ErrorCode);
     if (!EFI_ERROR(Status)) {
       // The cards searched before this one left their mismatch code; a
@@ -113,12 +123,12 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
     return EFI_ABORTED;
   }
   const CHAR16 *Tool = Controller->Capability->ToolName;
-  LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode, u"%S /c%d show mronly nolog",
+  LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode, u"%S /c%u show mronly nolog",
                Tool, Own->CardId);
   Status = ParseControllerShow(gRaidToolOutput, Controller, ErrorCode);
   if (*ErrorCode == 0) {
     LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%d show freespace mronly nolog", Tool, Own->CardId);
+                 u"%S /c%u show freespace mronly nolog", Tool, Own->CardId);
     Status = ParseControllerShowFS(gRaidToolOutput, Controller, ErrorCode);
     Status = ReadVolumeProperties(Controller, Status, ErrorCode);
   }

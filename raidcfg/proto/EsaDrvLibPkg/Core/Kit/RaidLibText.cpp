@@ -4,6 +4,7 @@
 #include <Library/BaseLib.h>
 #include <Library/BaseMemoryLib.h>
 #include <Library/MemoryAllocationLib.h>
+#include <Library/PrintLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
 #include "RaidLibTrace.h"
@@ -247,6 +248,83 @@ UINT64 RaidLibReadDecimal(const CHAR16 *Text) {
   }
   const CHAR16 *Cursor = SkipBlanks(Text);
   return ReadDigits(&Cursor, nullptr);
+}
+
+namespace {
+
+constexpr UINT64 kMaxUint32 = 0xFFFFFFFFU;
+
+// Reads the Length characters at Text as an id.
+bool ReadIdSpan(const CHAR16 *Text, UINTN Length, UINT32 *Id) {
+  if (Length == 0) {
+    return false;
+  }
+  UINT64 Value = 0;
+  for (UINTN Index = 0; Index < Length; Index++) {
+    if (!IsDecimalDigit(Text[Index])) {
+      return false;
+    }
+    Value = Value * 10 + static_cast<UINT64>(Text[Index] - u'0');
+    if (Value > kMaxUint32) {
+      return false;
+    }
+  }
+  *Id = static_cast<UINT32>(Value);
+  return true;
+}
+
+}  // namespace
+
+// An exact 32-bit id, or nothing.
+BOOLEAN RaidLibReadId(const CHAR16 *Word, UINT32 *Id) {
+  if (Word == nullptr) {
+    return FALSE;
+  }
+  return ReadIdSpan(Word, StrLen(Word), Id) ? TRUE : FALSE;
+}
+
+// Two exact ids around the first Separator.
+BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
+                          UINT32 *Second) {
+  if (Word == nullptr) {
+    return FALSE;
+  }
+  UINTN Split = 0;
+  while (Word[Split] != 0 && Word[Split] != Separator) {
+    Split++;
+  }
+  UINT32 Left = 0;
+  UINT32 Right = 0;
+  if (Word[Split] == 0 || !ReadIdSpan(Word, Split, &Left) ||
+      !RaidLibReadId(Word + Split + 1, &Right)) {
+    return FALSE;
+  }
+  *First = Left;
+  *Second = Right;
+  return TRUE;
+}
+
+// Formats, and tells whether the text was cut.
+BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars, const CHAR16 *Format,
+                       VA_LIST Marker) {
+  VA_LIST Counted;
+  VA_COPY(Counted, Marker);
+  UINTN Length = SPrintLength(Format, Counted);
+  VA_END(Counted);
+  if (Buffer == nullptr || BufferChars == 0) {
+    return FALSE;
+  }
+  UnicodeVSPrint(Buffer, BufferChars * sizeof(CHAR16), Format, Marker);
+  return Length < BufferChars ? TRUE : FALSE;
+}
+
+BOOLEAN EFIAPI RaidLibFormat(CHAR16 *Buffer, UINTN BufferChars,
+                             const CHAR16 *Format, ...) {
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  BOOLEAN Whole = RaidLibVFormat(Buffer, BufferChars, Format, Marker);
+  VA_END(Marker);
+  return Whole;
 }
 
 // Reads a hexadecimal number with an optional "0x".

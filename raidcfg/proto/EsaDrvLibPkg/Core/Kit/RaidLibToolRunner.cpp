@@ -7,6 +7,7 @@
 #include <Protocol/Host/ShellCommand.h>
 
 #include "RaidLib.h"
+#include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
 constinit CHAR16 gRaidToolOutput[RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16)] = {};
@@ -42,6 +43,35 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
 
 namespace {
 
+// Formats a command line, refusing one that was cut.
+EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
+                         UINTN CommandChars, UINT32 *ErrorCode,
+                         const CHAR16 *Format, VA_LIST Marker) {
+  if (RaidLibVFormat(CommandLine, CommandChars, Format, Marker)) {
+    return EFI_SUCCESS;
+  }
+  *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                    "[%a]Command does not fit in %u characters, not run: %S\n",
+                    static_cast<UINT32>(CommandChars), CommandLine);
+  return EFI_BUFFER_TOO_SMALL;
+}
+
+}  // namespace
+
+EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
+                                       UINTN CommandChars, UINT32 *ErrorCode,
+                                       const CHAR16 *Format, ...) {
+  VA_LIST Marker;
+  VA_START(Marker, Format);
+  EFI_STATUS Status = FormatCommand(Caller, CommandLine, CommandChars,
+                                    ErrorCode, Format, Marker);
+  VA_END(Marker);
+  return Status;
+}
+
+namespace {
+
 // Formats, traces and runs one command line; the output (cut to OutputSize
 // bytes) is in Output.
 EFI_STATUS RunTool(const CHAR8 *Caller, UINTN CommandChars, CHAR16 *Output,
@@ -54,13 +84,17 @@ EFI_STATUS RunTool(const CHAR8 *Caller, UINTN CommandChars, CHAR16 *Output,
   if (CommandChars > RAID_TOOL_LONGEST_COMMAND_CHARS) {
     CommandChars = RAID_TOOL_LONGEST_COMMAND_CHARS;
   }
-  CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
-  UnicodeVSPrint(CommandLine, CommandChars * sizeof(CHAR16), Format, Marker);
-
-  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n", CommandLine);
   if (OutputSize >= sizeof(CHAR16)) {
     Output[0] = 0;
   }
+  CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
+  Status = FormatCommand(Caller, CommandLine, CommandChars, ErrorCode, Format,
+                         Marker);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n", CommandLine);
   // The shared buffer's size word is the module-wide one.
   UINTN LocalSize = 0;
   UINTN *Size = Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
