@@ -201,19 +201,19 @@ TEST_F(LsiChangeTest, CreateRefusals) {
   P->NewArray = 0;
   P->ArrayId = 9;
   EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
-  EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_MISSING);
   EXPECT_TRUE(TraceHas("[LsiCreateVolume]Array 9 is empty!\r\n"));
 
   P->ControllerId = 42;
   EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_NOT_FOUND);
-  EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_MISSING);
   EXPECT_TRUE(TraceHas("[LsiCreateVolume]Not find controller.\r\n"));
 
   P->ControllerId = Controller_->Id;
   Controller_->Private->CardId = RAID_CARD_ID_UNSET;
   Baseline_ = Commands().size();
   EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_ABORTED);
-  EXPECT_EQ(ErrorCode, LSI_ERROR_INVALID_CARD_ID);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_INVALID_CARD_ID);
   EXPECT_TRUE(NewCommands().empty());
 }
 
@@ -230,7 +230,7 @@ TEST_F(LsiChangeTest, AnIdNamingTwoDrivesIsRefused) {
     P->RaidLevel = 1;
     UINT32 ErrorCode = 0;
     EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
-    EXPECT_EQ(ErrorCode, LSI_ERROR_NOT_FOUND);
+    EXPECT_EQ(ErrorCode, RAID_ERROR_MISSING);
     EXPECT_TRUE(
         TraceHas("[LsiCreateVolume]Drive id 1 names 2 drives; nothing is run\r\n"));
     // Only the refresh runs.

@@ -129,7 +129,7 @@ TEST_F(LsiReadTest, UnsetCardIdIsRefused) {
   UINT32 ErrorCode = 0;
   EXPECT_EQ(LsiGetControllerInfo(Controller_, nullptr, &ErrorCode),
             EFI_ABORTED);
-  EXPECT_EQ(ErrorCode, LSI_ERROR_INVALID_CARD_ID);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_INVALID_CARD_ID);
   EXPECT_TRUE(Commands().empty());
   EXPECT_TRUE(TraceHas("[LsiGetControllerInfo] Invalid controller id\r\n"));
 }

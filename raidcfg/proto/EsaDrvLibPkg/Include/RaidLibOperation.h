@@ -28,8 +28,16 @@ inline BOOLEAN RaidLibRefreshFailed(const RAID_REFRESH &Refresh) {
   return (EFI_ERROR(Refresh.Status) || Refresh.ErrorCode != 0) ? TRUE : FALSE;
 }
 
+// Marks the controller's cached tool output stale, so that the next read
+// runs the tool again: every command that changes the adapter does this.
+inline VOID RaidLibMarkOutputStale(RAID_CONTROLLER *Controller) {
+  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
+}
+
 // Re-reads the adapter after a change through its backend's own
-// GetControllerInfo, with the cached output marked stale first. The read's
+// GetControllerInfo. The cached output is as the change left it: a change
+// that ran nothing leaves the model current and the read only says so. The
+// read's
 // error code is taken over into *ErrorCode only when the change left none:
 // the change's own verdict comes first. The caller traces a failure in its
 // own words.

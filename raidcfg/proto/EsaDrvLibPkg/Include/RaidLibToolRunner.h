@@ -35,27 +35,41 @@ EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
                                        UINTN CommandChars, UINT32 *ErrorCode,
                                        const CHAR16 *Format, ...);
 
-// Formats a command line (the tool name is the caller's first argument),
-// traces "[<Caller>]Command: <line>", and runs it into Output, whose size in
-// bytes the runner sets to OutputSize before the run. Output is cleared to an
-// empty string first, so a failed run leaves no stale text. A line that does
-// not fit its buffer is refused as RaidLibFormatCommand refuses it, and
-// nothing is run.
-EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
-                                     UINTN OutputSize, UINT32 *ErrorCode,
-                                     const CHAR16 *Format, ...);
+// One run of a vendor tool: the operation that runs it (named in the
+// "Command:" trace), the buffer its command line is formatted into, and
+// where its output lands. The output buffer and its size come with the run:
+// most runs use the shared buffer, a backend may keep a larger one of its
+// own.
+typedef struct {
+  const CHAR8 *Caller;
+  UINTN CommandChars;  // line and terminator; at most the longest command
+  CHAR16 *Output;
+  UINTN OutputSize;  // bytes
+} RAID_TOOL_RUN;
 
-// Formats the command into a buffer of CommandChars characters (at most
-// RAID_TOOL_LONGEST_COMMAND_CHARS), traces it and runs it into the shared
-// output buffer, as RaidLibRunToolInto does.
-EFI_STATUS RaidLibRunToolWithLength(const CHAR8 *Caller, UINTN CommandChars,
-                                    UINT32 *ErrorCode, const CHAR16 *Format,
-                                    VA_LIST Marker);
+// A run into the shared output buffer.
+inline RAID_TOOL_RUN RaidLibSharedRun(
+    const CHAR8 *Caller,
+    UINTN CommandChars = RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16)) {
+  return {Caller, CommandChars, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE};
+}
 
-// The same into the shared output buffer.
-#define RAID_LIB_RUN_TOOL(ErrorCode, Format, ...)                              \
-  RaidLibRunToolInto(__func__, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE,         \
-                     (ErrorCode), (Format), ##__VA_ARGS__)
+// Formats the command line (the tool name is the caller's first argument),
+// traces "[<Caller>]Command: <line>", and runs it into the run's output,
+// whose size the runner sets before the call. The output is cleared to an
+// empty string first, so a failed run leaves no stale text. A line that
+// does not fit its buffer is refused as RaidLibFormatCommand refuses it,
+// and nothing is run. Returns the shell service's status, or the refusal.
+[[nodiscard]] EFI_STATUS EFIAPI RaidLibRunTool(const RAID_TOOL_RUN &Run,
+                                               UINT32 *ErrorCode,
+                                               const CHAR16 *Format, ...);
+
+// Marks a run whose status is deliberately not looked at: the caller judges
+// the tool's output (a failed or refused run left it empty), or, where the
+// tool's protocol has it so, judges nothing at all.
+inline VOID RaidLibOutputJudgedByCaller(EFI_STATUS RunStatus) {
+  (VOID)RunStatus;
+}
 
 // Forgets the located service (the module is being unloaded).
 VOID RaidLibResetToolRunner();

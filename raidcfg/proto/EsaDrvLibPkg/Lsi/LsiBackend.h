@@ -16,8 +16,6 @@ namespace lsi {
 
 #define LSI_ERROR_SUMMARY_FAILURE 0x00000007U  // "Status = Failure" in /cN show
 #define LSI_ERROR_NO_FREE_DRIVES 0x00200015U
-#define LSI_ERROR_NOT_FOUND 0x00200021U
-#define LSI_ERROR_INVALID_CARD_ID 0x00200022U
 #define LSI_ERROR_BDF_MISMATCH 0x00200023U
 #define LSI_ERROR_INVALID_STATE 0x00200024U
 #define LSI_ERROR_DISK_CACHE_POLICY 0x00200025U
@@ -127,14 +125,5 @@ typedef BOOLEAN (*LSI_DRIVE_FILTER)(const RAID_PHYSICAL_DRIVE *Drive,
                                            LSI_DRIVE_FILTER Filter,
                                            const VOID *Context, CHAR16 *Buffer,
                                            UINTN BufferChars);
-
-// Runs a storcli command line formatted into a buffer of BufferChars
-// characters, tracing "[<Caller>]Command: <line>"; the output lands in the
-// shared output buffer.
-EFI_STATUS EFIAPI LsiRunToolInto(const CHAR8 *Caller, UINTN BufferChars,
-                                 UINT32 *ErrorCode, const CHAR16 *Format, ...);
-
-#define LSI_RUN_TOOL(BufferChars, ErrorCode, Format, ...) \
-  LsiRunToolInto(__func__, (BufferChars), (ErrorCode), (Format), ##__VA_ARGS__)
 
 }  // namespace lsi

@@ -9,8 +9,7 @@
 
 #include "EsaDrvMgr.h"
 #include "LsiBackend.h"
-#include "RaidLibLines.h"
-#include "RaidLibRow.h"
+#include "RaidLibOperation.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
@@ -20,8 +19,6 @@ namespace lsi {
 constinit UINT32 gLsiCommandForm = 0;
 
 namespace {
-
-constexpr const CHAR8 *kCaller = "LsiCreateVolume";
 
 typedef CHAR16 WORD_BUFFER[LSI_CREATE_WORD_CHARS];
 
@@ -61,9 +58,9 @@ struct CreateLines {
 };
 
 // Refuses the create for a part that does not fit its buffer.
-bool RefuseCut(const CHAR8 *Part, UINTN Chars, UINT32 *ErrorCode) {
+bool RefuseCut(const CHAR8 *Caller, const CHAR8 *Part, UINTN Chars, UINT32 *ErrorCode) {
   *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
-  RAID_LIB_TRACE_AS(kCaller, TARN_DEBUG_ERROR,
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                "[%a]%a does not fit in %u characters; nothing is run\n", Part,
                static_cast<UINT32>(Chars));
   return false;
@@ -71,7 +68,8 @@ bool RefuseCut(const CHAR8 *Part, UINTN Chars, UINT32 *ErrorCode) {
 
 // The size, name and policy words; FALSE (refused) when the name does not
 // fit its word.
-bool BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
+bool BuildParameterWords(const CHAR8 *Caller,
+                         const RAID_VOLUME_PARAMETER *Parameter,
                          CreateWords *Words, UINT32 *ErrorCode) {
   UINT64 Whole = Parameter->Size / 1000;
   if (Whole == 0) {
@@ -86,7 +84,7 @@ bool BuildParameterWords(const RAID_VOLUME_PARAMETER *Parameter,
     SetWord(Words->Name, u" ");
   } else if (!RaidLibFormat(Words->Name, LSI_CREATE_WORD_CHARS, u"name=%S",
                             Parameter->Name)) {
-    return RefuseCut("Name word", LSI_CREATE_WORD_CHARS, ErrorCode);
+    return RefuseCut(Caller, "Name word", LSI_CREATE_WORD_CHARS, ErrorCode);
   }
   SetWord(Words->DiskCache,
           Parameter->DiskCachePolicy == RAID_DISK_CACHE_POLICY_OFF  ? u"off"
@@ -154,13 +152,13 @@ constexpr UINTN kMaxListedDrives = 1024;
 // FALSE when an id of the block names more than one drive of List: the
 // drive list built from it would hold a drive not asked for. (An id naming
 // none adds nothing to the list; the tool judges the list without it.)
-bool NoIdNamesTwoDrives(LIST_ENTRY *List, const IdBlock &Block) {
+bool NoIdNamesTwoDrives(const CHAR8 *Caller, LIST_ENTRY *List, const IdBlock &Block) {
   for (UINTN Index = 0; Block.Ids != nullptr && Index < Block.Limit &&
                         Block.Ids[Index] != RAID_DRIVE_LIST_END;
        Index++) {
     UINT32 Found = RaidLibCountDrivesWithId(List, Block.Ids[Index]);
     if (Found > 1) {
-      RAID_LIB_TRACE_AS(kCaller, TARN_DEBUG_ERROR,
+      RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                    "[%a]Drive id %u names %u drives; nothing is run\n",
                    Block.Ids[Index], Found);
       return false;
@@ -171,7 +169,7 @@ bool NoIdNamesTwoDrives(LIST_ENTRY *List, const IdBlock &Block) {
 
 // Formats "add vd" in the module's command form; FALSE (refused) when the
 // line does not fit.
-bool FormatCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
+bool FormatCreate(const CHAR8 *Caller, RAID_CONTROLLER *Controller, UINT32 RaidLevel,
                   const RAID_VOLUME_PARAMETER *Parameter,
                   const CreateWords *Words, CHAR16 *Line, UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
@@ -179,7 +177,7 @@ bool FormatCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
   EFI_STATUS Status;
   if (gLsiCommandForm == 0) {
     Status = RaidLibFormatCommand(
-        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
         u"%S strip=%d %S mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
@@ -187,14 +185,14 @@ bool FormatCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
         Parameter->StripeSize, Words->After);
   } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
     Status = RaidLibFormatCommand(
-        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
         u"mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
         Words->Span, Words->DiskCache, Words->Write, Words->Read);
   } else {
     Status = RaidLibFormatCommand(
-        kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S "
         u"mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
@@ -205,7 +203,7 @@ bool FormatCreate(RAID_CONTROLLER *Controller, UINT32 RaidLevel,
 
 // Formats the new array's hot-spare command. Only the first enclosure is
 // named: the slots piece runs up to the next ":" of the list.
-bool FormatAddHotSpares(RAID_CONTROLLER *Controller,
+bool FormatAddHotSpares(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                         const RAID_VOLUME_PARAMETER *Parameter, CHAR16 *Line,
                         UINT32 *ErrorCode) {
   CHAR16 Spares[LSI_DRIVE_LIST_CHARS];
@@ -213,7 +211,7 @@ bool FormatAddHotSpares(RAID_CONTROLLER *Controller,
   if (EFI_ERROR(LsiBuildDriveList(&Controller->PhysicalDriveList,
                                   TakeListedDrive, &Block, Spares,
                                   LSI_DRIVE_LIST_CHARS))) {
-    return RefuseCut("Hot spare list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+    return RefuseCut(Caller, "Hot spare list", LSI_DRIVE_LIST_CHARS, ErrorCode);
   }
   CHAR16 *Position = nullptr;
   CHAR16 *Enclosure = RaidLibTokenize(Spares, u":", &Position);
@@ -221,7 +219,7 @@ bool FormatAddHotSpares(RAID_CONTROLLER *Controller,
   UINT32 NewArrayNumber = static_cast<UINT32>(
       CountListEntries(&Controller->ArrayList));
   return !EFI_ERROR(RaidLibFormatCommand(
-      kCaller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+      Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
       u"%S /c%u/e%S/s%S add hotsparedrive dgs=%u mronly nolog",
       Controller->Capability->ToolName, Controller->Private->CardId,
       Enclosure != nullptr ? Enclosure : u"", Slots != nullptr ? Slots : u"",
@@ -229,18 +227,22 @@ bool FormatAddHotSpares(RAID_CONTROLLER *Controller,
 }
 
 // Runs the lines that were formatted whole, in order.
-VOID RunLines(const CreateLines &Lines, UINT32 *ErrorCode) {
+VOID RunLines(const CHAR8 *Caller, const CreateLines &Lines, UINT32 *ErrorCode) {
   const CHAR16 *const Order[] = {Lines.Create, Lines.Spares};
   for (const CHAR16 *Line : Order) {
     if (Line[0] != 0) {
-      LsiRunToolInto(kCaller, LSI_CREATE_COMMAND_CHARS, ErrorCode, u"%s", Line);
+      // Judged by the last command's verdict (ParseErrCd), as storcli
+      // reports a create and its hot spares.
+      RaidLibOutputJudgedByCaller(RaidLibRunTool(
+          RaidLibSharedRun(Caller, LSI_CREATE_COMMAND_CHARS), ErrorCode, u"%s",
+          Line));
     }
   }
 }
 
 // A new array from the parameter's member drives, then its hot spares.
 // Returns FALSE (with the error code set) when nothing could be run.
-bool CreateInNewArray(RAID_CONTROLLER *Controller,
+bool CreateInNewArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                       const RAID_VOLUME_PARAMETER *Parameter,
                       CreateWords *Words, CreateLines *Lines,
                       UINT32 *ErrorCode) {
@@ -248,37 +250,37 @@ bool CreateInNewArray(RAID_CONTROLLER *Controller,
   if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
       Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
     *ErrorCode = LSI_ERROR_NO_FREE_DRIVES;
-    RAID_LIB_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                  "[%a]No Free Physical Drives!\n");
     return false;
   }
   IdBlock Spares = {Parameter->SpareList, kMaxListedDrives};
-  if (!NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Members) ||
-      !NoIdNamesTwoDrives(&Controller->PhysicalDriveList, Spares)) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+  if (!NoIdNamesTwoDrives(Caller, &Controller->PhysicalDriveList, Members) ||
+      !NoIdNamesTwoDrives(Caller, &Controller->PhysicalDriveList, Spares)) {
+    *ErrorCode = RAID_ERROR_MISSING;
     return false;
   }
   if (EFI_ERROR(LsiBuildDriveList(&Controller->PhysicalDriveList,
                                   TakeListedDrive, &Members, Words->Drives,
                                   LSI_DRIVE_LIST_CHARS))) {
-    return RefuseCut("Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+    return RefuseCut(Caller, "Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
   }
   BuildSpanWord(Parameter->RaidLevel, Parameter->DriveCount, Words);
-  if (!FormatCreate(Controller, Parameter->RaidLevel, Parameter, Words,
+  if (!FormatCreate(Caller, Controller, Parameter->RaidLevel, Parameter, Words,
                     Lines->Create, ErrorCode)) {
     return false;
   }
   if (Parameter->SpareList != nullptr &&
       Parameter->SpareList[0] != RAID_DRIVE_LIST_END &&
-      !FormatAddHotSpares(Controller, Parameter, Lines->Spares, ErrorCode)) {
+      !FormatAddHotSpares(Caller, Controller, Parameter, Lines->Spares, ErrorCode)) {
     return false;
   }
-  RunLines(*Lines, ErrorCode);
+  RunLines(Caller, *Lines, ErrorCode);
   return true;
 }
 
 // A volume in the chosen free segment of an existing array.
-bool CreateInExistingArray(RAID_CONTROLLER *Controller,
+bool CreateInExistingArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                            const RAID_VOLUME_PARAMETER *Parameter,
                            CreateWords *Words, CreateLines *Lines,
                            UINT32 *ErrorCode) {
@@ -291,14 +293,14 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
     }
   }
   if (Array == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
-    RAID_LIB_TRACE_AS("LsiCreateVolume", TARN_DEBUG_ERROR,
+    *ErrorCode = RAID_ERROR_MISSING;
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                  "[%a]Array %d is empty!\n", Parameter->ArrayId);
     return false;
   }
   if (EFI_ERROR(LsiBuildDriveList(&Array->DriveList, TakeArrayMember, nullptr,
                                   Words->Drives, LSI_DRIVE_LIST_CHARS))) {
-    return RefuseCut("Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
+    return RefuseCut(Caller, "Drive list", LSI_DRIVE_LIST_CHARS, ErrorCode);
   }
   for (RAID_VOLUME *Segment :
        uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
@@ -316,11 +318,11 @@ bool CreateInExistingArray(RAID_CONTROLLER *Controller,
     SetWord(Words->After, u" ");  // No such segment: no placement asked.
   }
   BuildSpanWord(Array->RaidLevel, Array->MemberDriveCount, Words);
-  if (!FormatCreate(Controller, Array->RaidLevel, Parameter, Words,
+  if (!FormatCreate(Caller, Controller, Array->RaidLevel, Parameter, Words,
                     Lines->Create, ErrorCode)) {
     return false;
   }
-  RunLines(*Lines, ErrorCode);
+  RunLines(Caller, *Lines, ErrorCode);
   return true;
 }
 
@@ -334,42 +336,33 @@ EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
   RAID_CONTROLLER *Controller =
       Parameter != nullptr ? RaidLibGetController(Parameter->ControllerId)
                            : nullptr;
-  if (Controller == nullptr || Controller->Private == nullptr ||
-      Controller->Capability == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
     RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]Not find controller.\n");
     return EFI_NOT_FOUND;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
-  if (!EFI_ERROR(Status)) {
-    gRaidToolOutput[0] = 0;
-    if (Controller->Private->CardId == RAID_CARD_ID_UNSET) {
-      *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
-    } else {
-      CreateWords Words;
-      CreateLines Lines;
-      Lines.Create[0] = 0;
-      Lines.Spares[0] = 0;
-      bool Ran = BuildParameterWords(Parameter, &Words, ErrorCode) &&
-                 (Parameter->NewArray != 0
-                      ? CreateInNewArray(Controller, Parameter, &Words, &Lines,
-                                         ErrorCode)
-                      : CreateInExistingArray(Controller, Parameter, &Words,
-                                              &Lines, ErrorCode));
-      if (Ran && EFI_ERROR(ParseErrCd(gRaidToolOutput, ErrorCode))) {
-        RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Parse error code error\n");
-      }
+  gRaidToolOutput[0] = 0;
+  if (!EFI_ERROR(RaidLibReadyToRunTool(__func__, Controller, ErrorCode))) {
+    CreateWords Words;
+    CreateLines Lines;
+    Lines.Create[0] = 0;
+    Lines.Spares[0] = 0;
+    bool Ran = BuildParameterWords(__func__, Parameter, &Words, ErrorCode) &&
+               (Parameter->NewArray != 0
+                    ? CreateInNewArray(__func__, Controller, Parameter, &Words,
+                                       &Lines, ErrorCode)
+                    : CreateInExistingArray(__func__, Controller, Parameter,
+                                            &Words, &Lines, ErrorCode));
+    if (Ran && EFI_ERROR(ParseErrCd(gRaidToolOutput, ErrorCode))) {
+      RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Parse error code error\n");
     }
   }
-  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
-  UINT32 RefreshError = 0;
-  Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
-  if (*ErrorCode == 0) {
-    *ErrorCode = RefreshError;
-  }
+  // Every create that found its controller re-reads it, refused or not.
+  RaidLibMarkOutputStale(Controller);
+  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Error code: 0x%x, Status: %r\n",
-                 *ErrorCode, Status);
-  return Status;
+                 *ErrorCode, Refresh.Status);
+  return Refresh.Status;
 }
 
 }  // namespace lsi

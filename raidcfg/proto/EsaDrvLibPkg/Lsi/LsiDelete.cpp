@@ -5,6 +5,7 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
+#include "RaidLibOperation.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
@@ -14,15 +15,10 @@ namespace {
 
 // The controller behind an array, complete enough to build commands.
 RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
-  if (Array == nullptr || Array->Controller == nullptr) {
+  if (Array == nullptr || !RaidLibControllerCanRunTool(Array->Controller)) {
     return nullptr;
   }
-  RAID_CONTROLLER *Controller = Array->Controller;
-  if (Controller->Private == nullptr || Controller->Capability == nullptr ||
-      Controller->Capability->ToolName == nullptr) {
-    return nullptr;
-  }
-  return Controller;
+  return Array->Controller;
 }
 
 // The deletion command's buffer: the runner's short command line.
@@ -42,10 +38,10 @@ EFI_STATUS FormatDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
 // Runs one formatted deletion; the verdict lands in *ErrorCode.
 EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                      const DELETE_LINE Line, UINT32 *ErrorCode) {
-  RaidLibRunToolInto(Caller, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE, ErrorCode,
-                     u"%s", Line);
+  RaidLibOutputJudgedByCaller(
+      RaidLibRunTool(RaidLibSharedRun(Caller), ErrorCode, u"%s", Line));
   EFI_STATUS Status = ParseErrCd(gRaidToolOutput, ErrorCode);
-  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
+  RaidLibMarkOutputStale(Controller);
   return Status;
 }
 
@@ -53,35 +49,13 @@ EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
 // the deletions left none.
 VOID RefreshAfterDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                         UINT32 *ErrorCode) {
-  UINT32 RefreshError = 0;
-  EFI_STATUS Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
-  if ((EFI_ERROR(Status) || RefreshError != 0) &&
-      gRaidLibSetupProtocol != nullptr &&
-      gRaidLibSetupProtocol->DebugPrint != nullptr) {
-    gRaidLibSetupProtocol->DebugPrint(
-        TARN_DEBUG_ERROR,
-        "[%a] Failed to refresh controller information, Status: %r, Error "
-        "code: 0x%x\n",
-        Caller, Status, RefreshError);
+  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
+  if (RaidLibRefreshFailed(Refresh)) {
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                      "[%a] Failed to refresh controller information, Status: "
+                      "%r, Error code: 0x%x\n",
+                      Refresh.Status, Refresh.ErrorCode);
   }
-  if (*ErrorCode == 0) {
-    *ErrorCode = RefreshError;
-  }
-}
-
-// Checks what every deletion needs: the tool runner and a card number.
-// Caller names the deletion in the trace.
-EFI_STATUS PrepareDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                         UINT32 *ErrorCode) {
-  EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
-  if (EFI_ERROR(Status)) {
-    return Status;
-  }
-  if (Controller->Private->CardId == RAID_CARD_ID_UNSET) {
-    *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
-    return EFI_ABORTED;
-  }
-  return EFI_SUCCESS;
 }
 
 }  // namespace
@@ -92,10 +66,10 @@ EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
   *ErrorCode = 0;
   RAID_CONTROLLER *Controller = UsableController(Array);
   if (Controller == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
-  EFI_STATUS Status = PrepareDelete(__func__, Controller, ErrorCode);
+  EFI_STATUS Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -131,12 +105,12 @@ EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
   RAID_CONTROLLER *Controller =
       Volume != nullptr ? UsableController(Volume->Array) : nullptr;
   if (Controller == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Controller id: %d, Array id: %d\n",
                  Controller->Id, Volume->Array->Id);
-  EFI_STATUS Status = PrepareDelete(__func__, Controller, ErrorCode);
+  EFI_STATUS Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -4,6 +4,8 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
+#include "RaidLibModelBuild.h"
+#include "RaidLibOperation.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
@@ -11,7 +13,6 @@ namespace lsi {
 
 namespace {
 
-constexpr const CHAR8 *kCaller = "LsiSetPhysicalDriveState";
 constexpr const CHAR16 *kDriveFormat = u"%S /c%u/e%u/s%u %s mronly nolog";
 constexpr const CHAR16 *kForeignDeleteFormat =
     u"%S /c%u/fall delete mronly nolog";
@@ -24,42 +25,45 @@ constexpr const CHAR16 *kDriveActions[] = {
 // TRUE when every command a change of this drive may run fits its buffer,
 // so that a change of two commands never stops after the first; else the
 // refusal is traced and in *ErrorCode.
-bool DriveCommandsFit(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+bool DriveCommandsFit(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                       UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   CHAR16 Line[LSI_DRIVE_COMMAND_CHARS];
   for (const CHAR16 *Action : kDriveActions) {
-    if (EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+    if (EFI_ERROR(RaidLibFormatCommand(Caller, Line, LSI_DRIVE_COMMAND_CHARS,
                                        ErrorCode, kDriveFormat, Tool, CardId,
                                        Drive->Position->Values[LSI_POSITION_ENCLOSURE],
                                        Drive->Position->Values[LSI_POSITION_SLOT], Action))) {
       return false;
     }
   }
-  return !EFI_ERROR(RaidLibFormatCommand(kCaller, Line, LSI_DRIVE_COMMAND_CHARS,
+  return !EFI_ERROR(RaidLibFormatCommand(Caller, Line, LSI_DRIVE_COMMAND_CHARS,
                                          ErrorCode, kForeignDeleteFormat, Tool,
                                          CardId));
 }
 
 // Runs "<tool> /cN/eE/sS <Action> mronly nolog"; TRUE when the tool said
 // success.
-bool RunOnDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+bool RunOnDrive(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                 const CHAR16 *Action, UINT32 *ErrorCode) {
-  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode, kDriveFormat,
-                 Controller->Capability->ToolName, Controller->Private->CardId,
-                 Drive->Position->Values[LSI_POSITION_ENCLOSURE],
-                 Drive->Position->Values[LSI_POSITION_SLOT], Action);
+  RaidLibOutputJudgedByCaller(RaidLibRunTool(
+      RaidLibSharedRun(Caller, LSI_DRIVE_COMMAND_CHARS), ErrorCode,
+      kDriveFormat, Controller->Capability->ToolName,
+      Controller->Private->CardId,
+      Drive->Position->Values[LSI_POSITION_ENCLOSURE],
+      Drive->Position->Values[LSI_POSITION_SLOT], Action));
   UINT32 Result = LSI_ACTION_FAILED;
   ParseActionStatus(gRaidToolOutput, Controller, &Result);
   return Result == LSI_ACTION_SUCCEEDED;
 }
 
 // Clears the adapter's foreign configuration ("/fall delete").
-bool RunForeignDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-  LsiRunToolInto(kCaller, LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 kForeignDeleteFormat, Controller->Capability->ToolName,
-                 Controller->Private->CardId);
+bool RunForeignDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+  RaidLibOutputJudgedByCaller(RaidLibRunTool(
+      RaidLibSharedRun(Caller, LSI_DRIVE_COMMAND_CHARS), ErrorCode,
+      kForeignDeleteFormat, Controller->Capability->ToolName,
+      Controller->Private->CardId));
   UINT32 Result = LSI_ACTION_FAILED;
   ParseActionStatus(gRaidToolOutput, Controller, &Result);
   return Result == LSI_ACTION_SUCCEEDED;
@@ -68,56 +72,42 @@ bool RunForeignDelete(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
 // A global hot spare that is no longer one: back to the unconfigured list.
 VOID MoveSpareToUnconfigured(RAID_CONTROLLER *Controller,
                              RAID_PHYSICAL_DRIVE *Drive) {
-  RemoveEntryList(&Drive->Link);
-  InsertTailList(&Controller->PhysicalDriveList, &Drive->Link);
-  Drive->Owner = Controller;
-  Drive->Role = RAID_ROLE_UNCONFIGURED;
-  Drive->State = RAID_STATE_UGOOD;
-  Controller->UnconfiguredDriveCount++;
-  if (Controller->GlobalSpareCount > 0) {
-    Controller->GlobalSpareCount--;
-  }
+  RaidLibMoveDrive(Controller, Drive, nullptr, RAID_STATE_UGOOD,
+                   RAID_ROLE_UNCONFIGURED);
 }
 
 // A drive that became a global hot spare.
 VOID MoveToSpares(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
-  RemoveEntryList(&Drive->Link);
-  InsertTailList(&Controller->SpareDriveList, &Drive->Link);
-  Drive->Owner = Controller;
-  Drive->Role = RAID_ROLE_HOT_SPARE;
-  Drive->State = RAID_STATE_GHS;
-  if (Controller->UnconfiguredDriveCount > 0) {
-    Controller->UnconfiguredDriveCount--;
-  }
-  Controller->GlobalSpareCount++;
+  RaidLibMoveDrive(Controller, Drive, nullptr, RAID_STATE_GHS,
+                   RAID_ROLE_HOT_SPARE);
 }
 
 // To unconfigured good, by the drive's current state.
-VOID MakeUnconfiguredGood(RAID_CONTROLLER *Controller,
+VOID MakeUnconfiguredGood(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
                           RAID_PHYSICAL_DRIVE *Drive, UINT32 *ErrorCode) {
   switch (Drive->State) {
     case RAID_STATE_GHS:
-      if (!RunOnDrive(Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
+      if (!RunOnDrive(Caller, Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
         *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
         return;
       }
       MoveSpareToUnconfigured(Controller, Drive);
       return;
     case RAID_STATE_UGOOD_FOREIGN:
-      if (!RunForeignDelete(Controller, ErrorCode)) {
+      if (!RunForeignDelete(Caller, Controller, ErrorCode)) {
         *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
         return;
       }
       break;
     case RAID_STATE_UBAD_FOREIGN:
-      if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode) ||
-          !RunForeignDelete(Controller, ErrorCode)) {
+      if (!RunOnDrive(Caller, Controller, Drive, u"del jbod force", ErrorCode) ||
+          !RunForeignDelete(Caller, Controller, ErrorCode)) {
         *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
         return;
       }
       break;
     default:
-      if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode)) {
+      if (!RunOnDrive(Caller, Controller, Drive, u"del jbod force", ErrorCode)) {
         *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
         return;
       }
@@ -128,10 +118,10 @@ VOID MakeUnconfiguredGood(RAID_CONTROLLER *Controller,
 
 // To JBOD; a global hot spare is released first. The model shows JBOD
 // even when that release fails.
-VOID MakeJbod(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+VOID MakeJbod(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
               UINT32 *ErrorCode) {
   if (Drive->State == RAID_STATE_GHS) {
-    if (!RunOnDrive(Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
+    if (!RunOnDrive(Caller, Controller, Drive, u"delete hotsparedrive", ErrorCode)) {
       Drive->Role = RAID_ROLE_UNCONFIGURED;
       Drive->State = RAID_STATE_JBOD;
       *ErrorCode = LSI_ERROR_DELETE_HOT_SPARE;
@@ -139,22 +129,22 @@ VOID MakeJbod(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
     }
     MoveSpareToUnconfigured(Controller, Drive);
   }
-  RunOnDrive(Controller, Drive, u"set jbod", ErrorCode);  // Not judged.
+  RunOnDrive(Caller, Controller, Drive, u"set jbod", ErrorCode);  // Not judged.
   Drive->Role = RAID_ROLE_UNCONFIGURED;
   Drive->State = RAID_STATE_JBOD;
 }
 
 // To global hot spare; a JBOD drive becomes unconfigured good first.
-VOID MakeGlobalSpare(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+VOID MakeGlobalSpare(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                      UINT32 *ErrorCode) {
   if (Drive->State == RAID_STATE_JBOD) {
-    if (!RunOnDrive(Controller, Drive, u"del jbod force", ErrorCode)) {
+    if (!RunOnDrive(Caller, Controller, Drive, u"del jbod force", ErrorCode)) {
       *ErrorCode = LSI_ERROR_DRIVE_COMMAND;
       return;
     }
     Drive->State = RAID_STATE_UGOOD;
   }
-  if (!RunOnDrive(Controller, Drive, u"add hotsparedrive", ErrorCode)) {
+  if (!RunOnDrive(Caller, Controller, Drive, u"add hotsparedrive", ErrorCode)) {
     *ErrorCode = LSI_ERROR_ADD_HOT_SPARE;
     return;
   }
@@ -163,35 +153,35 @@ VOID MakeGlobalSpare(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 
 // Missing, online, offline: the state changes only when the tool agrees,
 // and a refusal is not reported.
-VOID SetSimpleState(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+VOID SetSimpleState(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                     const CHAR16 *Action, UINT32 NewState) {
   UINT32 RunError = 0;
-  if (RunOnDrive(Controller, Drive, Action, &RunError)) {
+  if (RunOnDrive(Caller, Controller, Drive, Action, &RunError)) {
     Drive->State = NewState;
   }
 }
 
 // Runs the commands of one change by the target state.
-VOID ChangeState(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
+VOID ChangeState(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                  UINT32 State, UINT32 *ErrorCode) {
   switch (State) {
     case RAID_STATE_UGOOD:
-      MakeUnconfiguredGood(Controller, Drive, ErrorCode);
+      MakeUnconfiguredGood(Caller, Controller, Drive, ErrorCode);
       break;
     case RAID_STATE_MISSING:
-      SetSimpleState(Controller, Drive, u"set missing", RAID_STATE_MISSING);
+      SetSimpleState(Caller, Controller, Drive, u"set missing", RAID_STATE_MISSING);
       break;
     case RAID_STATE_JBOD:
-      MakeJbod(Controller, Drive, ErrorCode);
+      MakeJbod(Caller, Controller, Drive, ErrorCode);
       break;
     case RAID_STATE_GHS:
-      MakeGlobalSpare(Controller, Drive, ErrorCode);
+      MakeGlobalSpare(Caller, Controller, Drive, ErrorCode);
       break;
     case RAID_STATE_ONLINE:
-      SetSimpleState(Controller, Drive, u"set online", RAID_STATE_ONLINE);
+      SetSimpleState(Caller, Controller, Drive, u"set online", RAID_STATE_ONLINE);
       break;
     case RAID_STATE_OFFLINE:
-      SetSimpleState(Controller, Drive, u"set offline", RAID_STATE_OFFLINE);
+      SetSimpleState(Caller, Controller, Drive, u"set offline", RAID_STATE_OFFLINE);
       break;
     default:
       *ErrorCode = LSI_ERROR_INVALID_STATE;
@@ -208,15 +198,14 @@ EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
                                     RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
                                     UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (Controller == nullptr || Controller->Private == nullptr ||
-      Controller->Capability == nullptr || Drive == nullptr ||
+  if (!RaidLibControllerCanRunTool(Controller) || Drive == nullptr ||
       Drive->Position == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   // A refused command line leaves nothing run; the error code says why.
-  if (DriveCommandsFit(Controller, Drive, ErrorCode)) {
-    ChangeState(Controller, Drive, State, ErrorCode);
+  if (DriveCommandsFit(__func__, Controller, Drive, ErrorCode)) {
+    ChangeState(__func__, Controller, Drive, State, ErrorCode);
   }
   EFI_STATUS Status =
       *ErrorCode == 0 ? EFI_SUCCESS : static_cast<EFI_STATUS>(*ErrorCode & 0xFF);
@@ -230,9 +219,8 @@ EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
 EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
                                        UINT32 State, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (Controller == nullptr || Controller->Private == nullptr ||
-      Controller->Capability == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
@@ -241,33 +229,33 @@ EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
   }
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
+  RAID_TOOL_RUN Run = RaidLibSharedRun(__func__, LSI_DRIVE_COMMAND_CHARS);
+  // The output of either command is deliberately not judged: the re-read
+  // shows what the adapter made of it.
   if (State == RAID_STATE_UGOOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_UGOOD \n");
-    LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%u/eall/sall del jbod force mronly nolog", Tool,
-                 CardId);
+    RaidLibOutputJudgedByCaller(RaidLibRunTool(
+        Run, ErrorCode, u"%S /c%u/eall/sall del jbod force mronly nolog", Tool,
+        CardId));
   } else if (State == RAID_STATE_JBOD) {
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] execute the LSI_STATE_JBOD \n");
-    LSI_RUN_TOOL(LSI_DRIVE_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%u/eall/sall set jbod mronly nolog", Tool, CardId);
+    RaidLibOutputJudgedByCaller(RaidLibRunTool(
+        Run, ErrorCode, u"%S /c%u/eall/sall set jbod mronly nolog", Tool,
+        CardId));
   } else {
     *ErrorCode = LSI_ERROR_INVALID_STATE;
     RAID_LIB_TRACE(TARN_DEBUG_ERROR,
                    "[%a] execute the default INVALID_RAID_STATE \n");
   }
-  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
-  UINT32 RefreshError = 0;
-  Status = LsiGetControllerInfo(Controller, nullptr, &RefreshError);
-  if (EFI_ERROR(Status) || RefreshError != 0) {
+  RaidLibMarkOutputStale(Controller);
+  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
+  if (RaidLibRefreshFailed(Refresh)) {
     RAID_LIB_TRACE(TARN_DEBUG_ERROR,
                    "[%a] Failed to refresh controller information\n");
   }
-  if (*ErrorCode == 0) {
-    *ErrorCode = RefreshError;
-  }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Error code: 0x%x, status = %r.\n",
-                 *ErrorCode, Status);
-  return Status;
+                 *ErrorCode, Refresh.Status);
+  return Refresh.Status;
 }
 
 }  // namespace lsi

@@ -48,7 +48,7 @@ UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode) {
 EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
                     UINT32 CandidateCardId, UINT32 *ErrorCode) {
   if (Controller == nullptr || Controller->Private == nullptr) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   RAID_LINE_CURSOR Lines;

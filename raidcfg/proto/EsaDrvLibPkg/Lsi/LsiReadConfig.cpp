@@ -3,6 +3,7 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "LsiBackend.h"
+#include "RaidLibOperation.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
@@ -12,18 +13,11 @@ constinit UINT32 gLsiControllerCount = 0;
 
 namespace {
 
-// The controller record, its private record and its capability (for the
-// tool's name) must be there.
-bool ControllerComplete(const RAID_CONTROLLER *Controller) {
-  return Controller != nullptr && Controller->Private != nullptr &&
-         Controller->Capability != nullptr &&
-         Controller->Capability->ToolName != nullptr;
-}
-
 // Runs "show all" for every volume of every array; a fault of one volume
 // does not stop the others.
-EFI_STATUS ReadVolumeProperties(RAID_CONTROLLER *Controller,
-                                EFI_STATUS Status, UINT32 *ErrorCode) {
+EFI_STATUS ReadVolumeProperties(const CHAR8 *Caller,
+                                RAID_CONTROLLER *Controller, EFI_STATUS Status,
+                                UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   for (RAID_ARRAY *Array :
@@ -33,9 +27,9 @@ EFI_STATUS ReadVolumeProperties(RAID_CONTROLLER *Controller,
       if (Volume->IsVolume != 1) {
         continue;
       }
-      LsiRunToolInto("LsiGetControllerInfo", LSI_READ_COMMAND_CHARS, ErrorCode,
-                     u"%S /c%u/v%u show all mronly nolog", Tool, CardId,
-                     Volume->Id);
+      RaidLibOutputJudgedByCaller(RaidLibRunTool(
+          RaidLibSharedRun(Caller, LSI_READ_COMMAND_CHARS), ErrorCode,
+          u"%S /c%u/v%u show all mronly nolog", Tool, CardId, Volume->Id));
       Status = ParseControllerShowVolume(gRaidToolOutput, Volume, ErrorCode);
     }
   }
@@ -48,8 +42,8 @@ EFI_STATUS ReadVolumeProperties(RAID_CONTROLLER *Controller,
 // each controller's summary is compared with our PCI location.
 EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (!ControllerComplete(Controller)) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
@@ -59,8 +53,8 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   // A run that did not happen (its command refused) leaves no output to
   // count cards or compare locations in.
-  Status =
-      RAID_LIB_RUN_TOOL(ErrorCode, u"%S show ctrlcount mronly nolog", Tool);
+  Status = RaidLibRunTool(RaidLibSharedRun(__func__), ErrorCode,
+                          u"%S show ctrlcount mronly nolog", Tool);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -82,8 +76,8 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
       *ErrorCode = 0;
       return EFI_SUCCESS;
     }
-    Status = RAID_LIB_RUN_TOOL(ErrorCode, u"%S /c%u show mronly nolog", Tool,
-                               CardId);
+    Status = RaidLibRunTool(RaidLibSharedRun(__func__), ErrorCode,
+                            u"%S /c%u show mronly nolog", Tool, CardId);
     if (EFI_ERROR(Status)) {
       return Status;
     }
@@ -104,8 +98,8 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
                                 RAID_CONTROLLER_PRIVATE *Private,
                                 UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (!ControllerComplete(Controller)) {
-    *ErrorCode = LSI_ERROR_NOT_FOUND;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
     return EFI_ABORTED;
   }
   RAID_CONTROLLER_PRIVATE *Own = Controller->Private;
@@ -113,24 +107,24 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
     return EFI_SUCCESS;
   }
-  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
+  EFI_STATUS Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
+  if (Status == EFI_ABORTED) {
+    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Invalid controller id\n");
+  }
   if (EFI_ERROR(Status)) {
     return Status;
   }
-  if (Own->CardId == RAID_CARD_ID_UNSET) {
-    *ErrorCode = LSI_ERROR_INVALID_CARD_ID;
-    RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Invalid controller id\n");
-    return EFI_ABORTED;
-  }
   const CHAR16 *Tool = Controller->Capability->ToolName;
-  LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode, u"%S /c%u show mronly nolog",
-               Tool, Own->CardId);
+  RAID_TOOL_RUN Run = RaidLibSharedRun(__func__, LSI_READ_COMMAND_CHARS);
+  RaidLibOutputJudgedByCaller(RaidLibRunTool(
+      Run, ErrorCode, u"%S /c%u show mronly nolog", Tool, Own->CardId));
   Status = ParseControllerShow(gRaidToolOutput, Controller, ErrorCode);
   if (*ErrorCode == 0) {
-    LSI_RUN_TOOL(LSI_READ_COMMAND_CHARS, ErrorCode,
-                 u"%S /c%u show freespace mronly nolog", Tool, Own->CardId);
+    RaidLibOutputJudgedByCaller(
+        RaidLibRunTool(Run, ErrorCode, u"%S /c%u show freespace mronly nolog",
+                       Tool, Own->CardId));
     Status = ParseControllerShowFS(gRaidToolOutput, Controller, ErrorCode);
-    Status = ReadVolumeProperties(Controller, Status, ErrorCode);
+    Status = ReadVolumeProperties(__func__, Controller, Status, ErrorCode);
   }
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;
   return Status;

@@ -40,7 +40,6 @@ RAID_REFRESH RaidLibRefreshAfterChange(RAID_CONTROLLER *Controller,
   RAID_REFRESH Refresh = {EFI_ABORTED, RAID_ERROR_MISSING};
   RAID_GET_CONTROLLER_INFO Read =
       Controller->Private->Operations.GetControllerInfo;
-  Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
   if (Read != nullptr) {
     Refresh.ErrorCode = 0;
     Refresh.Status = Read(Controller, nullptr, &Refresh.ErrorCode);

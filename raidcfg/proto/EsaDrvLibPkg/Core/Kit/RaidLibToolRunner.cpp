@@ -72,55 +72,46 @@ EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
 
 namespace {
 
-// Formats, traces and runs one command line; the output (cut to OutputSize
-// bytes) is in Output.
-EFI_STATUS RunTool(const CHAR8 *Caller, UINTN CommandChars, CHAR16 *Output,
-                   UINTN OutputSize, UINT32 *ErrorCode, const CHAR16 *Format,
-                   VA_LIST Marker) {
-  EFI_STATUS Status = RaidLibLocateShellCommand(Caller, ErrorCode);
+// Formats, traces and runs one command line.
+EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
+                   const CHAR16 *Format, VA_LIST Marker) {
+  EFI_STATUS Status = RaidLibLocateShellCommand(Run.Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
+  UINTN CommandChars = Run.CommandChars;
   if (CommandChars > RAID_TOOL_LONGEST_COMMAND_CHARS) {
     CommandChars = RAID_TOOL_LONGEST_COMMAND_CHARS;
   }
-  if (OutputSize >= sizeof(CHAR16)) {
-    Output[0] = 0;
+  if (Run.OutputSize >= sizeof(CHAR16)) {
+    Run.Output[0] = 0;
   }
   CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
-  Status = FormatCommand(Caller, CommandLine, CommandChars, ErrorCode, Format,
-                         Marker);
+  Status = FormatCommand(Run.Caller, CommandLine, CommandChars, ErrorCode,
+                         Format, Marker);
   if (EFI_ERROR(Status)) {
     return Status;
   }
 
-  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n", CommandLine);
+  RAID_LIB_TRACE_AS(Run.Caller, TARN_DEBUG_INFO, "[%a]Command: %S\n",
+                    CommandLine);
   // The shared buffer's size word is the module-wide one.
   UINTN LocalSize = 0;
-  UINTN *Size = Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
-  *Size = OutputSize;
-  return gShellCommand->ExecuteCapture(CommandLine, Output, Size);
+  UINTN *Size =
+      Run.Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
+  *Size = Run.OutputSize;
+  return gShellCommand->ExecuteCapture(CommandLine, Run.Output, Size);
 }
 
 }  // namespace
 
-EFI_STATUS EFIAPI RaidLibRunToolInto(const CHAR8 *Caller, CHAR16 *Output,
-                                     UINTN OutputSize, UINT32 *ErrorCode,
-                                     const CHAR16 *Format, ...) {
+EFI_STATUS EFIAPI RaidLibRunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
+                                 const CHAR16 *Format, ...) {
   VA_LIST Marker;
   VA_START(Marker, Format);
-  EFI_STATUS Status =
-      RunTool(Caller, RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16), Output,
-              OutputSize, ErrorCode, Format, Marker);
+  EFI_STATUS Status = RunTool(Run, ErrorCode, Format, Marker);
   VA_END(Marker);
   return Status;
-}
-
-EFI_STATUS RaidLibRunToolWithLength(const CHAR8 *Caller, UINTN CommandChars,
-                                    UINT32 *ErrorCode, const CHAR16 *Format,
-                                    VA_LIST Marker) {
-  return RunTool(Caller, CommandChars, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE,
-                 ErrorCode, Format, Marker);
 }
 
 VOID RaidLibResetToolRunner() {
