@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr const CHAR8 *kInitializeRaid = "InitializeRaid";
-
 // Card numbering during one InitializeRaid. The arcconf tool numbers its
 // controllers from 1, the others from 0.
 struct CardCounters {
@@ -24,7 +22,7 @@ struct CardCounters {
 };
 
 // The core finds the host's setup protocol for its own tracing.
-VOID LocateSetupProtocol(UINT32 *ErrorCode) {
+VOID LocateSetupProtocol(const CHAR8 *Caller, UINT32 *ErrorCode) {
   if (gRaidLibSetupProtocol != nullptr) {
     return;
   }
@@ -33,17 +31,17 @@ VOID LocateSetupProtocol(UINT32 *ErrorCode) {
   if (EFI_ERROR(Status)) {
     gRaidLibSetupProtocol = nullptr;
     *ErrorCode = RaidLibFirmwareErrorCode(Status);
-    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n",
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Error code: 0x%x\n",
                       *ErrorCode);
   }
 }
 
-VOID TraceFoundControllers() {
-  RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+VOID TraceFoundControllers(const CHAR8 *Caller) {
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "[%a]INFO: all found controllers:\n");
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
-    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                       "[%a]INFO: Controller id: %d name: %S\n",
                    Controller->Id, Controller->Name);
   }
@@ -51,7 +49,7 @@ VOID TraceFoundControllers() {
 
 // Gives one controller its card number and tool type by its backend family.
 // A non-zero result of a backend's own card search aborts start-up.
-EFI_STATUS NumberCard(RAID_CONTROLLER *Controller, CardCounters *Counters,
+EFI_STATUS NumberCard(const CHAR8 *Caller, RAID_CONTROLLER *Controller, CardCounters *Counters,
                       UINT32 *ErrorCode) {
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
   switch (RaidLibControllerFamily(Controller)) {
@@ -84,13 +82,13 @@ EFI_STATUS NumberCard(RAID_CONTROLLER *Controller, CardCounters *Counters,
   return EFI_SUCCESS;
 }
 
-EFI_STATUS NumberCards(UINT32 *ErrorCode) {
+EFI_STATUS NumberCards(const CHAR8 *Caller, UINT32 *ErrorCode) {
   CardCounters Counters;
   EFI_STATUS Status = EFI_SUCCESS;
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
     RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
-    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                    "[%a]Controller Id: %d, Bus: 0x%x, Dev: 0x%x, Func: 0x%x\n",
                    Controller->Id, Private->Bus, Private->Device,
                    Private->Function);
@@ -98,7 +96,7 @@ EFI_STATUS NumberCards(UINT32 *ErrorCode) {
         Controller->Capability == nullptr) {
       continue;
     }
-    Status = NumberCard(Controller, &Counters, ErrorCode);
+    Status = NumberCard(Caller, Controller, &Counters, ErrorCode);
     if (Status != EFI_SUCCESS) {
       return Status;
     }
@@ -108,7 +106,7 @@ EFI_STATUS NumberCards(UINT32 *ErrorCode) {
 
 // Scans the bus, orders the devices by the host's slots and builds the
 // controllers that pcidb.xml names. *Made counts them.
-EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
+EFI_STATUS DiscoverControllers(const CHAR8 *Caller, const SLOT_INVENTORY_ENTRY *Slots,
                                UINTN SlotCount, UINTN *Made, UINT32 *ErrorCode) {
   LIST_ENTRY ScanList;
   LIST_ENTRY OrderedList;
@@ -123,7 +121,7 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
     return Status;
   }
   if (IsListEmpty(&ScanList)) {
-    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                       "[%a]No raid card is found on system.\n");
     *ErrorCode = 0;
     return EFI_SUCCESS;
@@ -140,7 +138,7 @@ EFI_STATUS DiscoverControllers(const SLOT_INVENTORY_ENTRY *Slots,
   ReleasePcidbList(&PcidbList);
   if (!EFI_ERROR(Status) && *Made == 0) {
     *ErrorCode = RAID_ERROR_NOT_FOUND;
-    RAID_LIB_TRACE_AS(kInitializeRaid, TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                       "[%a]Error: No supported card found.\n");
     return EFI_NOT_FOUND;
   }
@@ -156,17 +154,17 @@ EFI_STATUS InitializeRaid(UINT32 *ErrorCode) {
   UINTN SlotCount = 0;
   SLOT_INVENTORY_ENTRY *Slots = nullptr;
   RaidLibGetSlotInventory(&SlotCount, &Slots);
-  LocateSetupProtocol(ErrorCode);
+  LocateSetupProtocol(__func__, ErrorCode);
 
   RaidLibTraceVersion();
   InitializeListHead(&gControllerList);
 
   UINTN Made = 0;
-  EFI_STATUS Status = DiscoverControllers(Slots, SlotCount, &Made, ErrorCode);
+  EFI_STATUS Status = DiscoverControllers(__func__, Slots, SlotCount, &Made, ErrorCode);
   if (EFI_ERROR(Status) || Made == 0) {
     return Status;
   }
-  TraceFoundControllers();
+  TraceFoundControllers(__func__);
 
   RaidXmlResetParserState();
   Status = RaidLibParseXml(u"raid.xml", RaidXmlTagStart, RaidXmlTagEnd,
@@ -183,7 +181,7 @@ EFI_STATUS InitializeRaid(UINT32 *ErrorCode) {
     return EFI_OUT_OF_RESOURCES;
   }
   RaidLibBindBackends();
-  return NumberCards(ErrorCode);
+  return NumberCards(__func__, ErrorCode);
 }
 
 // Frees every controller with all it owns, then the shared output copy.

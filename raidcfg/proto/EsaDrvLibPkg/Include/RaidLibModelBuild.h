@@ -19,7 +19,7 @@
 
 // ---- New records --------------------------------------------------------------
 
-// An array numbered Id, named "Array%d", with empty lists and a zeroed Extra
+// An array numbered Id, named "Array%u", with empty lists and a zeroed Extra
 // block of ExtraSize bytes, appended to the controller's ArrayList. NULL
 // when the pool is exhausted (nothing is left allocated).
 [[nodiscard]] RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller,
@@ -32,7 +32,7 @@
                                             const CHAR16 *Name,
                                             UINTN ExtraSize);
 
-// A free segment numbered Id, named "FreeCapacity%d", lying after volume
+// A free segment numbered Id, named "FreeCapacity%u", lying after volume
 // AfterVolume (RAID_SEGMENT_AFTER_NO_VOLUME for none), of the given size,
 // placed by RaidLibInsertFreeSegment; FreeSegmentCount is raised. NULL when
 // the pool is exhausted.

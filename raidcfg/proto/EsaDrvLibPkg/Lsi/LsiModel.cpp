@@ -6,6 +6,7 @@
 #include <Library/PrintLib.h>
 
 #include "LsiBackend.h"
+#include "RaidLibModelBuild.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 #include "RaidLibWordTable.h"
@@ -68,13 +69,6 @@ constexpr RAID_WORD_CODE kVolumeWords[] = {
 constexpr RAID_WORD_TABLE kVolumeStates =
     RaidLibWordTable(kVolumeWords, RaidMatchExact, RAID_STATE_INVALID);
 
-// A pool copy of a formatted name ("Array%u", "FreeCapacity%u").
-CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
-  CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), Format, Number);
-  return AllocDestStr(Name);
-}
-
 // The digits after "RAID" in a type word ("RAID10" gives 10).
 UINT8 LevelOfType(const CHAR16 *Type) {
   if (Type == nullptr || StrLen(Type) <= 4) {
@@ -90,68 +84,7 @@ struct DriveIds {
   UINT32 DeviceId;
 };
 
-// Fills the drive's own fields from its row.
-EFI_STATUS FillDrive(RAID_PHYSICAL_DRIVE *Drive, const RAID_ROW *Row,
-                     const DriveIds &Ids) {
-  Drive->Location = RaidLibCopyStripped(Row->Words[0], 0);
-  Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
-  Drive->Model = RaidLibCopyStripped(Row->Words[11] != nullptr ? Row->Words[11]
-                                                           : u"",
-                                 kModelChars);
-  if (Drive->Location == nullptr || Drive->Position == nullptr ||
-      Drive->Model == nullptr) {
-    return EFI_OUT_OF_RESOURCES;
-  }
-  Drive->Position->Values[LSI_POSITION_ENCLOSURE] = Ids.Enclosure;
-  Drive->Position->Values[LSI_POSITION_SLOT] = Ids.Slot;
-  Drive->Id = Ids.DeviceId;
-  Drive->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
-  Drive->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[5]);
-  Drive->MediaType = RaidLibMediaCode(Row->Words[6], Row->Words[7]);
-  return EFI_SUCCESS;
-}
-
-// Links an unassigned or foreign drive into the controller's lists.
-VOID PlaceUnassigned(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
-                     const RAID_WORD_CODE &Rule) {
-  if (Rule.Code != kStateUnset) {
-    Drive->State = Rule.Code;
-  }
-  Drive->Role = Rule.Detail;
-  Drive->Owner = Controller;
-  if (Rule.Code == RAID_STATE_GHS) {
-    InsertTailList(&Controller->SpareDriveList, &Drive->Link);
-    Controller->GlobalSpareCount++;
-  } else {
-    InsertTailList(&Controller->PhysicalDriveList, &Drive->Link);
-    Controller->UnconfiguredDriveCount++;
-  }
-}
-
-// Links a drive of an array into that array's DriveList.
-VOID PlaceMember(RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Drive,
-                 const RAID_WORD_CODE &Rule) {
-  Drive->State = Rule.Code;
-  Drive->Role = Rule.Detail;
-  Drive->Owner = Array;
-  InsertTailList(&Array->DriveList, &Drive->Link);
-  if (Rule.Code == RAID_STATE_DHS) {
-    Array->DedicatedSpareCount++;
-  } else {
-    Array->MemberDriveCount++;
-  }
-}
-
 }  // namespace
-
-EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count) {
-  FreePool(Controller->DriveTable);
-  Controller->DriveTable = static_cast<RAID_PHYSICAL_DRIVE **>(
-      AllocateZeroPool((static_cast<UINTN>(Count) + 1) *
-                       sizeof(RAID_PHYSICAL_DRIVE *)));
-  return Controller->DriveTable == nullptr ? EFI_OUT_OF_RESOURCES
-                                           : EFI_SUCCESS;
-}
 
 RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
   for (RAID_ARRAY *Array :
@@ -175,26 +108,13 @@ EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
                    Row->Words[0]);
     return EFI_SUCCESS;
   }
-  RAID_ARRAY *Array = uefi::AllocateRecord<RAID_ARRAY>();
+  RAID_ARRAY *Array = RaidLibAddArray(Controller, Group, kArrayExtraSize);
   if (Array == nullptr) {
-    return EFI_OUT_OF_RESOURCES;
-  }
-  InitializeListHead(&Array->DriveList);
-  InitializeListHead(&Array->SegmentList);
-  Array->Controller = Controller;
-  Array->Id = Group;
-  Array->Name = NewNumberedName(u"Array%u", Array->Id);
-  Array->Extra = AllocateZeroPool(kArrayExtraSize);
-  if (Array->Name == nullptr || Array->Extra == nullptr) {
-    FreePool(Array->Name);
-    FreePool(Array->Extra);
-    FreePool(Array);
     return EFI_OUT_OF_RESOURCES;
   }
   Array->RaidLevel = LevelOfType(Row->Words[5]);
   Array->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
   Array->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[9]);
-  InsertTailList(&Controller->ArrayList, &Array->Link);
   return EFI_SUCCESS;
 }
 
@@ -211,28 +131,18 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   if (Array == nullptr) {
     return EFI_SUCCESS;  // A row of no array read: a fault of the output.
   }
-  RAID_VOLUME *Volume = uefi::AllocateRecord<RAID_VOLUME>();
+  // Only the name's first word is in the row's eleventh word.
+  const CHAR16 *Name =
+      Row->Words[9] != nullptr && Row->Words[10] != nullptr ? Row->Words[10]
+                                                            : u"";
+  RAID_VOLUME *Volume =
+      RaidLibAddVolume(Array, Number, Name, kVolumeExtraSize);
   if (Volume == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  // Only the name's first word is in the row's eleventh word.
-  Volume->Name = RaidLibCopyStripped(
-      Row->Words[9] != nullptr && Row->Words[10] != nullptr ? Row->Words[10]
-                                                            : u"",
-      0);
-  Volume->Extra = AllocateZeroPool(kVolumeExtraSize);
-  if (Volume->Name == nullptr || Volume->Extra == nullptr) {
-    RaidLibFreeSegment(Volume);
-    return EFI_OUT_OF_RESOURCES;
-  }
-  Volume->Array = Array;
-  Volume->Id = Number;
-  Volume->IsVolume = 1;
   Volume->State = LsiVolumeStateCode(Row->Words[2]);
   Volume->SizeFigure = RaidLibReadThousandths(Row->Words[8]);
   Volume->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[9]);
-  InsertTailList(&Array->SegmentList, &Volume->Link);
-  Array->VolumeCount++;
   return EFI_SUCCESS;
 }
 
@@ -270,23 +180,24 @@ EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
       return EFI_SUCCESS;  // A DG of no array read.
     }
   }
-  RAID_PHYSICAL_DRIVE *Record = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();
+  RAID_PHYSICAL_DRIVE *Record = RaidLibNewDrive(
+      Ids.DeviceId, Row->Words[0],
+      Row->Words[11] != nullptr ? Row->Words[11] : u"", kModelChars);
   if (Record == nullptr) {
     return EFI_OUT_OF_RESOURCES;
   }
-  if (EFI_ERROR(FillDrive(Record, Row, Ids))) {
-    RaidLibFreePhysicalDrive(Record);
-    return EFI_OUT_OF_RESOURCES;
-  }
-  if (Unassigned) {
-    PlaceUnassigned(Controller, Record,
-                    RaidLibClassifyWord(kUnassignedStates, StateWord));
-  } else if (Foreign) {
-    PlaceUnassigned(Controller, Record,
-                    RaidLibClassifyWord(kForeignStates, StateWord));
-  } else {
-    PlaceMember(Array, Record, RaidLibClassifyWord(kMemberStates, StateWord));
-  }
+  Record->Position->Values[LSI_POSITION_ENCLOSURE] = Ids.Enclosure;
+  Record->Position->Values[LSI_POSITION_SLOT] = Ids.Slot;
+  Record->SizeFigure = RaidLibReadThousandths(Row->Words[4]);
+  Record->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[5]);
+  Record->MediaType = RaidLibMediaCode(Row->Words[6], Row->Words[7]);
+  const RAID_WORD_TABLE &States = Unassigned ? kUnassignedStates
+                                  : Foreign  ? kForeignStates
+                                             : kMemberStates;
+  const RAID_WORD_CODE &Rule = RaidLibClassifyWord(States, StateWord);
+  // A foreign drive in a state of no entry keeps the state it started with.
+  UINT32 State = Rule.Code == kStateUnset ? Record->State : Rule.Code;
+  RaidLibPlaceDrive(Controller, Record, Array, State, Rule.Detail);
   *Drive = Record;
   return EFI_SUCCESS;
 }

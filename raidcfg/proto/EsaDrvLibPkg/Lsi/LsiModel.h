@@ -11,9 +11,6 @@
 
 namespace lsi {
 
-// Replaces DriveTable by a zeroed table of Count + 1 entries.
-EFI_STATUS LsiNewDriveTable(RAID_CONTROLLER *Controller, UINT32 Count);
-
 // The array with drive-group number Id, or NULL.
 RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
 

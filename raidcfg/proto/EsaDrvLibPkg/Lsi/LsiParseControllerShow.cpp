@@ -10,11 +10,13 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Protocol/Host/TarnSetup.h>
+#include <strings/RaidcfgStrings.h>
 
 #include "LsiBackend.h"
 #include "LsiModel.h"
 #include "RaidLibLines.h"
 #include "RaidLibRow.h"
+#include "RaidLibModelBuild.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -29,17 +31,16 @@ constexpr UINTN kTableRowOffset = 8;
 constexpr UINT64 kMaxTableRows = LSI_OUTPUT_CHARS / 2;
 
 // Title and text of the box shown for a dedicated spare without a DG.
-constexpr EFI_STRING_ID kWarningTitleId = 866;
 constexpr UINT8 kWarningBoxStyle = 0;
 
 // "Status = Failure" before the tables: the summary is traced and marked.
-VOID CheckSummaryStatus(CHAR16 *Output, RAID_LINE_CURSOR Lines, UINT32 *ErrorCode) {
+VOID CheckSummaryStatus(const CHAR8 *Caller, CHAR16 *Output, RAID_LINE_CURSOR Lines, UINT32 *ErrorCode) {
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {
       RAID_ROW Scratch;
       if (RaidLibWordIs(RaidLibTrimmedValue(Line, u"=", &Scratch), u"Failure")) {
-        RaidLibTraceAllLines("ParseControllerShow", Output, Lines.End);
+        RaidLibTraceAllLines(Caller, Output, Lines.End);
         *ErrorCode = LSI_ERROR_SUMMARY_FAILURE;
       }
       return;
@@ -47,24 +48,13 @@ VOID CheckSummaryStatus(CHAR16 *Output, RAID_LINE_CURSOR Lines, UINT32 *ErrorCod
   }
 }
 
-// Drops the model the previous summary built.
-EFI_STATUS ResetModel(RAID_CONTROLLER *Controller) {
-  RaidLibFreeArrayLink(&Controller->ArrayList);
-  RaidLibFreeDriveList(&Controller->PhysicalDriveList);
-  RaidLibFreeDriveList(&Controller->SpareDriveList);
-  Controller->UnconfiguredDriveCount = 0;
-  Controller->GlobalSpareCount = 0;
-  Controller->DiskDriveCount = 0;
-  return LsiNewDriveTable(Controller, 0);
-}
-
 // Stores the stripped value of a name line in *Field, or traces Missing and
 // keeps the old value when the tool printed a blank value.
-EFI_STATUS StoreName(const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
+EFI_STATUS StoreName(const CHAR8 *Caller, const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
   RAID_ROW Scratch;
   CHAR16 *Value = RaidLibSecondPiece(Line, u"=", &Scratch);
   if (Value == nullptr || StrCmp(Value, u" \r") == 0) {
-    RAID_LIB_TRACE_AS("ParseControllerShow", TARN_DEBUG_INFO, Missing);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, Missing);
     return EFI_SUCCESS;
   }
   FreePool(*Field);
@@ -120,7 +110,7 @@ VOID WarnSlidColumns(const RAID_ROW &Row) {
                 u"Hot spare DG is null, the disk is %s.\r\n Please recreate "
                 u"raid valume.\r\n",
                 Row.Words[0]);
-  gRaidLibSetupProtocol->MessageBox(kWarningBoxStyle, kWarningTitleId, 0,
+  gRaidLibSetupProtocol->MessageBox(kWarningBoxStyle, STR_WARNING_TITLE, 0,
                                     Text);
 }
 
@@ -131,13 +121,13 @@ EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
     RowCount = kMaxTableRows;
   }
   UINT32 Count = static_cast<UINT32>(RowCount);
-  EFI_STATUS Status = LsiNewDriveTable(Controller, Count);
+  RAID_DRIVE_TABLE_FILL Table;
+  EFI_STATUS Status = RaidLibStartDriveTable(&Table, Controller, Count);
   if (EFI_ERROR(Status)) {
     return Status;
   }
-  Controller->DiskDriveCount = Count;
-  UINT32 Filled = 0;
-  CHAR16 *Line = Count == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
+  CHAR16 *Line =
+      Count == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
   for (UINT32 Index = 0; Index < Count && Line != nullptr;
        Index++, Line = RaidLibNextLine(&Lines)) {
     RAID_ROW Row;
@@ -150,33 +140,32 @@ EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
     RAID_PHYSICAL_DRIVE *Drive = nullptr;
     Status = LsiAddDrive(Controller, &Row, &Drive);
     if (EFI_ERROR(Status)) {
-      Controller->DiskDriveCount = Filled;
-      return Status;
+      break;
     }
     if (Drive != nullptr) {
-      Controller->DriveTable[Filled++] = Drive;
+      RaidLibAppendToDriveTable(&Table, Drive);
     }
   }
   // A cut or faulty table leaves fewer drives than announced; the count
   // follows the table so that no reader meets an empty entry early.
-  Controller->DiskDriveCount = Filled;
-  return EFI_SUCCESS;
+  RaidLibFinishDriveTable(&Table);
+  return Status;
 }
 
 // Acts on one line of the summary; Lines stands just behind it.
-EFI_STATUS ReadSummaryLine(const CHAR16 *Line, const RAID_LINE_CURSOR &Lines,
+EFI_STATUS ReadSummaryLine(const CHAR8 *Caller, const CHAR16 *Line, const RAID_LINE_CURSOR &Lines,
                            RAID_CONTROLLER *Controller) {
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
   if (RaidLibStartsWith(Line, u"Product Name")) {
-    return StoreName(Line, &Private->ProductName,
+    return StoreName(Caller, Line, &Private->ProductName,
                      "[%a]Controller Device Name: NULL\n");
   }
   if (RaidLibStartsWith(Line, u"Serial Number")) {
-    return StoreName(Line, &Controller->SerialNumber,
+    return StoreName(Caller, Line, &Controller->SerialNumber,
                      "[%a]Controller Serial Number: NULL\n");
   }
   if (RaidLibStartsWith(Line, u"FW Package Build")) {
-    return StoreName(Line, &Controller->FirmwareVersion,
+    return StoreName(Caller, Line, &Controller->FirmwareVersion,
                      "[%a]Controller FW Version: NULL\n");
   }
   if (RaidLibStartsWith(Line, u"Drive Groups")) {
@@ -205,11 +194,12 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
   // lines to the next.
   RAID_LINE_CURSOR Lines;
   RaidLibLinesStart(&Lines, Output, LSI_OUTPUT_CHARS);
-  CheckSummaryStatus(Output, Lines, ErrorCode);
-  EFI_STATUS Status = ResetModel(Controller);
+  CheckSummaryStatus(__func__, Output, Lines, ErrorCode);
+  // The model the previous summary built goes.
+  EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   for (CHAR16 *Line = RaidLibNextLine(&Lines);
        Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
-    Status = ReadSummaryLine(Line, Lines, Controller);
+    Status = ReadSummaryLine(__func__, Line, Lines, Controller);
   }
   // A DID two rows carry names neither drive alone.
   RaidLibLeaveOutAmbiguousDrives(Controller);

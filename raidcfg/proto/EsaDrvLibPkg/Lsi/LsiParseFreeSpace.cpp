@@ -10,6 +10,7 @@
 #include "LsiModel.h"
 #include "RaidLibLines.h"
 #include "RaidLibRow.h"
+#include "RaidLibModelBuild.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -78,38 +79,23 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   if (Array == nullptr) {
     return EFI_ABORTED;
   }
-  RAID_VOLUME *Segment = uefi::AllocateRecord<RAID_VOLUME>();
-  if (Segment == nullptr) {
-    return EFI_OUT_OF_RESOURCES;
-  }
-  Segment->Id = Ids.Id;
-  CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), u"FreeCapacity%u", Segment->Id);
-  Segment->Name = AllocDestStr(Name);
-  Segment->Extra = AllocateZeroPool(kSegmentExtraSize);
-  if (Segment->Name == nullptr || Segment->Extra == nullptr) {
-    RaidLibFreeSegment(Segment);
-    return EFI_OUT_OF_RESOURCES;
-  }
-  Segment->Array = Array;
-  Segment->IsVolume = 0;
-  Segment->State = Ids.AfterVd;
-  Segment->SizeFigure = RaidLibReadThousandths(Row->Words[3]);
-  Segment->SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
-  Array->FreeCapacity += ThousandthsOfMb(Segment->SizeFigure, Segment->SizeUnit);
-  Array->FreeSegmentCount++;
-
-  bool Placed = Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME ||
-                ListHasId(Array, Segment->State);
+  UINT64 SizeFigure = RaidLibReadThousandths(Row->Words[3]);
+  UINT32 SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
+  bool Placed = Ids.AfterVd == RAID_SEGMENT_AFTER_NO_VOLUME ||
+                ListHasId(Array, Ids.AfterVd);
   // A segment after no listed record still joins the list (at its tail), so
   // the array owns it, but the report is refused.
-  RaidLibInsertFreeSegment(Array, Segment);
+  if (RaidLibAddFreeSegment(Array, Ids.Id, Ids.AfterVd, SizeFigure, SizeUnit,
+                            kSegmentExtraSize) == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Array->FreeCapacity += ThousandthsOfMb(SizeFigure, SizeUnit);
   return Placed ? EFI_SUCCESS : EFI_ABORTED;
 }
 
 // The rows of one free-space table, up to its closing ruler. Row KB sizes
 // are too small to use.
-EFI_STATUS ReadFreeSpaceRows(RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
+EFI_STATUS ReadFreeSpaceRows(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
                              RAID_CONTROLLER *Controller) {
   for (CHAR16 *Line = FirstRow;
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
@@ -117,7 +103,7 @@ EFI_STATUS ReadFreeSpaceRows(RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
     RAID_ROW Row;
     RaidLibSplitRow(Line, &Row);
     if (Row.Words[4] != nullptr && RaidLibWordIs(RaidLibTrim(Row.Words[4]), u"KB")) {
-      RAID_LIB_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+      RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                    "[%a] Free Capacity in KB, so ignore it: %d\n",
                      static_cast<UINT32>(RaidLibReadDecimal(Row.Words[3])));
       continue;
@@ -131,7 +117,7 @@ EFI_STATUS ReadFreeSpaceRows(RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
 }
 
 // Brings each array's free capacity to MB, GB or TB.
-VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
+VOID NormaliseFreeCapacity(const CHAR8 *Caller, RAID_CONTROLLER *Controller) {
   for (RAID_ARRAY *Array :
        uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
     Array->FreeCapacityUnit = RAID_UNIT_MB;
@@ -143,7 +129,7 @@ VOID NormaliseFreeCapacity(RAID_CONTROLLER *Controller) {
         Array->FreeCapacityUnit = RAID_UNIT_TB;
       }
     }
-    RAID_LIB_TRACE_AS("ParseControllerShowFS", TARN_DEBUG_INFO,
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                  "[%a]Array Freecapacity : %d %S\n",
                    static_cast<UINT32>(Array->FreeCapacity),
                    kUnitText[Array->FreeCapacityUnit]);
@@ -189,7 +175,7 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
     if (FirstRow == nullptr || RaidLibStartsWith(FirstRow, u"----")) {
       continue;  // An empty table.
     }
-    EFI_STATUS RowStatus = ReadFreeSpaceRows(&Lines, FirstRow, Controller);
+    EFI_STATUS RowStatus = ReadFreeSpaceRows(__func__, &Lines, FirstRow, Controller);
     if (RowStatus == EFI_OUT_OF_RESOURCES) {
       *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     }
@@ -197,7 +183,7 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
       return RowStatus;
     }
   }
-  NormaliseFreeCapacity(Controller);
+  NormaliseFreeCapacity(__func__, Controller);
   return EFI_SUCCESS;
 }
 

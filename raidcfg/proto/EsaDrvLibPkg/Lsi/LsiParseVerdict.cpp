@@ -26,12 +26,12 @@ UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
 // After a "Failure" status: every following line must be an "ErrorCode"
 // line for the last number read to stand; the first other line makes the
 // verdict "failed without an error code".
-VOID JudgeFailure(RAID_LINE_CURSOR *Lines, UINT32 *ErrorCode) {
+VOID JudgeFailure(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines, UINT32 *ErrorCode) {
   for (CHAR16 *Line = RaidLibNextLine(Lines); Line != nullptr;
        Line = RaidLibNextLine(Lines)) {
     if (!RaidLibStartsWith(Line, u"ErrorCode")) {
       *ErrorCode = LSI_ERROR_ACTION_NO_CODE;
-      RAID_LIB_TRACE_AS("ParseErrCd", TARN_DEBUG_ERROR,
+      RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                    "[%a]Not with an Error Code!\n");
       return;
     }
@@ -65,7 +65,7 @@ EFI_STATUS ParseErrCd(CHAR16 *Output, UINT32 *ErrorCode) {
     if (RaidLibWordIs(Row.Words[2], u"Failure\r")) {
       RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a]State is Failure!\n");
       RaidLibTraceAllLines(__func__, Output, Lines.End);
-      JudgeFailure(&Lines, ErrorCode);
+      JudgeFailure(__func__, &Lines, ErrorCode);
       return EFI_SUCCESS;
     }
   }

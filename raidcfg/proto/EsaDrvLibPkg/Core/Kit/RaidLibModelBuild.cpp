@@ -52,7 +52,7 @@ RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
   }
   InitializeListHead(&Array->DriveList);
   InitializeListHead(&Array->SegmentList);
-  Array->Name = NewNumberedName(u"Array%d", Id);
+  Array->Name = NewNumberedName(u"Array%u", Id);
   Array->Extra = AllocateZeroPool(ExtraSize);
   if (Array->Name == nullptr || Array->Extra == nullptr) {
     FreePool(Array->Name);
@@ -92,7 +92,7 @@ RAID_VOLUME *RaidLibAddFreeSegment(RAID_ARRAY *Array, UINT32 Id,
   if (Segment == nullptr) {
     return nullptr;
   }
-  Segment->Name = NewNumberedName(u"FreeCapacity%d", Id);
+  Segment->Name = NewNumberedName(u"FreeCapacity%u", Id);
   Segment->Extra = AllocateZeroPool(ExtraSize);
   if (Segment->Name == nullptr || Segment->Extra == nullptr) {
     RaidLibFreeSegment(Segment);
