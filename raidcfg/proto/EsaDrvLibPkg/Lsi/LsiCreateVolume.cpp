@@ -75,8 +75,9 @@ bool BuildParameterWords(const CHAR8 *Caller,
   if (Whole == 0) {
     SetWord(Words->Size, u" ");  // The tool then takes all the space.
   } else {
-    UnicodeSPrint(Words->Size, sizeof(WORD_BUFFER), u"size=%d.%03d%S",
-                  static_cast<UINT32>(Whole),
+    // The whole part is printed at its full width: a figure cut to 32 bits
+    // would ask for another size.
+    UnicodeSPrint(Words->Size, sizeof(WORD_BUFFER), u"size=%lu.%03d%S", Whole,
                   static_cast<UINT32>(Parameter->Size % 1000),
                   UnitText(RAID_VOLUME_SIZE_UNIT));
   }
@@ -149,15 +150,17 @@ BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
 // Longest id block read without its own count (hot spares).
 constexpr UINTN kMaxListedDrives = 1024;
 
-// FALSE when an id of the block names more than one drive of List: the
-// drive list built from it would hold a drive not asked for. (An id naming
-// none adds nothing to the list; the tool judges the list without it.)
-bool NoIdNamesTwoDrives(const CHAR8 *Caller, LIST_ENTRY *List, const IdBlock &Block) {
+// FALSE when an id of the block does not name exactly one unconfigured
+// drive of List: a list built from it would hold a drive not asked for (an
+// id two drives carry) or lack one that was (an id that names a drive
+// elsewhere or none at all, such as a member of another array), and the
+// tool would build another array than the one the operator chose.
+bool EachIdNamesOneDrive(const CHAR8 *Caller, LIST_ENTRY *List, const IdBlock &Block) {
   for (UINTN Index = 0; Block.Ids != nullptr && Index < Block.Limit &&
                         Block.Ids[Index] != RAID_DRIVE_LIST_END;
        Index++) {
     UINT32 Found = RaidLibCountDrivesWithId(List, Block.Ids[Index]);
-    if (Found > 1) {
+    if (Found != 1) {
       RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                    "[%a]Drive id %u names %u drives; nothing is run\n",
                    Block.Ids[Index], Found);
@@ -255,8 +258,8 @@ bool CreateInNewArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
     return false;
   }
   IdBlock Spares = {Parameter->SpareList, kMaxListedDrives};
-  if (!NoIdNamesTwoDrives(Caller, &Controller->PhysicalDriveList, Members) ||
-      !NoIdNamesTwoDrives(Caller, &Controller->PhysicalDriveList, Spares)) {
+  if (!EachIdNamesOneDrive(Caller, &Controller->PhysicalDriveList, Members) ||
+      !EachIdNamesOneDrive(Caller, &Controller->PhysicalDriveList, Spares)) {
     *ErrorCode = RAID_ERROR_MISSING;
     return false;
   }
