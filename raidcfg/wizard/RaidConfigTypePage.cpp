@@ -369,15 +369,19 @@ RAID_CONTROL_CALLBACK(_RaidLevelSelNextButtonCallback) {
   if (gRecompute != 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Update volume parameters\n");
     RaidInstantiatePage(__func__, RAID_PAGE_SIMPLE_VERIFY);
-    // Nothing is planned: the operator is told and stays here, and the
-    // next Next plans again.
-    if (!UpdateSimpleConfigNewVolumeParameters()) {
-      ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
-      RaidShowPage(kLevelPage, RAID_NODE_NEXT);
-      return EFI_SUCCESS;
+    if (UpdateSimpleConfigNewVolumeParameters()) {
+      gRecompute = 0;
+      ShowTable5(RAID_PAGE_SIMPLE_VERIFY);
     }
-    gRecompute = 0;
-    ShowTable5(RAID_PAGE_SIMPLE_VERIFY);
+  }
+  // Nothing planned, or page 4 without the table that shows what would be
+  // created: the operator is told and stays here, and the next Next plans
+  // again.
+  if (gRecompute != 0 || !RaidVerifyTableBuilt(RAID_PAGE_SIMPLE_VERIFY)) {
+    gRecompute = 1;
+    ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+    RaidShowPage(kLevelPage, RAID_NODE_NEXT);
+    return EFI_SUCCESS;
   }
   InitRaidVerifySummaryPage();
   return EFI_SUCCESS;

@@ -94,8 +94,12 @@ UINT64 AllocatedCapacity();
 UINT32 RaidPlannedVolumeCount();
 // The whole GB page 8 may distribute for the advanced mode in force.
 UINT64 GetArrayMaxAvailableFreeCapacity();
-// Fills the verify table of Page (4 or 9) from the planned list.
+// Fills the verify table of Page (4 or 9) from the planned list; a table
+// that cannot be made whole is left empty.
 VOID ShowTable5(UINT32 Page);
+// Whether the verify table of Page shows every planned virtual disk (TRUE
+// when none is planned): only then may its Next create them.
+[[nodiscard]] BOOLEAN RaidVerifyTableBuilt(UINT32 Page);
 // The first "Volume%d" (from 1) that no virtual disk of the controller has,
 // written into Name of NameCharacters characters.
 VOID GetDefaultVolumeName(CHAR16 *Name, UINTN NameCharacters);

@@ -141,6 +141,14 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateEditVolNextCallback) {
     RaidInstantiatePage(__func__, RAID_PAGE_ADV_VERIFY);
     ShowTable5(RAID_PAGE_ADV_VERIFY);
   }
+  // Page 9 shows what would be created; without its table the operator is
+  // told here, and the next Next builds it again.
+  if (!RaidVerifyTableBuilt(RAID_PAGE_ADV_VERIFY)) {
+    gRaidVerifyTableRefresh = 1;
+    ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+    RaidShowPage(kPage, RAID_NODE_NEXT);
+    return EFI_SUCCESS;
+  }
   InitRaidAdvSummaryPage();
   return EFI_SUCCESS;
 }

@@ -28,40 +28,52 @@ constexpr const CHAR16 *kRowTitles[] = {
     u"Write Policy",      u"IO Policy", u"Disk Cache Policy"};
 constexpr UINT32 kRows = sizeof(kRowTitles) / sizeof(kRowTitles[0]);
 
-// The seven rows of one planned record in column Column.
-VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
-                      const RAID_VOLUME_PARAMETER *Record) {
-  RaidSetCellText(Table, 0, Column, AllocString(Record->Name));
-  RaidSetCellText(Table, 1, Column,
-                  RaidSizeText(Record->Size, RAID_VOLUME_SIZE_UNIT));
-  RaidSetCellText(Table, 2, Column,
-                  AllocString(RaidStripeSizeWord(Record->StripeSize)));
-  RaidSetCellText(Table, 3, Column,
-                  AllocString(RaidReadPolicyWord(Record->ReadPolicy)));
-  RaidSetCellText(Table, 4, Column,
-                  AllocString(RaidWritePolicyWord(Record->WritePolicy)));
-  RaidSetCellText(Table, 5, Column,
-                  AllocString(RaidIoPolicyWord(Record->IoPolicy)));
-  RaidSetCellText(
-      Table, 6, Column,
-      AllocString(RaidDiskCachePolicyWord(Record->DiskCachePolicy)));
+// The seven rows of one planned record in column Column; FALSE when a
+// text could not be allocated.
+[[nodiscard]] BOOLEAN FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
+                                       const RAID_VOLUME_PARAMETER *Record) {
+  return RaidSetCellText(Table, 0, Column, AllocString(Record->Name)) &&
+         RaidSetCellText(Table, 1, Column,
+                         RaidSizeText(Record->Size, RAID_VOLUME_SIZE_UNIT)) &&
+         RaidSetCellText(Table, 2, Column,
+                         AllocString(RaidStripeSizeWord(Record->StripeSize))) &&
+         RaidSetCellText(Table, 3, Column,
+                         AllocString(RaidReadPolicyWord(Record->ReadPolicy))) &&
+         RaidSetCellText(
+             Table, 4, Column,
+             AllocString(RaidWritePolicyWord(Record->WritePolicy))) &&
+         RaidSetCellText(Table, 5, Column,
+                         AllocString(RaidIoPolicyWord(Record->IoPolicy))) &&
+         RaidSetCellText(
+             Table, 6, Column,
+             AllocString(RaidDiskCachePolicyWord(Record->DiskCachePolicy)));
 }
 
-// The table: the row titles, then one column per planned record.
-BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
+// The table: the row titles, then one column per planned record. Whole or
+// none: FALSE, with nothing allocated, when any part of it could not be.
+[[nodiscard]] BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
   const UINT32 Records = RaidPlannedVolumeCount();
   if (Records == 0 || !RaidAllocTable(Table, kRows, Records + 1, 0)) {
     return FALSE;
   }
-  for (UINT32 Row = 0; Row < kRows; Row++) {
-    RaidSetCellText(Table, Row, 0, AllocString(kRowTitles[Row]));
+  BOOLEAN Whole = TRUE;
+  for (UINT32 Row = 0; Whole && Row < kRows; Row++) {
+    Whole = RaidSetCellText(Table, Row, 0, AllocString(kRowTitles[Row]));
   }
   UINT32 Column = 1;
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
-       Record != nullptr && Column <= Records; Record = Record->Next) {
-    FillRecordColumn(Table, Column++, Record);
+       Whole && Record != nullptr && Column <= Records; Record = Record->Next) {
+    Whole = FillRecordColumn(Table, Column++, Record);
   }
-  return TRUE;
+  if (!Whole) {
+    RaidFreeTable(Table);
+  }
+  return Whole;
+}
+
+HOST_PAGE_NODE *VerifyTableNode(UINT32 Page) {
+  return RaidFindNode(Page, RAID_NODE_VERIFY_TABLE +
+                                (Page == kAdvancedPage ? kOffset : 0));
 }
 
 UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
@@ -125,9 +137,23 @@ BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
                         STR_CONFIRM_CREATE, nullptr);
 }
 
+// A page whose table the operator could not be shown creates nothing: the
+// error box, and the page stays.
+[[nodiscard]] BOOLEAN RefuseUnverified(UINT32 Page) {
+  if (RaidVerifyTableBuilt(Page)) {
+    return FALSE;
+  }
+  ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
+  RaidShowPage(Page, 0);
+  return TRUE;
+}
+
 RAID_CONTROL_CALLBACK(_RaidVerifySummaryNextButtonCallback) {
   (void)Node;
   (void)Event;
+  if (RefuseUnverified(kSimplePage)) {
+    return EFI_SUCCESS;
+  }
   if (!ConfirmCreation(__func__)) {
     RaidShowPage(kSimplePage, 0);
     return EFI_SUCCESS;
@@ -145,6 +171,9 @@ RAID_CONTROL_CALLBACK(_RaidVerifySummaryNextButtonCallback) {
 RAID_CONTROL_CALLBACK(RaidAdvSummaryNextCallback) {
   (void)Node;
   (void)Event;
+  if (RefuseUnverified(kAdvancedPage)) {
+    return EFI_SUCCESS;
+  }
   if (!ConfirmCreation(__func__)) {
     RaidShowPage(kAdvancedPage, 0);
     return EFI_SUCCESS;
@@ -179,9 +208,7 @@ constexpr HOST_CONTROL_DESCRIPTOR kAdvancedCommon[] = {
 }  // namespace
 
 VOID ShowTable5(UINT32 Page) {
-  const UINT32 NodeId = RAID_NODE_VERIFY_TABLE +
-                        (Page == kAdvancedPage ? kOffset : 0);
-  HOST_PAGE_NODE *Node = RaidFindNode(Page, NodeId);
+  HOST_PAGE_NODE *Node = VerifyTableNode(Page);
   if (Node == nullptr) {
     return;
   }
@@ -190,6 +217,16 @@ VOID ShowTable5(UINT32 Page) {
   if (GetRaidSummaryPageTableData(&Table)) {
     RaidSetControlTable(Node, &Table);
   }
+}
+
+BOOLEAN RaidVerifyTableBuilt(UINT32 Page) {
+  const UINT32 Planned = RaidPlannedVolumeCount();
+  if (Planned == 0) {
+    return TRUE;  // nothing to show, and nothing to create
+  }
+  const RAID_TABLE_DATA *Table = RaidControlTable(VerifyTableNode(Page));
+  return Table != nullptr && Table->Cells != nullptr &&
+         Table->ColumnCount == Planned + 1;
 }
 
 VOID InitRaidVerifySummaryPage() {

@@ -120,6 +120,40 @@ TEST_F(StartupTest, ParserThatCannotBeCreatedIsNotFound) {
   Finalize();
 }
 
+// A file the parser could not be given whole, at whichever chunk of
+// whichever file its buffer failed, fails the start-up for memory: a
+// profile read short would offer other levels and policies than the
+// file's, a database read short would miss adapters.
+TEST_F(StartupTest, FileReadShortForMemoryFailsTheStartUp) {
+  BuildMixedServer();
+  // A profile of two chunks: the Microchip block in the first, the rest in
+  // the second.
+  WriteFile("raid.xml",
+            RaidXml({ControllerBlock("MCHP", "arcconf.efi"),
+                     "<!--" + std::string(9000, '-') + "-->\n",
+                     ControllerBlock("M.2", "mvsetup.efi"),
+                     ControllerBlock("RSTe", "RCfgSata.efi")}));
+  UINT32 ErrorCode = 0;
+  const UINTN Before = Xml_->BufferCalls();
+  ASSERT_EQ(Initialize(&ErrorCode), EFI_SUCCESS);
+  const UINTN Calls = Xml_->BufferCalls() - Before;
+  FinalizeRaid(&ErrorCode);
+  ASSERT_EQ(Calls, 5u);  // pcidb.xml: data, end; raid.xml: two chunks, end
+
+  for (UINTN Nth = 1; Nth <= Calls; Nth++) {
+    SCOPED_TRACE("buffer " + std::to_string(Nth));
+    Xml_->FailNthGetBuffer(Nth);
+    ErrorCode = 0;
+    EXPECT_EQ(Initialize(&ErrorCode), EFI_OUT_OF_RESOURCES);
+    EXPECT_EQ(ErrorCode, 0x00200009u);
+    Xml_->FailNthGetBuffer(0);
+    FinalizeRaid(&ErrorCode);
+    EXPECT_EQ(Xml_->LiveParsers(), 0u);
+    EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
+  }
+  Finalized_ = true;
+}
+
 TEST_F(StartupTest, WithoutSetupProtocolNothingIsTracedAndStartupWorks) {
   BuildMixedServer();
   Setup_.reset();

@@ -218,6 +218,43 @@ INSTANTIATE_TEST_SUITE_P(
                       AnswerCase{{}, TRUE, 3, false},
                       AnswerCase{{}, FALSE, 4, false}));
 
+// A question is asked whole or not at all: one whose title or text cannot
+// be copied, or that has no text, is answered No, and the operator is told
+// instead in a box that needs no memory.
+TEST_F(FrameworkTest, QuestionsThatCannotBeShownAreAnsweredNo) {
+  Driver.SetDefaultAnswer(TRUE);
+  const struct {
+    const char *Why;
+    UINT64 Failing;  // the allocation that fails, 0 none
+    EFI_STRING_ID TextId;
+  } kCases[] = {
+      {"title not copied", 1, demo::kStrDeleteQuestion},
+      {"text not copied", 2, demo::kStrDeleteQuestion},
+      {"no text", 0, 0},
+  };
+  const std::u16string Notice =
+      u"A question could not be shown (out of memory) and was answered No.";
+  for (const auto &Case : kCases) {
+    SCOPED_TRACE(Case.Why);
+    const size_t Seen = Driver.MessageBoxes().size();
+    Firmware.Memory().FailNthAllocation(Case.Failing);
+    EXPECT_FALSE(Setup.Interface().MessageBox(
+        HOST_MSGBOX_YES_NO, demo::kStrWarning, Case.TextId, nullptr));
+    Firmware.Memory().ClearFaults();
+    ASSERT_EQ(Driver.MessageBoxes().size(), Seen + 1);
+    const framework::MessageBoxRecord &Told = Driver.MessageBoxes().back();
+    EXPECT_EQ(Told.Style, HOST_MSGBOX_PLAIN);
+    EXPECT_EQ(Told.Title, u"Error");
+    EXPECT_EQ(Told.Text, Notice);
+    EXPECT_FALSE(framework::MessageBox().Open);
+  }
+  // The module takes it as No: the drive stays.
+  Setup.SetString(demo::kStrDeleteQuestion, u"");
+  EXPECT_EQ(Driver.Press(On(demo::kDeleteButton)), EFI_SUCCESS);
+  EXPECT_EQ(Current().Drives.size(), 4u);
+  EXPECT_EQ(Driver.MessageBoxes().back().Text, Notice);
+}
+
 TEST_F(FrameworkTest, PlainBoxesAreAcknowledgedWithoutUsingAnswers) {
   Driver.Press(On(demo::kNextButton));
   Driver.Type(On(demo::kNameEdit), u"Volume0");

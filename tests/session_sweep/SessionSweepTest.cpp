@@ -1,9 +1,10 @@
 // The demo's scripted sessions on the demo server, run once cleanly and
 // then once for every pool allocation from module load to unload, that
 // allocation made to fail. Whatever fails, the session must not crash,
-// must give every byte back and free nothing twice or foreign, and may only
-// send changes the clean session sent: a shortage of memory can stop a
-// change, never turn it into another one.
+// must give every byte back and free nothing twice or foreign, may only
+// send changes the clean session sent (a shortage of memory can stop a
+// change, never turn it into another one), and never asks the operator a
+// question without its text.
 #include <gtest/gtest.h>
 
 #include <Library/UefiBootServicesTableLib.h>
@@ -30,6 +31,7 @@ struct SessionOutcome {
   std::vector<std::string> Changes;  // tool commands that change an adapter
   bool ScriptPassed = false;
   bool FailureShown = false;  // an error box, or a failure event sent
+  int UnreadQuestions = 0;    // Yes/No boxes asked without title or text
   std::string PoolProblems;   // leaks and invalid frees
 };
 
@@ -88,6 +90,10 @@ SessionOutcome RunSession(const host::Scenario &Server, const std::string &Scrip
     Outcome.Requests = Pool.Counters().Requests - Before;
     for (const framework::MessageBoxRecord &Box : Driver.MessageBoxes()) {
       Outcome.FailureShown |= Box.Title == u"Error";
+      if (Box.Style == HOST_MSGBOX_YES_NO &&
+          (Box.Title.empty() || Box.Text.empty())) {
+        Outcome.UnreadQuestions++;
+      }
     }
   }
   for (const emu::SentEvent &Event : Machine.Qol()->Events()) {
@@ -128,6 +134,7 @@ TEST_P(SessionSweepTest, NoAllocationFailureChangesWhatIsSent) {
   ASSERT_FALSE(Clean.Changes.empty());
   ASSERT_EQ(Clean.PoolProblems, "");
   ASSERT_FALSE(Clean.FailureShown);
+  ASSERT_EQ(Clean.UnreadQuestions, 0);
 
   for (UINT64 Failing = 1; Failing <= Clean.Requests; Failing++) {
     SCOPED_TRACE("allocation " + std::to_string(Failing) + " of " +
@@ -135,6 +142,8 @@ TEST_P(SessionSweepTest, NoAllocationFailureChangesWhatIsSent) {
     const SessionOutcome Run = RunSession(Demo, Script, Failing);
     EXPECT_EQ(Run.PoolProblems, "");
     EXPECT_EQ(ForeignChanges(Clean, Run), std::vector<std::string>{});
+    // A Yes to a question the operator could not read is no consent.
+    EXPECT_EQ(Run.UnreadQuestions, 0);
     // A change left out is never left out silently.
     if (Run.Changes.size() < Clean.Changes.size()) {
       EXPECT_TRUE(!Run.ScriptPassed || Run.FailureShown);

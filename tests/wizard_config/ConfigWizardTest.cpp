@@ -11,6 +11,7 @@
 #include "setup/RaidServiceLayer.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
+#include "wizard/RaidWizardControls.h"
 
 namespace wizard_test {
 namespace {
@@ -96,6 +97,25 @@ class ConfigWizardTest : public WizardWorld {
     }
     ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
     ASSERT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_EDIT_VOLUME));
+  }
+  // The creations sent to the adapters so far.
+  std::vector<std::string> CreatesSent() {
+    std::vector<std::string> Sent;
+    for (const std::string &Line : Server_->Shell()->CommandLines()) {
+      if (Line.find(" add vd ") != std::string::npos) {
+        Sent.push_back(Line);
+      }
+    }
+    return Sent;
+  }
+  // Whether an error box was shown since the first Boxes boxes.
+  bool ErrorShownAfter(size_t Boxes) {
+    for (size_t Box = Boxes; Box < Driver_.MessageBoxes().size(); Box++) {
+      if (Driver_.MessageBoxes()[Box].Title == u"Error") {
+        return true;
+      }
+    }
+    return false;
   }
   // Verify, confirm, create and go back to page 1.
   void CreateFrom(UINT32 VerifyPage) {
@@ -464,19 +484,135 @@ TEST_F(ConfigWizardTest, ShortMemoryPlansTheSameVirtualDiskOrNone) {
         EXPECT_EQ(PlanText(Planned), Clean);
       } else {
         SawNone = true;
-        bool Told = false;
-        for (size_t Box = Boxes; Box < Driver_.MessageBoxes().size(); Box++) {
-          Told |= Driver_.MessageBoxes()[Box].Title == u"Error";
-        }
         // Nothing planned and nothing said: only when a step's button
         // never came up.
-        EXPECT_TRUE(Told || !Pressed);
+        EXPECT_TRUE(ErrorShownAfter(Boxes) || !Pressed);
       }
       Stop();
     }
     EXPECT_TRUE(SawNone && SawWhole) << Path.Path << " " << Requests;
   }
 }
+
+// The verify table as the module hands it to the framework, cell by cell.
+std::string VerifyTableText(HOST_PAGE_NODE *Node) {
+  HOST_TABLE Table = {};
+  if (Node == nullptr || RaidDataSourceGetTable(Node, &Table) != EFI_SUCCESS ||
+      Table.Cells == nullptr) {
+    return "";
+  }
+  std::string Text;
+  for (UINT32 Index = 0; Index < Table.RowCount * Table.ColumnCount; Index++) {
+    const CHAR16 *Cell = Table.Cells[Index].Text;
+    Text += framework::ToUtf8(Cell != nullptr ? Cell : u"") + "|";
+  }
+  return Text;
+}
+
+struct VerifyPath {
+  const char *Name;
+  UINT32 Page;
+  UINT32 TableNode;
+};
+
+void PrintTo(const VerifyPath &Path, std::ostream *Out) { *Out << Path.Name; }
+
+constexpr VerifyPath kVerifyPaths[] = {
+    {"simple", RAID_PAGE_SIMPLE_VERIFY, RAID_NODE_VERIFY_TABLE},
+    {"advanced", RAID_PAGE_ADV_VERIFY,
+     RAID_NODE_VERIFY_TABLE + RAID_NODE_ADV_VERIFY_OFFSET},
+};
+
+class VerifyTableTest : public ConfigWizardTest,
+                        public ::testing::WithParamInterface<VerifyPath> {
+ protected:
+  // The page before the verify page, with a RAID 5 planned (and, on the
+  // advanced path, two virtual disks).
+  void Prepare() {
+    StartOn(SixSasServer());
+    if (GetParam().Page == RAID_PAGE_SIMPLE_VERIFY) {
+      NextTo(RAID_PAGE_CONFIG_TYPE);
+      NextTo(RAID_PAGE_SIMPLE_LEVEL);
+      ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO),
+                               u"RAID Level 5"),
+                EFI_SUCCESS);
+    } else {
+      NewArrayEditor(u"RAID 5", {1, 2, 3});
+      PlanVolume(u"100");
+      PlanVolume(u"");
+    }
+  }
+};
+
+// Whichever allocation fails while the verify page is made (the plan, the
+// page, its table), the disks are created only from a page that showed
+// the table a run without faults shows; else nothing is created and the
+// operator is told.
+TEST_P(VerifyTableTest, ShortMemoryCreatesOnlyWhatTheTableShowed) {
+  const VerifyPath Path = GetParam();
+  Prepare();
+  emu::Pool &CleanPool = emu::Firmware::Current().Memory();
+  const UINT64 Before = CleanPool.Counters().Requests;
+  NextTo(Path.Page);
+  const UINT64 Requests = CleanPool.Counters().Requests - Before;
+  const std::string CleanTable = VerifyTableText(Node(Path.TableNode));
+  ASSERT_NE(CleanTable.find("Volume1|"), std::string::npos) << CleanTable;
+  CreateFrom(Path.Page);
+  const std::vector<std::string> CleanCreates = CreatesSent();
+  Stop();
+  bool SawCreated = false;
+  bool SawRefused = false;
+  for (UINT64 Failing = 1; Failing <= Requests; Failing++) {
+    SCOPED_TRACE(std::string(Path.Name) + " path, allocation " +
+                 std::to_string(Failing));
+    Prepare();
+    const size_t Boxes = Driver_.MessageBoxes().size();
+    emu::Firmware::Current().Memory().FailNthAllocation(Failing);
+    Press(RAID_NODE_NEXT);
+    emu::Firmware::Current().Memory().ClearFaults();
+    std::string Shown;
+    if (gRaidCurrentPage == Path.Page) {
+      Shown = VerifyTableText(Node(Path.TableNode));
+      Driver_.QueueAnswer(TRUE);
+      Press(RAID_NODE_NEXT);
+    }
+    const std::vector<std::string> Sent = CreatesSent();
+    if (Sent.empty()) {
+      SawRefused = true;
+      EXPECT_TRUE(ErrorShownAfter(Boxes));
+    } else {
+      SawCreated = true;
+      EXPECT_EQ(Shown, CleanTable);
+      EXPECT_EQ(Sent, CleanCreates);
+    }
+    Stop();
+  }
+  EXPECT_TRUE(SawCreated && SawRefused) << Requests;
+}
+
+// A verify page that has lost its table refuses Next with the error box
+// before asking, and stays.
+TEST_P(VerifyTableTest, NextWithoutTheTableCreatesNothing) {
+  const VerifyPath Path = GetParam();
+  Prepare();
+  NextTo(Path.Page);
+  RaidClearControlTable(Node(Path.TableNode));
+  const size_t Boxes = Driver_.MessageBoxes().size();
+  Driver_.QueueAnswer(TRUE);
+  ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
+  EXPECT_EQ(gRaidCurrentPage, Path.Page);
+  EXPECT_EQ(Driver_.PendingAnswers(), 1u) << "nothing was asked";
+  ASSERT_EQ(Driver_.MessageBoxes().size(), Boxes + 1);
+  EXPECT_NE(Driver_.MessageBoxes().back().Text.find(u"00200009"),
+            std::u16string::npos);
+  EXPECT_EQ(CreatesSent(), std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, VerifyTableTest,
+                         ::testing::ValuesIn(kVerifyPaths),
+                         [](const ::testing::TestParamInfo<VerifyPath> &Info) {
+                           return std::string(Info.param.Name);
+                         });
 
 // Two virtual disks on a new array, whichever allocation fails while they
 // are created: nothing is created that a run without faults would not
@@ -493,21 +629,12 @@ TEST_F(ConfigWizardTest, ShortMemoryDuringTheCreationsCreatesNothingElse) {
     NextTo(RAID_PAGE_ADV_VERIFY);
     Driver_.QueueAnswer(TRUE);
   };
-  const auto Creates = [&] {
-    std::vector<std::string> Sent;
-    for (const std::string &Line : Server_->Shell()->CommandLines()) {
-      if (Line.find(" add vd ") != std::string::npos) {
-        Sent.push_back(Line);
-      }
-    }
-    return Sent;
-  };
   Prepare();
   emu::Pool &Pool = emu::Firmware::Current().Memory();
   const UINT64 Before = Pool.Counters().Requests;
   NextTo(RAID_PAGE_CREATION_RUNNING);
   const UINT64 Requests = Pool.Counters().Requests - Before;
-  const std::vector<std::string> Clean = Creates();
+  const std::vector<std::string> Clean = CreatesSent();
   ASSERT_EQ(Clean.size(), 2u);
   ASSERT_NE(Clean[1].find("AfterVd=0"), std::string::npos);
   Stop();
@@ -518,7 +645,7 @@ TEST_F(ConfigWizardTest, ShortMemoryDuringTheCreationsCreatesNothingElse) {
     emu::Firmware::Current().Memory().FailNthAllocation(Failing);
     Press(RAID_NODE_NEXT);
     emu::Firmware::Current().Memory().ClearFaults();
-    const std::vector<std::string> Sent = Creates();
+    const std::vector<std::string> Sent = CreatesSent();
     ASSERT_LE(Sent.size(), Clean.size());
     for (size_t Index = 0; Index < Sent.size(); Index++) {
       EXPECT_EQ(Sent[Index], Clean[Index]);

@@ -127,6 +127,10 @@ VOID EFIAPI XmlParser::SetElementHandler(TARNXML_PARSER *Parser,
 }
 
 VOID *EFIAPI XmlParser::GetBuffer(TARNXML_PARSER *Parser, UINTN Size) {
+  XmlParser &Self = Active();
+  if (++Self.BufferCalls_ == Self.FailBufferAt_) {
+    return nullptr;
+  }
   if (!Known(Parser) || Size == 0 || Size > (UINTN{1} << 30)) {
     return nullptr;
   }

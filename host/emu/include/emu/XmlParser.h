@@ -23,6 +23,14 @@ class XmlParser {
   EFI_TARNXML_PROTOCOL *Interface() { return &Protocol_; }
   // Makes ParserCreate return NULL while set.
   VOID SetFailParserCreate(bool Fail) { FailCreate_ = Fail; }
+  // Makes the Nth GetBuffer call from now return NULL, as a parser short
+  // of memory does (expat's buffers come from the C heap, out of reach of
+  // the pool's faults); 0 clears it.
+  VOID FailNthGetBuffer(UINTN N) {
+    FailBufferAt_ = N == 0 ? 0 : BufferCalls_ + N;
+  }
+  // GetBuffer calls so far.
+  UINTN BufferCalls() const { return BufferCalls_; }
   // Parsers created and not yet freed.
   UINTN LiveParsers() const { return Parsers_.size(); }
   UINTN ParsersCreated() const { return Created_; }
@@ -46,6 +54,8 @@ class XmlParser {
   EFI_TARNXML_PROTOCOL Protocol_;
   EFI_HANDLE Handle_ = nullptr;
   bool FailCreate_ = false;
+  UINTN BufferCalls_ = 0;
+  UINTN FailBufferAt_ = 0;  // the GetBuffer call that fails, 0 none
   std::set<TARNXML_PARSER *> Parsers_;
   UINTN Created_ = 0;
   std::string LastError_;

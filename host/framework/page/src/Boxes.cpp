@@ -11,11 +11,29 @@ namespace {
 // Most entries one help panel shows.
 constexpr UINTN kMaxHelpEntries = 64;
 
+// TRUE when the box has its title and a text to show.
+BOOLEAN IsReadable(const MessageBoxState &Box) {
+  return Box.Title != nullptr && Box.Text != nullptr && Box.Text[0] != 0;
+}
+
+// Opens the box filled in, waits for the operator's answer and closes it.
+BOOLEAN AskOpenBox() {
+  gState.Box.Open = TRUE;
+  BOOLEAN Answer = TRUE;
+  if (gState.Services.Ask != nullptr) {
+    Answer = gState.Services.Ask(gState.Services.Context);
+  }
+  CloseMessageBox();
+  return Answer;
+}
+
 }  // namespace
 
 VOID CloseMessageBox() {
-  FreePool(gState.Box.Title);
-  FreePool(gState.Box.Text);
+  if (!gState.Box.OwnTexts) {
+    FreePool(const_cast<CHAR16 *>(gState.Box.Title));
+    FreePool(const_cast<CHAR16 *>(gState.Box.Text));
+  }
   gState.Box = {};
 }
 
@@ -44,16 +62,22 @@ BOOLEAN EFIAPI ShowMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
   gState.Box.Style = Style;
   gState.Box.Title = CopyText(HostString(TitleId));
   gState.Box.Text = CopyText(Text != nullptr ? Text : HostString(TextId));
-  gState.Box.Open = TRUE;
+  // A Yes to a question nobody could read may start a create or a delete:
+  // a question without its title or text is not asked and counts as No,
+  // and the operator learns why nothing happened.
+  if (Style == HOST_MSGBOX_YES_NO && !IsReadable(gState.Box)) {
+    CloseMessageBox();
+    const NoticeTexts Notice = UnshownQuestionNotice();
+    gState.Box = {FALSE, HOST_MSGBOX_PLAIN, Notice.Title, Notice.Text, 0, TRUE};
+    AskOpenBox();
+    return FALSE;
+  }
   if (Style == HOST_MSGBOX_PROGRESS) {
+    gState.Box.Open = TRUE;
     RequestRefresh();
     return TRUE;
   }
-  BOOLEAN Answer = TRUE;
-  if (gState.Services.Ask != nullptr) {
-    Answer = gState.Services.Ask(gState.Services.Context);
-  }
-  CloseMessageBox();
+  const BOOLEAN Answer = AskOpenBox();
   // A plain box only informs: closing it is always an acknowledgement.
   return Style == HOST_MSGBOX_YES_NO ? Answer : TRUE;
 }

@@ -109,6 +109,13 @@ const CHAR16 *HostString(EFI_STRING_ID Id);
 // The framework's own text of Id (HOST_STRING_*) in the current language;
 // NULL for an id of the module's package list.
 const CHAR16 *FrameworkText(EFI_STRING_ID Id);
+// The plain box shown in place of a question that could not be shown, in
+// the current language.
+struct NoticeTexts {
+  const CHAR16 *Title;
+  const CHAR16 *Text;
+};
+NoticeTexts UnshownQuestionNotice();
 // Focus repair after states changed: the focus leaves a control that can no
 // longer take it.
 VOID RepairFocus();

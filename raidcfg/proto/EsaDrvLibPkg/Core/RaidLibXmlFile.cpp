@@ -67,16 +67,20 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
 }
 
 // Feeds the file to the parser in chunks; the call after the last byte is
-// the final one. A failed read ends the document where it stands.
-VOID FeedFile(TARNXML_PARSER *Parser, EFI_FILE_PROTOCOL *File) {
+// the final one. A failed read ends the document where it stands. A buffer
+// the parser cannot give is EFI_OUT_OF_RESOURCES: the rest of the file
+// would be lost without a word, and a profile read short offers and
+// creates with other levels and policies than the file's.
+[[nodiscard]] EFI_STATUS FeedFile(TARNXML_PARSER *Parser,
+                                  EFI_FILE_PROTOCOL *File) {
   for (;;) {
     VOID *Buffer = gTarnXml->GetBuffer(Parser, kXmlChunkSize);
     if (Buffer == nullptr) {
-      return;
+      return EFI_OUT_OF_RESOURCES;
     }
     UINTN Size = kXmlChunkSize;
     if (EFI_ERROR(File->Read(File, &Size, Buffer))) {
-      return;
+      return EFI_SUCCESS;
     }
     if (Size > kXmlChunkSize) {
       Size = kXmlChunkSize;
@@ -85,7 +89,7 @@ VOID FeedFile(TARNXML_PARSER *Parser, EFI_FILE_PROTOCOL *File) {
     // from a damaged file stays.
     gTarnXml->ParseBuffer(Parser, Size, Size == 0 ? TRUE : FALSE);
     if (Size == 0) {
-      return;
+      return EFI_SUCCESS;
     }
   }
 }
@@ -94,7 +98,8 @@ VOID FeedFile(TARNXML_PARSER *Parser, EFI_FILE_PROTOCOL *File) {
 
 // Parses FileName from the root of the module's volume with the given
 // element callbacks. A file that cannot be opened leaves the callbacks
-// uncalled and is not a failure.
+// uncalled and is not a failure; one that could not be read whole for
+// memory is EFI_OUT_OF_RESOURCES.
 EFI_STATUS RaidLibParseXml(const CHAR16 *FileName, TARNXML_START_ELEMENT Start,
                            TARNXML_END_ELEMENT End, UINT32 *ErrorCode) {
   EFI_STATUS Status = LocateXmlParser(ErrorCode);
@@ -126,11 +131,14 @@ EFI_STATUS RaidLibParseXml(const CHAR16 *FileName, TARNXML_START_ELEMENT Start,
     gTarnXml->ParserFree(Parser);
     return EFI_SUCCESS;
   }
-  FeedFile(Parser, File);
+  Status = FeedFile(Parser, File);
   File->Close(File);
   Root->Close(Root);
   gTarnXml->ParserFree(Parser);
-  return EFI_SUCCESS;
+  if (EFI_ERROR(Status)) {
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+  }
+  return Status;
 }
 
 // Forgets the located parser protocol (the module is being unloaded).

@@ -31,10 +31,13 @@ struct HostServices {
 // The message box shown now, if any.
 struct MessageBoxState {
   BOOLEAN Open;
-  UINT8 Style;     // HOST_MSGBOX_*
-  CHAR16 *Title;   // framework-owned copies
-  CHAR16 *Text;
-  UINT8 Percent;   // progress box
+  UINT8 Style;          // HOST_MSGBOX_*
+  const CHAR16 *Title;  // framework-owned copies, unless OwnTexts
+  const CHAR16 *Text;
+  UINT8 Percent;        // progress box
+  // Title and Text are the framework's constant texts (the notice shown
+  // for a question that could not be shown), not pool copies.
+  BOOLEAN OwnTexts;
 };
 
 struct HelpLine {
