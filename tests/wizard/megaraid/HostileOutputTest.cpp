@@ -14,8 +14,8 @@
 namespace wizard_test {
 namespace {
 
-using megaraid_test::EditRows;
-using megaraid_test::RowEdit;
+using tool_output::EditRows;
+using tool_output::RowEdit;
 
 constexpr UINT32 kFailed = 0xFE21;
 
