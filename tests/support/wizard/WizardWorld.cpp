@@ -2,10 +2,6 @@
 // its setup protocol, the module loaded and a headless operator.
 #include "WizardWorld.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 #include <Library/UefiBootServicesTableLib.h>
 
 #include "native/EmbeddedFiles.h"
@@ -83,29 +79,6 @@ nlohmann::json DemoScenarioJson() {
 
 host::Scenario ScenarioFrom(const nlohmann::json &Json) {
   return host::ParseScenario(Json, "test");
-}
-
-std::string ReadGolden(const std::string &Name) {
-  std::ifstream File(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
-                     std::ios::binary);
-  std::ostringstream Text;
-  Text << File.rdbuf();
-  return Text.str();
-}
-
-void WriteGolden(const std::string &Name, const std::string &Text) {
-  std::ofstream(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
-                std::ios::binary | std::ios::trunc)
-      << Text;
-}
-
-void ExpectGoldenScreen(const std::string &Name, const std::string &Screen) {
-  const char *Update = std::getenv("WIZARD_UPDATE_GOLDEN");
-  if (Update != nullptr && std::string(Update) == "1") {
-    WriteGolden(Name, Screen);
-    return;
-  }
-  EXPECT_EQ(Screen, ReadGolden(Name)) << "golden screen " << Name;
 }
 
 }  // namespace wizard_test

@@ -68,11 +68,5 @@ class WizardWorld : public ::testing::Test {
 nlohmann::json DemoScenarioJson();
 // A scenario from JSON.
 host::Scenario ScenarioFrom(const nlohmann::json &Json);
-// The text of a golden file, or "" when it does not exist.
-std::string ReadGolden(const std::string &Name);
-// Writes a golden file (WIZARD_UPDATE_GOLDEN=1).
-void WriteGolden(const std::string &Name, const std::string &Text);
-// Compares a screen with a golden file, or writes it when asked to.
-void ExpectGoldenScreen(const std::string &Name, const std::string &Screen);
 
 }  // namespace wizard_test

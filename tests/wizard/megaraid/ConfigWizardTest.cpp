@@ -5,6 +5,7 @@
 #include <functional>
 #include <sstream>
 
+#include "Golden.h"
 #include "WizardWorld.h"
 #include "emu/Firmware.h"
 #include "native/HostRun.h"
@@ -674,13 +675,13 @@ TEST_F(ConfigWizardTest, LanguageChangesOnEveryPageOfTheFlow) {
 TEST_F(ConfigWizardTest, GoldenScreens) {
   StartOn(SixSasServer());
   NextTo(RAID_PAGE_CONFIG_TYPE);
-  ExpectGoldenScreen("page2.txt", Driver_.Dump());
+  ExpectGolden("page2.txt", Driver_.Dump());
   NextTo(RAID_PAGE_SIMPLE_LEVEL);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO), u"RAID Level 5"),
             EFI_SUCCESS);
-  ExpectGoldenScreen("page3.txt", Driver_.Dump());
+  ExpectGolden("page3.txt", Driver_.Dump());
   NextTo(RAID_PAGE_SIMPLE_VERIFY);
-  ExpectGoldenScreen("page4.txt", Driver_.Dump());
+  ExpectGolden("page4.txt", Driver_.Dump());
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1), EFI_SUCCESS);
@@ -688,26 +689,26 @@ TEST_F(ConfigWizardTest, GoldenScreens) {
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), u"RAID 0"),
             EFI_SUCCESS);
   TickDrives({1, 2});
-  ExpectGoldenScreen("page7.txt", Driver_.Dump());
+  ExpectGolden("page7.txt", Driver_.Dump());
   NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
   ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
-  ExpectGoldenScreen("page8-popup.txt", Driver_.Dump());
+  ExpectGolden("page8-popup.txt", Driver_.Dump());
   ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), u"500"),
             EFI_SUCCESS);
   ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
-  ExpectGoldenScreen("page8.txt", Driver_.Dump());
+  ExpectGolden("page8.txt", Driver_.Dump());
   NextTo(RAID_PAGE_ADV_VERIFY);
-  ExpectGoldenScreen("page9.txt", Driver_.Dump());
+  ExpectGolden("page9.txt", Driver_.Dump());
   Driver_.QueueAnswer(TRUE);
   NextTo(RAID_PAGE_CREATION_RUNNING);
-  ExpectGoldenScreen("page10.txt", Driver_.Dump());
+  ExpectGolden("page10.txt", Driver_.Dump());
   NextTo(RAID_PAGE_CONTROLLER_SELECTION);
   NextTo(RAID_PAGE_CONFIG_TYPE);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1), EFI_SUCCESS);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_ADVANCED_MODE_COMBO), 1),
             EFI_SUCCESS);
   NextTo(RAID_PAGE_ADV_SELECT_ARRAY);
-  ExpectGoldenScreen("page6.txt", Driver_.Dump());
+  ExpectGolden("page6.txt", Driver_.Dump());
 }
 
 // ---- Scripts -----------------------------------------------------------------------------------
