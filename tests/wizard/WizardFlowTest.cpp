@@ -3,6 +3,7 @@
 // and scripts.
 #include <sstream>
 
+#include "DemoServer.h"
 #include "Golden.h"
 #include "WizardWorld.h"
 #include "emu/TextConversion.h"

@@ -4,6 +4,10 @@
 
 #include <Library/UefiBootServicesTableLib.h>
 
+#include <filesystem>
+#include <fstream>
+
+#include "AdapterStates.h"
 #include "native/EmbeddedFiles.h"
 #include "wizard/RaidPageNodes.h"
 
@@ -35,6 +39,16 @@ void WizardWorld::Start(const host::Scenario &Scenario) {
   });
   Module_ = std::make_unique<host::ModuleSession>(*Server_);
   ASSERT_EQ(Module_->Load(), EFI_SUCCESS);
+  Started_ = AdapterStates();
+}
+
+void WizardWorld::Start(const nlohmann::json &Scenario) {
+  Start(ScenarioFrom(Scenario));
+}
+
+void WizardWorld::StartScenario(const std::string &Name) {
+  Start(host::LoadScenarioFile(std::filesystem::path(RAIDCFG_SCENARIO_DIR) /
+                               Name));
 }
 
 void WizardWorld::Stop() {
@@ -56,6 +70,13 @@ EFI_STATUS WizardWorld::ChooseAdapter(UINTN Index) {
   return Driver_.Choose(Node(RAID_NODE_ADAPTER_RADIO), Index);
 }
 
+nlohmann::json WizardWorld::ExpectChangedOnly(
+    const std::vector<std::string> &Changeable) const {
+  nlohmann::json Now = AdapterStates();
+  ExpectSameBut(Started_, Now, Changeable);
+  return Now;
+}
+
 std::vector<UINT32> WizardWorld::Events() const {
   std::vector<UINT32> Codes;
   for (const emu::SentEvent &Event : Server_->Qol()->Events()) {
@@ -75,6 +96,11 @@ bool WizardWorld::TraceHas(const std::string &Text) const {
 
 nlohmann::json DemoScenarioJson() {
   return nlohmann::json::parse(*host::FindEmbeddedFile("demo.json"));
+}
+
+nlohmann::json ScenarioJson(const std::string &Name) {
+  std::ifstream File(std::filesystem::path(RAIDCFG_SCENARIO_DIR) / Name);
+  return nlohmann::json::parse(File);
 }
 
 host::Scenario ScenarioFrom(const nlohmann::json &Json) {

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "Golden.h"
-#include "WizardWorld.h"
+#include "MegaRaidWizard.h"
 #include "emu/Firmware.h"
 #include "native/HostRun.h"
 #include "setup/RaidServiceLayer.h"
@@ -19,95 +19,19 @@ namespace {
 constexpr UINT32 kFailed = 0xFE21;
 constexpr UINT32 kCreated = 0xFE22;
 
-nlohmann::json SixSasServer() {
-  std::ifstream File(std::string(RAIDCFG_SOURCE_DIR) +
-                     "/scenarios/megaraid-six-sas.json");
-  return nlohmann::json::parse(File);
-}
-
-// The adapter without what a creation may change: its drive groups and
-// its drives' states.
-nlohmann::json Unchangeable(nlohmann::json Adapter) {
-  Adapter.erase("driveGroups");
-  for (auto &Drive : Adapter["drives"]) {
-    Drive.erase("state");
-  }
-  return Adapter;
-}
-
-class ConfigWizardTest : public WizardWorld {
+class ConfigWizardTest : public MegaRaidWizardWorld {
  protected:
   void StartOn(const nlohmann::json &Server) {
     Start(ScenarioFrom(Server));
     Before_ = MegaRaidState();
   }
-  // Adapter Index's drive groups now; the other adapters unchanged.
+  // Adapter Index's drive groups now; nothing else changed but its
+  // drives' states.
   nlohmann::json Groups(size_t Index) {
-    const nlohmann::json After = MegaRaidState();
-    EXPECT_EQ(After.size(), Before_.size());
-    for (size_t Other = 0; Other < After.size(); Other++) {
-      if (Other != Index) {
-        EXPECT_EQ(After[Other], Before_[Other]);
-      }
-    }
-    EXPECT_EQ(Unchangeable(After[Index]), Unchangeable(Before_[Index]));
-    return After[Index]["driveGroups"];
-  }
-  void NextTo(UINT32 Page) {
-    ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
-    ASSERT_EQ(gRaidCurrentPage, Page);
-  }
-  void Advanced(UINTN Mode) {
-    NextTo(RAID_PAGE_CONFIG_TYPE);
-    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_CONFIG_TYPE_RADIO), 1),
-              EFI_SUCCESS);
-    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_ADVANCED_MODE_COMBO), Mode),
-              EFI_SUCCESS);
-    NextTo(Mode == 0 ? RAID_PAGE_ADV_NEW_ARRAY : RAID_PAGE_ADV_SELECT_ARRAY);
-  }
-  // Page 8 for a new array of Level over the drives of table rows Rows.
-  void NewArrayEditor(const std::u16string &Level,
-                      std::initializer_list<UINT32> Rows) {
-    Advanced(0);
-    ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_NEW_ARRAY_LEVEL_COMBO), Level),
-              EFI_SUCCESS);
-    TickDrives(Rows);
-    NextTo(RAID_PAGE_ADV_EDIT_VOLUME);
-  }
-  void TickDrives(std::initializer_list<UINT32> Rows) {
-    for (UINT32 Row : Rows) {
-      ASSERT_EQ(Driver_.SetCell(Node(RAID_NODE_NEW_ARRAY_DRIVE_TABLE), Row, 0,
-                                1),
-                EFI_SUCCESS);
-    }
-  }
-  // Plans one virtual disk through the pop-up; an empty capacity keeps
-  // what is left.
-  // An empty name keeps the default one.
-  void PlanVolume(const std::u16string &Capacity,
-                  const std::u16string &Name = u"") {
-    ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
-    if (!Name.empty()) {
-      ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_NAME_EDIT), Name),
-                EFI_SUCCESS);
-    }
-    if (!Capacity.empty()) {
-      ASSERT_EQ(Driver_.Type(Node(RAID_NODE_POPUP_CAPACITY_EDIT), Capacity),
-                EFI_SUCCESS);
-    }
-    ASSERT_EQ(Press(RAID_NODE_POPUP_CREATE), EFI_SUCCESS);
-    ASSERT_EQ(gRaidCurrentPage, static_cast<UINT32>(RAID_PAGE_ADV_EDIT_VOLUME));
-  }
-  // Verify, confirm, create and go back to page 1.
-  void CreateFrom(UINT32 VerifyPage) {
-    if (gRaidCurrentPage != VerifyPage) {
-      NextTo(VerifyPage);
-    }
-    Driver_.QueueAnswer(TRUE);
-    NextTo(RAID_PAGE_CREATION_RUNNING);
-    EXPECT_EQ(Driver_.Title(), u"RAID Setup - Creating Virtual Disk(s)");
-    EXPECT_EQ(State(RAID_NODE_NEXT), HOST_DISPLAY_SHOWN);
-    NextTo(RAID_PAGE_CONTROLLER_SELECTION);
+    const std::string Adapter = "/megaraid/" + std::to_string(Index);
+    const nlohmann::json After = ExpectChangedOnly(
+        {Adapter + "/driveGroups", Adapter + "/drives/*/state"});
+    return After["megaraid"][Index]["driveGroups"];
   }
 
   nlohmann::json Before_;
