@@ -1,10 +1,6 @@
 // The framework tests' world.
 #include "FrameworkTestSupport.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 void FrameworkTest::SetUp() {
   Setup.SetStringResolver([this](EFI_HII_HANDLE, EFI_STRING_ID Id) {
     return demo::DemoString(Language, Id);
@@ -32,16 +28,4 @@ HOST_PAGE_NODE *FrameworkTest::On(UINT32 NodeId) {
   HOST_PAGE_NODE *Node = Driver.Find(NodeId);
   EXPECT_NE(Node, nullptr) << "node " << NodeId;
   return Node;
-}
-
-std::string Golden(const std::string &Name, const std::string &Actual) {
-  std::string Path = std::string(FRAMEWORK_GOLDEN_DIR) + "/" + Name;
-  if (std::getenv("RAIDCFG_UPDATE_GOLDEN") != nullptr) {
-    std::ofstream(Path, std::ios::binary) << Actual;
-    return Actual;
-  }
-  std::ifstream File(Path, std::ios::binary);
-  std::ostringstream Text;
-  Text << File.rdbuf();
-  return Text.str();
 }

@@ -32,7 +32,3 @@ class FrameworkTest : public ::testing::Test {
   std::unique_ptr<framework::EmuBinding> Binding;
   bool Started = false;
 };
-
-// Reads a golden file of tests/framework/golden; with RAIDCFG_UPDATE_GOLDEN
-// set in the environment, writes Actual there instead.
-std::string Golden(const std::string &Name, const std::string &Actual);

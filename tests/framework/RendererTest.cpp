@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "FrameworkTestSupport.h"
+#include "Golden.h"
 #include "framework/Screen.h"
 #include "framework/Text.h"
 #include "framework/TextUi.h"
@@ -51,8 +52,7 @@ class GoldenScreens : public FrameworkTest,
 
 TEST_P(GoldenScreens, MatchAt80x25) {
   GetParam().Prepare(Driver);
-  std::string Screen = Driver.Dump();
-  EXPECT_EQ(Screen, Golden(GetParam().Golden, Screen));
+  ExpectGolden(GetParam().Golden, Driver.Dump());
 }
 
 INSTANTIATE_TEST_SUITE_P(Screens, GoldenScreens, ::testing::ValuesIn(kScreens));

@@ -1,21 +1,18 @@
 // The whole trace of a start-up and shutdown on the demo server, line by
 // line: the module's, the core's and the MegaRAID backend's lines in the
 // order a log reader sees them. Time stamps and the setup protocol's
-// address vary from run to run and are masked. RAIDCFG_UPDATE_GOLDEN=1
-// rewrites the golden file after a deliberate change.
+// address vary from run to run and are masked.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "Golden.h"
 #include "emu/VirtualClock.h"
 #include "native/HostRun.h"
 
 namespace {
-
-const char kGolden[] = RAIDCFG_TEST_DIR "/golden/demo-startup.trace";
 
 std::string ReadFile(const std::string &Path) {
   std::ifstream File(Path, std::ios::binary);
@@ -48,10 +45,7 @@ TEST(DemoTraceTest, StartUpAndShutdownTraceMatchesTheGoldenLog) {
   const std::string Trace = Normalised(ReadFile(TracePath));
   ASSERT_NE(Trace.find("[LsiGetControllerInfo]Command: storcli.efi /c1 show"),
             std::string::npos);
-  if (std::getenv("RAIDCFG_UPDATE_GOLDEN") != nullptr) {
-    std::ofstream(kGolden, std::ios::binary) << Trace;
-  }
-  EXPECT_EQ(Trace, ReadFile(kGolden));
+  ExpectGolden("demo-startup.trace", Trace);
 }
 
 }  // namespace

@@ -2,10 +2,7 @@
 // files, and what the module's reading rules get out of them.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
+#include "Golden.h"
 #include "ModuleReader.h"
 #include "StorcliTestSupport.h"
 #include "sim/megaraid/Capacity.h"
@@ -13,32 +10,6 @@
 
 namespace sim::megaraid::test {
 namespace {
-
-std::string ReadFile(const std::string &Path) {
-  std::ifstream In(Path, std::ios::binary);
-  std::ostringstream Text;
-  Text << In.rdbuf();
-  return Text.str();
-}
-
-// Compares Output with golden/<Name> line by line; SIM_UPDATE_GOLDEN=1
-// rewrites the file instead.
-void ExpectGolden(const std::string &Name, const std::string &Output) {
-  const std::string Path = std::string(SIM_GOLDEN_DIR) + "/" + Name;
-  if (std::getenv("SIM_UPDATE_GOLDEN") != nullptr) {
-    std::ofstream(Path, std::ios::binary) << Output;
-    return;
-  }
-  const std::string Golden = ReadFile(Path);
-  ASSERT_FALSE(Golden.empty()) << Path;
-  std::istringstream Want(Golden), Got(Output);
-  std::string WantLine, GotLine;
-  for (int Number = 1; std::getline(Want, WantLine); ++Number) {
-    ASSERT_TRUE(std::getline(Got, GotLine)) << Name << ": ends before line " << Number;
-    EXPECT_EQ(WantLine, GotLine) << Name << " line " << Number;
-  }
-  EXPECT_FALSE(std::getline(Got, GotLine)) << Name << ": extra line " << GotLine;
-}
 
 struct GoldenCase {
   const char *File;

@@ -2,12 +2,12 @@
 // its setup protocol, the module loaded and a headless operator.
 #include "WizardWorld.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 #include <Library/UefiBootServicesTableLib.h>
 
+#include <filesystem>
+#include <fstream>
+
+#include "AdapterStates.h"
 #include "native/EmbeddedFiles.h"
 #include "wizard/RaidPageNodes.h"
 
@@ -39,6 +39,16 @@ void WizardWorld::Start(const host::Scenario &Scenario) {
   });
   Module_ = std::make_unique<host::ModuleSession>(*Server_);
   ASSERT_EQ(Module_->Load(), EFI_SUCCESS);
+  Started_ = AdapterStates();
+}
+
+void WizardWorld::Start(const nlohmann::json &Scenario) {
+  Start(ScenarioFrom(Scenario));
+}
+
+void WizardWorld::StartScenario(const std::string &Name) {
+  Start(host::LoadScenarioFile(std::filesystem::path(RAIDCFG_SCENARIO_DIR) /
+                               Name));
 }
 
 void WizardWorld::Stop() {
@@ -58,6 +68,13 @@ void WizardWorld::Stop() {
 
 EFI_STATUS WizardWorld::ChooseAdapter(UINTN Index) {
   return Driver_.Choose(Node(RAID_NODE_ADAPTER_RADIO), Index);
+}
+
+nlohmann::json WizardWorld::ExpectChangedOnly(
+    const std::vector<std::string> &Changeable) const {
+  nlohmann::json Now = AdapterStates();
+  ExpectSameBut(Started_, Now, Changeable);
+  return Now;
 }
 
 std::vector<UINT32> WizardWorld::Events() const {
@@ -81,31 +98,13 @@ nlohmann::json DemoScenarioJson() {
   return nlohmann::json::parse(*host::FindEmbeddedFile("demo.json"));
 }
 
+nlohmann::json ScenarioJson(const std::string &Name) {
+  std::ifstream File(std::filesystem::path(RAIDCFG_SCENARIO_DIR) / Name);
+  return nlohmann::json::parse(File);
+}
+
 host::Scenario ScenarioFrom(const nlohmann::json &Json) {
   return host::ParseScenario(Json, "test");
-}
-
-std::string ReadGolden(const std::string &Name) {
-  std::ifstream File(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
-                     std::ios::binary);
-  std::ostringstream Text;
-  Text << File.rdbuf();
-  return Text.str();
-}
-
-void WriteGolden(const std::string &Name, const std::string &Text) {
-  std::ofstream(std::string(WIZARD_GOLDEN_DIR) + "/" + Name,
-                std::ios::binary | std::ios::trunc)
-      << Text;
-}
-
-void ExpectGoldenScreen(const std::string &Name, const std::string &Screen) {
-  const char *Update = std::getenv("WIZARD_UPDATE_GOLDEN");
-  if (Update != nullptr && std::string(Update) == "1") {
-    WriteGolden(Name, Screen);
-    return;
-  }
-  EXPECT_EQ(Screen, ReadGolden(Name)) << "golden screen " << Name;
 }
 
 }  // namespace wizard_test

@@ -13,6 +13,8 @@ namespace megaraid_test {
 namespace {
 
 using nlohmann::json;
+using tool_output::EditRows;
+using tool_output::RowEdit;
 
 constexpr UINT8 kBus = 3;
 constexpr const char *kShow = "storcli.efi /c0 show mronly nolog";

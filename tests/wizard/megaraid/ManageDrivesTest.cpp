@@ -1,14 +1,14 @@
 // Page 11: the drive table and its per-row actions, the all-drives combo
 // box with its confirmation, Next and Back with and without pending
 // changes, and the adapter's drive states after each.
-#include "WizardWorld.h"
+#include "MegaRaidWizard.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
 
 namespace wizard_test {
 namespace {
 
-class ManageDrivesTest : public WizardWorld {
+class ManageDrivesTest : public MegaRaidWizardWorld {
  protected:
   // Page 11 of demo adapter Adapter.
   void Open(UINTN Adapter) {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "WizardWorld.h"
+#include "MegaRaidWizard.h"
 #include "setup/RaidServiceLayer.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
@@ -75,7 +75,7 @@ nlohmann::json Group(int Level, std::vector<std::string> Members,
       {{"raidLevel", Level}, {"members", Members}, {"virtualDrives", Volumes}});
 }
 
-class AdapterSelectionTest : public WizardWorld {
+class AdapterSelectionTest : public MegaRaidWizardWorld {
  protected:
   std::vector<std::u16string> Labels() {
     return Driver_.Options(Node(RAID_NODE_ADAPTER_RADIO));

@@ -1,12 +1,12 @@
-// storcli output with numbers the virtual adapter cannot hold (a volume
-// number past 32 bits, a device id two drives share): the adapter's own
-// text with single words of chosen rows replaced.
+// Tool output with numbers a virtual adapter cannot hold (a volume number
+// past 32 bits, a device id two drives share): the adapter's own text with
+// single words of chosen rows replaced.
 #pragma once
 
 #include <string>
 #include <vector>
 
-namespace megaraid_test {
+namespace tool_output {
 
 struct RowEdit {
   // The row: the line whose first words are these ("" matches any word).
@@ -53,4 +53,4 @@ inline std::string EditRows(const std::string &Text,
   return Out;
 }
 
-}  // namespace megaraid_test
+}  // namespace tool_output

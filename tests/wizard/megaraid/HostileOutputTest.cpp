@@ -3,10 +3,10 @@
 // backend's buffers: what the operator cannot have chosen is never offered
 // and never changed, and a request that cannot be written whole fails with
 // nothing run.
-#include <fstream>
+#include <map>
 
+#include "MegaRaidWizard.h"
 #include "RowEdit.h"
-#include "WizardWorld.h"
 #include "setup/RaidServiceLayer.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
@@ -14,12 +14,12 @@
 namespace wizard_test {
 namespace {
 
-using megaraid_test::EditRows;
-using megaraid_test::RowEdit;
+using tool_output::EditRows;
+using tool_output::RowEdit;
 
 constexpr UINT32 kFailed = 0xFE21;
 
-class HostileOutputTest : public WizardWorld {
+class HostileOutputTest : public MegaRaidWizardWorld {
  protected:
   // Edits the adapters' answers to the command lines given.
   void EditAnswers(std::map<std::string, std::vector<RowEdit>> Edits) {
@@ -27,10 +27,6 @@ class HostileOutputTest : public WizardWorld {
       auto Found = Edits.find(Line);
       return Found == Edits.end() ? Output : EditRows(Output, Found->second);
     };
-  }
-  void NextTo(UINT32 Page) {
-    ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
-    ASSERT_EQ(gRaidCurrentPage, Page);
   }
   // Page 7 with Level chosen.
   void NewArrayPage(const std::u16string &Level) {
@@ -107,16 +103,11 @@ TEST_F(HostileOutputTest, AVolumeNumberPast32BitsCannotBeChosenOnPage1) {
   EXPECT_EQ(MegaRaidState(), Expected);
 }
 
-nlohmann::json SixSasServer() {
-  std::ifstream File(std::string(RAIDCFG_SOURCE_DIR) + "/scenarios/megaraid-six-sas.json");
-  return nlohmann::json::parse(File);
-}
-
 // 252:1 is printed with 252:0's device id. Ticking 252:0 would name that
 // id, and the new array would take 252:1 as well; neither is offered.
 TEST_F(HostileOutputTest, DrivesSharingADeviceIdAreNotOfferedOnPage7) {
   EditAnswers({{"storcli.efi /c0 show mronly nolog", {{{"252:1"}, 1, "0"}}}});
-  Start(ScenarioFrom(SixSasServer()));
+  StartScenario("megaraid-six-sas.json");
   const nlohmann::json Before = MegaRaidState();
   NewArrayPage(u"RAID 0");
   const std::vector<std::string> Rows = Offered();

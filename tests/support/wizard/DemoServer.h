@@ -1,0 +1,13 @@
+// The demo server (scenarios/demo.json) as page 1 lists its adapters.
+#pragma once
+
+#include <Uefi.h>
+
+namespace wizard_test {
+
+// Its virtual MegaRAID adapters by radio option.
+constexpr UINTN kEmptyMegaRaid = 0;       // eight unconfigured drives
+constexpr UINTN kConfiguredMegaRaid = 1;  // two arrays, three virtual disks
+constexpr UINTN kSasMegaRaid = 2;         // eight unconfigured SAS drives
+
+}  // namespace wizard_test
