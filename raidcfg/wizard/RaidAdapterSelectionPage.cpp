@@ -46,7 +46,7 @@ constexpr ToolKind kToolKinds[] = {
     {u"RCfgVROC.efi", RAID_ADAPTER_KIND_VROC},
 };
 
-BOOLEAN IsSupported(const RAID_CONTROLLER *Controller) {
+[[nodiscard]] BOOLEAN IsSupported(const RAID_CONTROLLER *Controller) {
   return Controller->Capability != nullptr;
 }
 
@@ -66,7 +66,8 @@ VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
 }
 
 // The radio label of an adapter with VolumeCount virtual disks.
-CHAR16 *AdapterLabel(const RAID_CONTROLLER *Controller, UINT32 VolumeCount) {
+[[nodiscard]] CHAR16 *AdapterLabel(const RAID_CONTROLLER *Controller,
+                                   UINT32 VolumeCount) {
   const CHAR16 *Name = Controller->Name != nullptr ? Controller->Name : u"";
   const UINTN Length = StrLen(Name) + kLabelExtra;
   const UINT32 Slot = Controller->SlotNumber;
@@ -118,8 +119,9 @@ constexpr const CHAR8 *kUpdateControllerNames =
     "UpdateControllerNamesInRadioControl";
 
 // Reads adapter Index again, makes it current and returns its label.
-CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head, RAID_CONTROLLER *Controller,
-                         UINT32 Index) {
+[[nodiscard]] CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head,
+                                       RAID_CONTROLLER *Controller,
+                                       UINT32 Index) {
   RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
                 "RAID :[%a] Get RAID adapter %d information\n", Index);
   UINT32 ErrorCode = 0;
@@ -148,7 +150,7 @@ CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head, RAID_CONTROLLER *Controller,
 }
 
 // The controller's arrays (at most RAID_SERVICE_MAX_ARRAYS) into Arrays.
-UINT32 ListArrays(RAID_ARRAY **Arrays) {
+[[nodiscard]] UINT32 ListArrays(RAID_ARRAY **Arrays) {
   if (gCurrentRaidController == nullptr) {
     return 0;
   }
@@ -158,7 +160,7 @@ UINT32 ListArrays(RAID_ARRAY **Arrays) {
 
 // The capacity cell of an array row; kind 5 shows RAID 1 and 10 arrays at
 // half their size.
-CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
+[[nodiscard]] CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
   UINT64 Size = Array->SizeFigure;
   UINT64 Free = Array->FreeCapacity;
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF &&
@@ -174,8 +176,8 @@ CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
   return AllocString(Text);
 }
 
-BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
-                     const RAID_ARRAY *Array) {
+[[nodiscard]] BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
+                                   const RAID_ARRAY *Array) {
   return RaidSetCellText(Table, Row, 0, AllocString(u"")) &&
          RaidSetCellText(Table, Row, 1, AllocString(Array->Name)) &&
          RaidSetCellText(
@@ -185,8 +187,8 @@ BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
          RaidSetCellText(Table, Row, 3, ArrayCapacityText(Array));
 }
 
-BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
-                      const RAID_VOLUME *Volume) {
+[[nodiscard]] BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
+                                    const RAID_VOLUME *Volume) {
   const CHAR16 *Name = Volume->Name != nullptr ? Volume->Name : u"";
   CHAR16 Size[kSizeTextLength] = {};
   RaidFormatSizeText(Size, sizeof(Size), Volume->SizeFigure / 1000,
@@ -213,7 +215,7 @@ VOID FillHeadingRow(RAID_TABLE_DATA *Table) {
 }
 
 // Fills Table with the arrays and their virtual disks.
-BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
+[[nodiscard]] BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Get adapter configuration data \n");
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   const UINT32 ArrayCount = ListArrays(Arrays);
@@ -255,7 +257,7 @@ BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
 VOID ResetConfigurationState() { RaidResetConfigurationState(); }
 
 // The text of column 1 of the selected configuration row, or NULL.
-const CHAR16 *SelectedRowName() {
+[[nodiscard]] const CHAR16 *SelectedRowName() {
   HOST_PAGE_NODE *Table = RaidFindNode(kPage, RAID_NODE_CONFIG_TABLE);
   RAID_TABLE_DATA *Data = RaidControlTable(Table);
   if (Data == nullptr || Data->RowCount < 2) {
@@ -287,8 +289,9 @@ VOID ResetLaterPages() {
 
 // Deletes the array named RowName. EFI_NOT_FOUND when no array has that
 // name; otherwise the delete's status, with its error code.
-EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays, UINT32 ArrayCount,
-                                   const CHAR16 *RowName) {
+[[nodiscard]] EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays,
+                                                 UINT32 ArrayCount,
+                                                 const CHAR16 *RowName) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Delete RAID array start\n");
   RAID_ARRAY *Target = nullptr;
   for (UINT32 Index = 0; Index < ArrayCount && Target == nullptr; Index++) {
@@ -324,7 +327,7 @@ EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays, UINT32 ArrayCount,
 }
 
 // Whether the current controller still has an array.
-BOOLEAN CheckVolumeIsPresent() {
+[[nodiscard]] BOOLEAN CheckVolumeIsPresent() {
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   const BOOLEAN Present = ListArrays(Arrays) != 0;
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Return status: %x (0 = No volume)\n",
@@ -342,7 +345,8 @@ VOID ShowEmptyConfiguration() {
 
 // Deletes the first named virtual disk of Array whose "VD<n>: <name>" text
 // occurs in RowText. EFI_NOT_FOUND when none does.
-EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array, const CHAR16 *RowText) {
+[[nodiscard]] EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array,
+                                               const CHAR16 *RowText) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   RAID_VOLUME *Volumes[RAID_SERVICE_MAX_ARRAYS] = {};
   const UINT32 VolumeCount =

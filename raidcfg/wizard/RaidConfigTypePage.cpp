@@ -34,18 +34,18 @@ constinit UINT8 gHotSpareAllowed = 0;
 constinit UINT8 gHotSpareChosen = 0;
 constinit UINT8 gRecompute = 0;
 
-HOST_PAGE_NODE *TypeRadio() {
+[[nodiscard]] HOST_PAGE_NODE *TypeRadio() {
   return RaidFindNode(kTypePage, RAID_NODE_CONFIG_TYPE_RADIO);
 }
 
-HOST_PAGE_NODE *ModeCombo() {
+[[nodiscard]] HOST_PAGE_NODE *ModeCombo() {
   return RaidFindNode(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
 }
 
 // Whether the unconfigured drives (JBOD drives aside) mix media types. The
 // reference starts at the "other" code, so such a drive lets the next one
 // set the reference again.
-BOOLEAN HasMixedDriveTypes() {
+[[nodiscard]] BOOLEAN HasMixedDriveTypes() {
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   if (Controller == nullptr) {
     return FALSE;
@@ -90,7 +90,7 @@ VOID SetTypeOptions(BOOLEAN SimplePossible) {
 
 // Decides whether simple configuration is possible and says why not in
 // the simple warning label.
-BOOLEAN ValidateSimpleConfig() {
+[[nodiscard]] BOOLEAN ValidateSimpleConfig() {
   const BOOLEAN Mixed = HasMixedDriveTypes();
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
@@ -228,7 +228,7 @@ RAID_CONTROL_CALLBACK(_RAIDConfigTypeSelRadioGrCallback) {
     RaidShowControl(kTypePage, RAID_NODE_NEXT);
   } else {
     RaidShowControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
-    _RAIDConfigTypeSelComboCallback(ModeCombo(), Event);
+    (VOID) _RAIDConfigTypeSelComboCallback(ModeCombo(), Event);
   }
   RaidShowPage(kTypePage, 0);
   return EFI_SUCCESS;
@@ -243,7 +243,9 @@ VOID ResetConfigTypePage() {
   }
   gRaidConfigType = 0;
   RaidSetControlValue(TypeRadio(), 0);
-  ValidateSimpleConfig();
+  // Run for its warning and the type options it sets; the choice is judged
+  // again when the operator presses Next.
+  (VOID) ValidateSimpleConfig();
   RaidSetControlValue(ModeCombo(), 0);
   RaidSetControlTextId(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO,
                        STR_CREATE_NEW_ARRAY_AND_VD);
@@ -252,18 +254,18 @@ VOID ResetConfigTypePage() {
     RaidGrayControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
     RaidHideControl(kTypePage, RAID_NODE_ADVANCED_WARNING);
   } else {
-    _RAIDConfigTypeSelComboCallback(ModeCombo(), nullptr);
+    (VOID) _RAIDConfigTypeSelComboCallback(ModeCombo(), nullptr);
   }
 }
 
 // ---- Page 3 ------------------------------------------------------------------------
 
-HOST_PAGE_NODE *LevelRadio() {
+[[nodiscard]] HOST_PAGE_NODE *LevelRadio() {
   return RaidFindNode(kLevelPage, RAID_NODE_SIMPLE_LEVEL_RADIO);
 }
 
 // The level of the chosen option, or NULL.
-RAID_LEVEL_CAP *LevelAt(UINT32 Index) {
+[[nodiscard]] RAID_LEVEL_CAP *LevelAt(UINT32 Index) {
   RAID_LEVEL_CAP *Levels[RAID_WIZARD_MAX_LEVELS] = {};
   const UINT32 Count = RaidControllerLevels(Levels, RAID_WIZARD_MAX_LEVELS);
   return Index < Count ? Levels[Index] : nullptr;
@@ -472,7 +474,7 @@ VOID UpdateRaidLevelDynamicallyInSimpleConfig() {
   RaidSetControlValue(Radio, gLevelIndex);
   RaidSetControlValue(RaidFindNode(kLevelPage, RAID_NODE_HOT_SPARE_CHECK),
                       gHotSpareChosen);
-  _RaidLevelSelRGCallback(Radio, nullptr);
+  (VOID) _RaidLevelSelRGCallback(Radio, nullptr);
 }
 
 // Whether a hot spare is to be added to the simple configuration's array.

@@ -43,7 +43,7 @@ constinit BOOLEAN gStopped = FALSE;
 // name the log shows.
 constexpr const CHAR8 *kCreationStep = "RaidShowCreateVolumeProcess";
 
-HOST_PAGE_NODE *ChildOf(HOST_PAGE_NODE *Group, UINT32 NodeId) {
+[[nodiscard]] HOST_PAGE_NODE *ChildOf(HOST_PAGE_NODE *Group, UINT32 NodeId) {
   for (HOST_PAGE_NODE *Child = Group != nullptr ? Group->FirstChild : nullptr;
        Child != nullptr; Child = Child->NextSibling) {
     if (Child->NodeId == NodeId) {
@@ -62,7 +62,7 @@ VOID SetNodeState(HOST_PAGE_NODE *Node, UINT8 State) {
   Node->RefreshMark |= HOST_REFRESH_STATE;
 }
 
-HOST_PAGE_NODE *FirstRow() {
+[[nodiscard]] HOST_PAGE_NODE *FirstRow() {
   HOST_PAGE_NODE *Rows = RaidFindNode(kPage, RAID_NODE_RESULT_ROWS);
   return Rows != nullptr ? Rows->FirstChild : nullptr;
 }
@@ -139,7 +139,7 @@ VOID SendCreationEvent() {
 // the last step: a failed status (the tool could not run, or the refresh
 // failed) or a shortage of memory. A refusal by the adapter comes as an
 // error code with a successful status, and the model is then current.
-BOOLEAN ModelNotRead() {
+[[nodiscard]] BOOLEAN ModelNotRead() {
   return EFI_ERROR(gLastStatus) ||
          gLastErrorCode == RAID_ERROR_OUT_OF_RESOURCES;
 }
@@ -195,7 +195,7 @@ VOID FinishCreation() {
 
 // One creation step, called by the framework while page 10 is shown; TRUE
 // while another one is due.
-BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
+[[nodiscard]] BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = RAID_PAGE_CREATION_RUNNING;
   if (gFirstCall) {
@@ -230,7 +230,7 @@ BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
 }
 
 // Page 10 from its template with one result group per planned record.
-HOST_PAGE_NODE *BuildCreationPage(UINT32 Rows) {
+[[nodiscard]] HOST_PAGE_NODE *BuildCreationPage(UINT32 Rows) {
   const HOST_PAGE_TEMPLATE *Static = RaidPageTemplate(kPage);
   if (Static == nullptr || TarnSetupProtocol == nullptr ||
       TarnSetupProtocol->InstantiatePage == nullptr) {

@@ -18,7 +18,7 @@ constexpr UINTN kErrorTextExtra = 6;
 // The message id of an error code: the table is read one entry before the
 // code's low 12 bits, so code 1 gives the first message. A code with low
 // bits 0 gives the id before the first message, as the sum 1014 + k does.
-EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
+[[nodiscard]] EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
   const UINT32 Index = ErrorCode & 0xFFF;
   if (Index >= RAID_ERR_MSG_COUNT) {
     return STR_ERROR_MESSAGE_041;
@@ -53,6 +53,7 @@ VOID ShowRaidErrorBox(UINT32 ErrorCode) {
   }
   UnicodeSPrint(Text.Get(), Characters * sizeof(CHAR16), Format, ErrorCode,
                 Message);
-  RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, STR_OPERATION_FAILED,
-                 Text.Get());
+  // A plain box has no answer to read.
+  (VOID) RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE,
+                        STR_OPERATION_FAILED, Text.Get());
 }

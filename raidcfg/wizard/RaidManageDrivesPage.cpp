@@ -44,15 +44,15 @@ constexpr CHAR16 kWordDedicated[] = u"Dedicated";
 
 constinit UINT8 gLastAllDrivesAction = kActionNone;
 
-HOST_PAGE_NODE *DriveTableNode() {
+[[nodiscard]] HOST_PAGE_NODE *DriveTableNode() {
   return RaidFindNode(kPage, RAID_NODE_DRIVE_TABLE);
 }
 
-HOST_PAGE_NODE *AllDrivesCombo() {
+[[nodiscard]] HOST_PAGE_NODE *AllDrivesCombo() {
   return RaidFindNode(kPage, RAID_NODE_ALL_DRIVES_COMBO);
 }
 
-UINT32 DriveCount() {
+[[nodiscard]] UINT32 DriveCount() {
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   if (Controller == nullptr || Controller->DriveTable == nullptr) {
     return 0;
@@ -60,11 +60,11 @@ UINT32 DriveCount() {
   return Controller->DiskDriveCount;
 }
 
-RAID_PHYSICAL_DRIVE *DriveAt(UINT32 Index) {
+[[nodiscard]] RAID_PHYSICAL_DRIVE *DriveAt(UINT32 Index) {
   return RaidDriveAtIndex(gCurrentRaidController, Index);
 }
 
-BOOLEAN ControllerHasArray() {
+[[nodiscard]] BOOLEAN ControllerHasArray() {
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   return gCurrentRaidController != nullptr &&
          RaidCollectArrays(gCurrentRaidController, Arrays,
@@ -73,7 +73,7 @@ BOOLEAN ControllerHasArray() {
 
 // The one target a drive in State may be given from its row, as the word
 // shown; NULL when the row offers none.
-const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
+[[nodiscard]] const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_MVSETUP) {
     return nullptr;
   }
@@ -104,7 +104,8 @@ const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
 
 // The row's action cell: "Select" and, when the state allows one, the
 // target; grayed when there is none.
-BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
+[[nodiscard]] BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell,
+                                     const CHAR16 *Target) {
   const UINT16 Count = Target != nullptr ? 2 : 1;
   Cell->Kind = HOST_CELL_COMBO_BOX;
   Cell->Value = kSelectOption;
@@ -126,9 +127,9 @@ BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
 }
 
 // One drive's row.
-BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
-                                  const RAID_PHYSICAL_DRIVE *Drive,
-                                  BOOLEAN HasArray) {
+[[nodiscard]] BOOLEAN WriteRaidManagePhyDrvData(
+    RAID_TABLE_DATA *Table, UINT32 Row, const RAID_PHYSICAL_DRIVE *Drive,
+    BOOLEAN HasArray) {
   return RaidSetCellText(Table, Row, 0, AllocString(Drive->Location)) &&
          RaidSetCellText(Table, Row, 1,
                          AllocString(GetStateText(Drive->State))) &&
@@ -140,7 +141,7 @@ BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
 }
 
 // The whole drive table of the current controller.
-BOOLEAN GetRaidManagePhyDrvTableData(RAID_TABLE_DATA *Table) {
+[[nodiscard]] BOOLEAN GetRaidManagePhyDrvTableData(RAID_TABLE_DATA *Table) {
   const UINT32 Drives = DriveCount();
   if (!RaidAllocTable(Table, Drives + 1, kDriveColumns,
                       HOST_TABLE_HEADING | HOST_TABLE_SELECTABLE)) {
@@ -186,7 +187,7 @@ VOID SetTableSize() {
 }
 
 // The text id of the all-drives combo box's chosen option.
-EFI_STRING_ID AllDrivesChoice() {
+[[nodiscard]] EFI_STRING_ID AllDrivesChoice() {
   HOST_PAGE_NODE *Combo = AllDrivesCombo();
   HOST_OPTION_LIST *Options = RaidControlOptions(Combo);
   if (Combo == nullptr || Combo->Control == nullptr ||
@@ -199,7 +200,7 @@ EFI_STRING_ID AllDrivesChoice() {
 }
 
 // TRUE when a row or the all-drives combo box asks for a change.
-BOOLEAN HasPendingChange() {
+[[nodiscard]] BOOLEAN HasPendingChange() {
   if (AllDrivesChoice() != STR_ACTIONS_ON_ALL_DRIVES) {
     return TRUE;
   }
@@ -243,7 +244,7 @@ VOID SetRowActions(BOOLEAN Enable) {
 constexpr const CHAR8 *kManageNext = "RaidManagePhyDrvNextCallback";
 
 // The state a row's state text asks for; FALSE when the text asks for none.
-BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
+[[nodiscard]] BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
   if (StateText == nullptr) {
     return FALSE;
   }

@@ -30,7 +30,8 @@ constexpr UINT32 kVerifyPage = RAID_PAGE_SIMPLE_VERIFY;
 constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
 
 // The first entry marked default, or NULL.
-RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries, UINT32 Count) {
+[[nodiscard]] RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries,
+                                              UINT32 Count) {
   for (UINT32 Index = 0; Index < Count; Index++) {
     if (Entries[Index]->IsDefault != 0) {
       return Entries[Index];
@@ -40,7 +41,8 @@ RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries, UINT32 Count) {
 }
 
 // The stripe size: fixed by level on Intel RSTe, else the profile's default.
-UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability, UINT32 Level) {
+[[nodiscard]] UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability,
+                                       UINT32 Level) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE) {
     switch (Level) {
       case 1:
@@ -133,7 +135,8 @@ VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
 
 // How many drives the level takes: bounded by the level's maximum, one
 // less for a hot spare, even for the mirrored and spanned levels.
-UINT32 MemberCount(const RAID_LEVEL_CAP *Level, BOOLEAN HotSpare) {
+[[nodiscard]] UINT32 MemberCount(const RAID_LEVEL_CAP *Level,
+                                 BOOLEAN HotSpare) {
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
   UINT32 Count = 0;
@@ -156,7 +159,7 @@ UINT32 MemberCount(const RAID_LEVEL_CAP *Level, BOOLEAN HotSpare) {
   return Count > kMaxMembers ? kMaxMembers : Count;
 }
 
-BOOLEAN IsMemberState(UINT32 State) {
+[[nodiscard]] BOOLEAN IsMemberState(UINT32 State) {
   return State == RAID_STATE_UGOOD || State == RAID_STATE2_UGOOD ||
          State == RAID_STATE3_READY || State == RAID_STATE4_NON_RAID;
 }
@@ -164,8 +167,8 @@ BOOLEAN IsMemberState(UINT32 State) {
 // Takes the first Count eligible drives; returns how many were found, the
 // smallest capacity and whether they differ. *LastIndex is the position of
 // the last member in the drive list.
-UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
-                   BOOLEAN *Unequal, UINT32 *LastIndex) {
+[[nodiscard]] UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
+                                 BOOLEAN *Unequal, UINT32 *LastIndex) {
   UINT32 Found = 0;
   UINT32 Position = 0;
   *Smallest = 0;
@@ -197,7 +200,7 @@ UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
 }
 
 // The first unconfigured-good drive after position After of the list.
-BOOLEAN PickHotSpare(UINT32 After, UINT32 *Id) {
+[[nodiscard]] BOOLEAN PickHotSpare(UINT32 After, UINT32 *Id) {
   UINT32 Position = 0;
   for (RAID_PHYSICAL_DRIVE *Drive : uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(
            gCurrentRaidController->PhysicalDriveList)) {

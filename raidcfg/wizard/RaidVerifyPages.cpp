@@ -48,7 +48,7 @@ VOID FillRecordColumn(RAID_TABLE_DATA *Table, UINT32 Column,
 }
 
 // The table: the row titles, then one column per planned record.
-BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
+[[nodiscard]] BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
   const UINT32 Records = RaidPlannedVolumeCount();
   if (Records == 0 || !RaidAllocTable(Table, kRows, Records + 1, 0)) {
     return FALSE;
@@ -64,7 +64,7 @@ BOOLEAN GetRaidSummaryPageTableData(RAID_TABLE_DATA *Table) {
   return TRUE;
 }
 
-UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
+[[nodiscard]] UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
   UINT32 Count = 0;
   while (Record->SpareList != nullptr &&
          Record->SpareList[Count] != RAID_DRIVE_LIST_END) {
@@ -119,7 +119,7 @@ VOID RAIDGetVolumeDataDynamicaly() {
 
 // Asks whether to create the planned virtual disks; the trace carries
 // Caller's name, the Next button that asks.
-BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
+[[nodiscard]] BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
   RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] start\n");
   return RaidMessageBox(HOST_MSGBOX_YES_NO, STR_CONFIRMATION_TITLE,
                         STR_CONFIRM_CREATE, nullptr);

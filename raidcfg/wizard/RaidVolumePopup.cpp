@@ -4,6 +4,7 @@
 // the first one's stripe size, and the policies offered stay those of the
 // first virtual disk.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <strings/RaidcfgStrings.h>
@@ -60,7 +61,7 @@ constinit UINT64 gEditedSize = 0;
 
 // ---- The pop-up's controls --------------------------------------------------
 
-HOST_PAGE_NODE *PopupNode(UINT32 NodeId) {
+[[nodiscard]] HOST_PAGE_NODE *PopupNode(UINT32 NodeId) {
   HOST_PAGE_NODE *Node = nullptr;
   if (gPopupRoot == nullptr || TarnSetupProtocol == nullptr ||
       TarnSetupProtocol->FindNode == nullptr ||
@@ -88,7 +89,7 @@ VOID ShowPopup(UINT32 FocusNodeId) {
 }
 
 // The text an edit box shows now: the operator's, else the module's.
-const CHAR16 *EditText(UINT32 NodeId) {
+[[nodiscard]] const CHAR16 *EditText(UINT32 NodeId) {
   HOST_PAGE_NODE *Node = PopupNode(NodeId);
   if (Node == nullptr) {
     return u"";
@@ -109,11 +110,14 @@ VOID SetNumberText(UINT32 NodeId, UINT64 Number) {
   SetText(NodeId, RaidFormatText(kMaxLabelCharacters, u"%ld", Number));
 }
 
-BOOLEAN IsBlank(CHAR16 Char) { return Char == u' ' || Char == u'\t'; }
+[[nodiscard]] BOOLEAN IsBlank(CHAR16 Char) {
+  return Char == u' ' || Char == u'\t';
+}
 
 // Text without its leading and trailing blanks and tabs, in Out (cut to
 // fit). Returns the trimmed length before any cut.
-UINTN TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
+[[nodiscard]] UINTN TrimName(const CHAR16 *Text, CHAR16 *Out,
+                             UINTN OutCharacters) {
   while (*Text != 0 && IsBlank(*Text)) {
     Text++;
   }
@@ -129,19 +133,19 @@ UINTN TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
   return Length;
 }
 
-UINT32 MaxNameLength() {
+[[nodiscard]] UINT32 MaxNameLength() {
   return gCurrentRaidController != nullptr &&
                  gCurrentRaidController->Capability != nullptr
              ? gCurrentRaidController->Capability->MaxVolumeNameStingLength
              : 0;
 }
 
-BOOLEAN IsIntelRaid1() {
+[[nodiscard]] BOOLEAN IsIntelRaid1() {
   return gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE &&
          gRaidSelectedLevelNumber == 1;
 }
 
-UINT64 LeftCapacity() {
+[[nodiscard]] UINT64 LeftCapacity() {
   return gRaidTotalCapacity > gRaidAllocatedCapacity
              ? gRaidTotalCapacity - gRaidAllocatedCapacity
              : 0;
@@ -149,7 +153,7 @@ UINT64 LeftCapacity() {
 
 // ---- Policies ------------------------------------------------------------------
 
-UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
+[[nodiscard]] UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
   const RAID_CAPABILITY *Capability =
       gCurrentRaidController != nullptr ? gCurrentRaidController->Capability
                                         : nullptr;
@@ -169,7 +173,7 @@ UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
 
 // The code of a combo box's text: the profile entry of that name, else the
 // word's code.
-UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
+[[nodiscard]] UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
   if (Text == nullptr) {
     Text = u"";
   }
@@ -197,7 +201,7 @@ UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
 }
 
 // The code a record gets for a policy the pop-up does not offer.
-UINT32 AbsentCode(UINT32 Kind) {
+[[nodiscard]] UINT32 AbsentCode(UINT32 Kind) {
   switch (Kind) {
     case kStripe:
       return RAID_STRIPE_SIZE_OTHER;
@@ -254,7 +258,7 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
 }
 
 // Whether an Intel RSTe stripe size is left out for the level.
-BOOLEAN StripeLeftOut(UINT32 Code) {
+[[nodiscard]] BOOLEAN StripeLeftOut(UINT32 Code) {
   if (gRaidAdapterKind != RAID_ADAPTER_KIND_RSTE) {
     return FALSE;
   }
@@ -340,7 +344,7 @@ VOID ValidateCreateVolumePage() {
                                        : HOST_DISPLAY_GRAYED);
 }
 
-BOOLEAN PlannedNameExists(const CHAR16 *Name) {
+[[nodiscard]] BOOLEAN PlannedNameExists(const CHAR16 *Name) {
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
        Record != nullptr; Record = Record->Next) {
     if (Record->Name != nullptr && StrCmp(Record->Name, Name) == 0) {
@@ -350,7 +354,7 @@ BOOLEAN PlannedNameExists(const CHAR16 *Name) {
   return FALSE;
 }
 
-BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
+[[nodiscard]] BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
   RAID_ARRAY *Array = gRaidAdvancedMode == 1 ? RaidSelectedArray() : nullptr;
   if (Array == nullptr) {
     return FALSE;
@@ -367,8 +371,8 @@ BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
 
 // 0 valid, 1 duplicate, 2 bad form. Trimmed is the name without its
 // surrounding blanks.
-UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
-                          UINTN TrimmedCharacters) {
+[[nodiscard]] UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
+                                        UINTN TrimmedCharacters) {
   if (Text[0] == 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] volume name is empty\n");
     return kNameBadForm;
@@ -396,7 +400,7 @@ UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
 
 // ---- Records ---------------------------------------------------------------------
 
-CHAR16 *AllocName(const CHAR16 *Trimmed) {
+[[nodiscard]] CHAR16 *AllocName(const CHAR16 *Trimmed) {
   UINTN Characters = MaxNameLength() + 1;
   if (Characters < StrLen(Trimmed) + 1) {
     Characters = StrLen(Trimmed) + 1;
@@ -404,7 +408,8 @@ CHAR16 *AllocName(const CHAR16 *Trimmed) {
   CHAR16 *Name =
       static_cast<CHAR16 *>(AllocateZeroPool(Characters * sizeof(CHAR16)));
   if (Name != nullptr) {
-    StrCpyS(Name, Characters, Trimmed);
+    EFI_STATUS Copied = StrCpyS(Name, Characters, Trimmed);
+    ASSERT(!EFI_ERROR(Copied));  // Characters covers the name and its end
   }
   return Name;
 }
@@ -497,7 +502,7 @@ VOID UpdateVolumeParameters(RAID_VOLUME_PARAMETER *Record,
 // ---- Opening ----------------------------------------------------------------------
 
 // The limit the capacity may take.
-UINT64 CapacityLimit() {
+[[nodiscard]] UINT64 CapacityLimit() {
   return LeftCapacity() + (gCreateMode == 0 ? gEditedSize : 0);
 }
 
@@ -514,7 +519,7 @@ VOID SetCapacity(UINT64 Capacity, UINT64 Limit) {
 
 // Attaches the pop-up page to the module once; a failure is traced under
 // Caller's name.
-BOOLEAN AttachPopup(const CHAR8 *Caller) {
+[[nodiscard]] BOOLEAN AttachPopup(const CHAR8 *Caller) {
   if (gPopupRoot != nullptr) {
     return TRUE;
   }
@@ -561,7 +566,7 @@ VOID LeavePopupUnchanged() {
 }
 
 // Opens the pop-up with the policies of the first virtual disk.
-BOOLEAN InitRaidAdvCreateVolumePage() {
+[[nodiscard]] BOOLEAN InitRaidAdvCreateVolumePage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   if (!AttachPopup(__func__)) {
     return FALSE;
@@ -617,7 +622,8 @@ VOID FixupCreatePopup() {
                                     "RAID: vdnum:%d, VolNameStr:%S\n", Number,
                                     Formed);
     }
-    TrimName(Formed, Name, kNameCharacters);
+    const UINTN Length = TrimName(Formed, Name, kNameCharacters);
+    ASSERT(Length < kNameCharacters);  // "Volume31" fits whole
     if (PlannedNameExists(Name) || SelectedArrayHasName(Name)) {
       continue;
     }
@@ -713,7 +719,8 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCreateButtonCallback) {
       Message = RaidFormatText(kMessageCharacters,
                                RaidString(STR_ERROR_NAME_EXISTS));
     }
-    RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, 0, Message);
+    // A plain box has no answer to read.
+    (VOID) RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, 0, Message);
     FreePool(Message);
     ShowPopup(0);
     return EFI_SUCCESS;
@@ -835,8 +842,11 @@ VOID RaidOpenEditVolumePopup(UINT32 Row) {
   }
   gEdited = Record;
   gEditedSize = Record->Size / 1000;
-  StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
-          Record->Name != nullptr ? Record->Name : u"");
+  // A planned name passed the name check, which holds it below
+  // kMaxNameCharacters.
+  EFI_STATUS Copied = StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
+                              Record->Name != nullptr ? Record->Name : u"");
+  ASSERT(!EFI_ERROR(Copied));
   RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
                 gNameBeforeEdit);
   SetText(RAID_NODE_POPUP_NAME_EDIT, AllocString(gNameBeforeEdit));

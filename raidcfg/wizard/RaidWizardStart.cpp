@@ -99,8 +99,9 @@ VOID InitRaidControllerSelectionPage() {
   }
   ShowEmptyAdapterPage();
 
-  RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
-                 nullptr);
+  // A progress box has no answer to read.
+  (VOID) RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
+                        nullptr);
   gRaidLoadingProgressOpen = TRUE;
   RaidSetProgress(kProgressDiscovering);
   RaidRedrawScreen();

@@ -33,7 +33,7 @@ constexpr ExcludedDevice kExcludedDevices[] = {
     {kVendorBroadcom, 0x00B2}, {kVendorBroadcom, 0x00E6},
 };
 
-bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
+[[nodiscard]] bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
   for (const ExcludedDevice &Excluded : kExcludedDevices) {
     if (Entry->VendorId == Excluded.VendorId &&
         Entry->DeviceId == Excluded.DeviceId) {
@@ -45,8 +45,8 @@ bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
 
 // Reads one 32-bit configuration word; false when the read fails or the
 // function answers all ones.
-bool ReadIdPair(EFI_PCI_IO_PROTOCOL *PciIo, UINT32 Offset, UINT16 *Low,
-                UINT16 *High) {
+[[nodiscard]] bool ReadIdPair(EFI_PCI_IO_PROTOCOL *PciIo, UINT32 Offset,
+                              UINT16 *Low, UINT16 *High) {
   UINT32 Value = 0xFFFFFFFF;
   EFI_STATUS Status =
       PciIo->Pci.Read(PciIo, EfiPciIoWidthUint32, Offset, 1, &Value);
@@ -71,14 +71,16 @@ VOID FillEntry(PCI_BUS_DEVICE *Entry, EFI_PCI_IO_PROTOCOL *PciIo,
     Entry->Device = (UINT8)Device;
     Entry->Function = (UINT8)Function;
   }
-  ReadIdPair(PciIo, 0x00, &Entry->VendorId, &Entry->DeviceId);
-  ReadIdPair(PciIo, 0x2C, &Entry->SubVendorId, &Entry->SubDeviceId);
+  // A word that cannot be read leaves its ids 0, which name no adapter
+  // family: the function is judged on them like any other.
+  (VOID) ReadIdPair(PciIo, 0x00, &Entry->VendorId, &Entry->DeviceId);
+  (VOID) ReadIdPair(PciIo, 0x2C, &Entry->SubVendorId, &Entry->SubDeviceId);
   Entry->PciIoHandle = Handle;
   Entry->SlotNumber = RaidLibGetSmbiosSlotNumber(Entry->Bus);
 }
 
 // Decides for one handle; the entry is either linked into List or freed.
-EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
+[[nodiscard]] EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
   EFI_PCI_IO_PROTOCOL *PciIo = nullptr;
   if (EFI_ERROR(gBS->HandleProtocol(Handle, &gEfiPciIoProtocolGuid,
                                     (VOID **)&PciIo)) ||

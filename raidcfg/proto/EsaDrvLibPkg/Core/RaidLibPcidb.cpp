@@ -18,7 +18,8 @@ constinit BOOLEAN gPcidbOutOfResources = FALSE;
 constexpr const CHAR16 *kStorageAttributes[] = {
     u"id", u"vendorid", u"deviceid", u"subvendor", u"subdevice", u"devname"};
 
-bool AttributeAt(const CHAR16 **Attributes, UINTN Position, const CHAR16 **Value) {
+[[nodiscard]] bool AttributeAt(const CHAR16 **Attributes, UINTN Position,
+                               const CHAR16 **Value) {
   // The list ends at a NULL name; a NULL value ends it too, so that a list
   // cut after a name is never read past.
   for (UINTN Index = 0; Index <= Position; Index++) {

@@ -14,18 +14,21 @@ namespace {
 
 constexpr const CHAR8 *kUpdateDriver = "UpdateRaidControllerDeviceDriver";
 
-bool HasSignature(const RAID_CONTROLLER *Controller, const CHAR8 *Signature) {
+[[nodiscard]] bool HasSignature(const RAID_CONTROLLER *Controller,
+                                const CHAR8 *Signature) {
   return RaidLibControllerFamily(Controller) ==
          RaidLibFamilyOfSignature(Signature);
 }
 
-bool UsesTool(const RAID_CONTROLLER *Controller, const CHAR16 *ToolName) {
+[[nodiscard]] bool UsesTool(const RAID_CONTROLLER *Controller,
+                            const CHAR16 *ToolName) {
   const RAID_CAPABILITY *Capability = Controller->Capability;
   return Capability != nullptr && Capability->ToolName != nullptr &&
          StrCmp(Capability->ToolName, ToolName) == 0;
 }
 
-bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
+[[nodiscard]] bool IsFullReconnectMarvellBoard(
+    const RAID_CONTROLLER *Controller) {
   const RAID_CAPABILITY *Capability = Controller->Capability;
   return Capability != nullptr && Capability->ControllerName != nullptr &&
          StrStr(Capability->ControllerName, kMarvellFullReconnectBoard) !=
@@ -34,7 +37,7 @@ bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
 
 // Marvell M.2 adapters are only connected: their driver does not survive a
 // disconnect while the boot device sits behind it.
-EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
+[[nodiscard]] EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
   RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] M.2 card skip the operation\n");
   EFI_STATUS Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
   if (EFI_ERROR(Status)) {
@@ -45,7 +48,7 @@ EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
   return EFI_SUCCESS;
 }
 
-EFI_STATUS DisconnectAndConnect(EFI_HANDLE Handle) {
+[[nodiscard]] EFI_STATUS DisconnectAndConnect(EFI_HANDLE Handle) {
   RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] Disconnect the controller driver\n");
   EFI_STATUS Status = gBS->DisconnectController(Handle, nullptr, nullptr);
   if (EFI_ERROR(Status)) {

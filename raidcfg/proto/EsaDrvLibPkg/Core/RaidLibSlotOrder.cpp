@@ -11,14 +11,14 @@ namespace {
 constexpr UINT16 kVendorIntel = 0x8086;
 constexpr UINT16 kIntelOnboardRaidEngine = 0x2826;
 
-bool IsEmptyText(const CHAR16 *Text) {
+[[nodiscard]] bool IsEmptyText(const CHAR16 *Text) {
   return Text == nullptr || Text[0] == 0;
 }
 
 // The on-board RSTe engine has no slot; the inventory lists it without a
 // slot text under a device text that names RSTe.
-bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
-                        const SLOT_INVENTORY_ENTRY &Entry) {
+[[nodiscard]] bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
+                                      const SLOT_INVENTORY_ENTRY &Entry) {
   return Device->SlotNumber == RAID_SLOT_NUMBER_NONE && IsEmptyText(Entry.SlotText) &&
          Entry.DeviceText != nullptr &&
          StrStr(Entry.DeviceText, u"RSTe") != nullptr &&
@@ -28,8 +28,8 @@ bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
 
 // "Slot %d" inside the entry's slot text. A substring test: "Slot 1" is also
 // found in "Slot 12"; the inventory is expected not to be ambiguous.
-bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
-                         const SLOT_INVENTORY_ENTRY &Entry) {
+[[nodiscard]] bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
+                                       const SLOT_INVENTORY_ENTRY &Entry) {
   if (Entry.SlotText == nullptr) {
     return false;
   }
@@ -39,8 +39,8 @@ bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
   return StrStr(Entry.SlotText, SlotName) != nullptr;
 }
 
-PCI_BUS_DEVICE *FindDeviceForEntry(LIST_ENTRY *ScanList,
-                                   const SLOT_INVENTORY_ENTRY &Entry) {
+[[nodiscard]] PCI_BUS_DEVICE *FindDeviceForEntry(
+    LIST_ENTRY *ScanList, const SLOT_INVENTORY_ENTRY &Entry) {
   for (PCI_BUS_DEVICE *Device : uefi::ListOf<&PCI_BUS_DEVICE::Link>(*ScanList)) {
     if (IsOnboardRsteEntry(Device, Entry) ||
         SlotTextNamesDevice(Device, Entry)) {

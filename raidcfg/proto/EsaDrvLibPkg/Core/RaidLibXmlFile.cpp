@@ -15,7 +15,7 @@ constexpr UINTN kXmlChunkSize = 8192;
 
 constinit EFI_TARNXML_PROTOCOL *gTarnXml = nullptr;
 
-EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
   if (gTarnXml != nullptr) {
     return EFI_SUCCESS;
   }
@@ -32,7 +32,8 @@ EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
 }
 
 // The root directory of the volume the module was loaded from.
-EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root,
+                                       UINT32 *ErrorCode) {
   EFI_LOADED_IMAGE_PROTOCOL *LoadedImage = nullptr;
   EFI_STATUS Status = gBS->HandleProtocol(
       gImageHandle, &gEfiLoadedImageProtocolGuid, (VOID **)&LoadedImage);

@@ -15,7 +15,7 @@ namespace {
 // The tool's error number from the row two lines below an "ErrorCode"
 // line: the third word when the first reads as a non-zero number, else the
 // second. NULL words read as 0.
-UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
+[[nodiscard]] UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
   RAID_ROW Row;
   RaidLibSplitRow(Line, &Row);
   const CHAR16 *Number =

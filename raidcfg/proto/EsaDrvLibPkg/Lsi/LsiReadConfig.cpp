@@ -15,9 +15,10 @@ namespace {
 
 // Runs "show all" for every volume of every array; a fault of one volume
 // does not stop the others.
-EFI_STATUS ReadVolumeProperties(const CHAR8 *Caller,
-                                RAID_CONTROLLER *Controller, EFI_STATUS Status,
-                                UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS ReadVolumeProperties(const CHAR8 *Caller,
+                                              RAID_CONTROLLER *Controller,
+                                              EFI_STATUS Status,
+                                              UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   for (RAID_ARRAY *Array :

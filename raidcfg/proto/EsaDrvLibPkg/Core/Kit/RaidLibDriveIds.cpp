@@ -8,7 +8,7 @@
 
 namespace {
 
-bool InList(LIST_ENTRY *List, const RAID_PHYSICAL_DRIVE *Drive) {
+[[nodiscard]] bool InList(LIST_ENTRY *List, const RAID_PHYSICAL_DRIVE *Drive) {
   for (RAID_PHYSICAL_DRIVE *Listed :
        uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
     if (Listed == Drive) {

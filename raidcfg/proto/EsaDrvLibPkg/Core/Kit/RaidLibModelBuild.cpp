@@ -11,14 +11,15 @@
 namespace {
 
 // A pool copy of a numbered name ("Array%d", "FreeCapacity%d").
-CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
+[[nodiscard]] CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
   CHAR16 Name[32];
   UnicodeSPrint(Name, sizeof(Name), Format, Number);
   return AllocDestStr(Name);
 }
 
 // The list a placed drive sits in, and the count that counts it there.
-UINT32 *CountOfPlace(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
+[[nodiscard]] UINT32 *CountOfPlace(RAID_CONTROLLER *Controller,
+                                   RAID_PHYSICAL_DRIVE *Drive) {
   bool Spare = Drive->Role == RAID_ROLE_HOT_SPARE;
   if (Drive->Owner == Controller) {
     return Spare ? &Controller->GlobalSpareCount

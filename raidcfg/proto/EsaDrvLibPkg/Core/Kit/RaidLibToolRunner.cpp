@@ -44,9 +44,9 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
 namespace {
 
 // Formats a command line, refusing one that was cut.
-EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                         UINTN CommandChars, UINT32 *ErrorCode,
-                         const CHAR16 *Format, VA_LIST Marker) {
+[[nodiscard]] EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
+                                       UINTN CommandChars, UINT32 *ErrorCode,
+                                       const CHAR16 *Format, VA_LIST Marker) {
   if (RaidLibVFormat(CommandLine, CommandChars, Format, Marker)) {
     return EFI_SUCCESS;
   }
@@ -73,8 +73,8 @@ EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
 namespace {
 
 // Formats, traces and runs one command line.
-EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
-                   const CHAR16 *Format, VA_LIST Marker) {
+[[nodiscard]] EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
+                                 const CHAR16 *Format, VA_LIST Marker) {
   EFI_STATUS Status = RaidLibLocateShellCommand(Run.Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
