@@ -113,16 +113,12 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
   RaidRedrawScreen();
 }
 
-// The adapter labels are read on behalf of UpdateControllerNamesInRadioControl,
-// and its name is the one the log shows.
-constexpr const CHAR8 *kUpdateControllerNames =
-    "UpdateControllerNamesInRadioControl";
-
-// Reads adapter Index again, makes it current and returns its label.
-[[nodiscard]] CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head,
+// Reads adapter Index again, makes it current and returns its label; traced
+// under Caller's name.
+[[nodiscard]] CHAR16 *ReadAdapterLabel(const CHAR8 *Caller, LIST_ENTRY *Head,
                                        RAID_CONTROLLER *Controller,
                                        UINT32 Index) {
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID :[%a] Get RAID adapter %d information\n", Index);
   UINT32 ErrorCode = 0;
   RAID_CONTROLLER *Read = nullptr;
@@ -130,22 +126,21 @@ constexpr const CHAR8 *kUpdateControllerNames =
       GetRaidControllerInfo(Head, Controller->Id, &Read, &ErrorCode);
   gCurrentRaidController = Controller;
   RAID_TRACE_AS(
-      kUpdateControllerNames, TARN_DEBUG_INFO,
+      Caller, TARN_DEBUG_INFO,
       "RAID :[%a] Get Raid controller info Status is %r, Errorcode is "
       "%x\n",
       Status, ErrorCode);
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
-                "RAID :[%a] Disk drive count is %d\n",
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID :[%a] Disk drive count is %d\n",
                 Controller->DiskDriveCount);
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID :[%a] Free disk drive count is %d\n",
                 Controller->UnconfiguredDriveCount);
   CHAR16 *Label = AdapterLabel(Controller, GetVolumeCount(Controller));
   if (!IsSupported(Controller)) {
     SendEventCode(RAID_EVENT_UNSUPPORTED_ADAPTER);
   }
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
-                "RAID: [%a] Controller name: %S\n", Controller->Name);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Controller name: %S\n",
+                Controller->Name);
   return Label;
 }
 
@@ -450,7 +445,7 @@ VOID UpdateControllerNamesInRadioControl() {
     HOST_OPTION &Option = Options.Options[Options.Count++];
     Option.Value = Index;
     Option.DisplayState = HOST_DISPLAY_SHOWN;
-    Option.Text = ReadAdapterLabel(Head, Controller, Index);
+    Option.Text = ReadAdapterLabel(__func__, Head, Controller, Index);
     if (Option.Text == nullptr) {
       Option.Text = AllocString(Controller->Name);
     }

@@ -622,12 +622,9 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateArrayComboCallback) {
   return Capacity;
 }
 
-// The drive lists are collected on behalf of RaidAdvCreateArrayNextCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kCreateArrayNext = "RaidAdvCreateArrayNextCallback";
-
-// Splits the ticked rows into members and dedicated hot spares.
-VOID CollectSelectedDrives() {
+// Splits the ticked rows into members and dedicated hot spares; traced
+// under Caller's name.
+VOID CollectSelectedDrives(const CHAR8 *Caller) {
   RaidFreeSelectedDrives();
   gRaidTotalCapacity = 0;
   RAID_TABLE_DATA *Table = RaidControlTable(DriveTable());
@@ -639,8 +636,7 @@ VOID CollectSelectedDrives() {
   gRaidHotSpareDriveIds = static_cast<UINT32 *>(
       AllocateZeroPool(sizeof(UINT32) * (static_cast<UINTN>(gRowCount) + 1)));
   if (gRaidMemberDriveIds == nullptr || gRaidHotSpareDriveIds == nullptr) {
-    RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_ERROR,
-                  "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     RaidFreeSelectedDrives();
     return;
   }
@@ -654,10 +650,10 @@ VOID CollectSelectedDrives() {
       gRaidMemberDriveIds[gRaidMemberDriveCount++] = gRowDriveIds[Row - 1];
     }
   }
-  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Member disk drive number %d\n",
                 gRaidMemberDriveCount);
-  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Dedicated hot spare disk drive number %d\n",
                 gRaidHotSpareDriveCount);
   gRaidTotalCapacity = GetArrayMaxAvailableFreeCapacity();
@@ -675,7 +671,7 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateArrayNextCallback) {
       return EFI_SUCCESS;
     }
     RaidFreeVolumeParameterQueue();
-    CollectSelectedDrives();
+    CollectSelectedDrives(__func__);
   }
   RaidHideControl(kNewArrayPage, RAID_NODE_NEW_ARRAY_WARNING);
   InitRaidAdvCreateEditVolPage();

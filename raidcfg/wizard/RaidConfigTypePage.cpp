@@ -286,28 +286,24 @@ VOID SetHotSpareState(UINT8 State) {
   }
 }
 
-// The level choice's helpers trace on behalf of _RaidLevelSelRGCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kLevelChoice = "_RaidLevelSelRGCallback";
-
 // Whether the adapter kind may add a hot spare with Level, and the check
-// box's look.
-VOID DecideHotSpare(const RAID_LEVEL_CAP *Level,
+// box's look; traced under Caller's name.
+VOID DecideHotSpare(const CHAR8 *Caller, const RAID_LEVEL_CAP *Level,
                     const RAID_DRIVE_COUNTS &Counts) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_MVSETUP ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Hide hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_HIDDEN);
     gHotSpareAllowed = 0;
   } else if (Level->MinPhysicalDrives >= Counts.UGood || Level->Level == 0) {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Gray out hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_GRAYED);
     gHotSpareAllowed = 0;
   } else {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Activate hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_SHOWN);
     gHotSpareAllowed = 1;
@@ -339,7 +335,7 @@ RAID_CONTROL_CALLBACK(_RaidLevelSelRGCallback) {
   }
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
-  DecideHotSpare(Level, Counts);
+  DecideHotSpare(__func__, Level, Counts);
   RaidHideControl(kLevelPage, RAID_NODE_LEVEL_DRIVES_WARNING);
   if (Counts.Ready <= Level->MaxPhysicalDrives &&
       Counts.UGood <= Level->MaxPhysicalDrives) {

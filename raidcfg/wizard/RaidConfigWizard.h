@@ -130,7 +130,7 @@ VOID RaidSetLabel(UINT32 Page, UINT32 NodeId, CHAR16 *Text);
 // Opens the pop-up to create a new planned virtual disk.
 VOID RaidOpenCreateVolumePopup();
 // Opens the pop-up to edit the planned virtual disk of Row (1: the first).
-VOID RaidOpenEditVolumePopup(UINT32 Row);
+VOID UpdateCreateVolumeLayout(UINT32 Row);
 // Whether the next virtual disk is the last one the array may hold.
 [[nodiscard]] BOOLEAN IfLastAvailableVirtualDisk();
 // Whether the array holds fewer virtual disks than its level allows.

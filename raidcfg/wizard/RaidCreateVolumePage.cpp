@@ -111,7 +111,7 @@ RAID_CONTROL_CALLBACK(RaidCreateVolButtonCallback) {
 RAID_CONTROL_CALLBACK(RaidEditVolButtonCallback) {
   (void)Node;
   (void)Event;
-  RaidOpenEditVolumePopup(SelectedRow());
+  UpdateCreateVolumeLayout(SelectedRow());
   return EFI_SUCCESS;
 }
 

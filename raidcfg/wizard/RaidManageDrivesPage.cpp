@@ -239,24 +239,23 @@ VOID SetRowActions(BOOLEAN Enable) {
   RaidMarkForReRead(DriveTableNode());
 }
 
-// The Next button's helpers trace on behalf of RaidManagePhyDrvNextCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kManageNext = "RaidManagePhyDrvNextCallback";
+// The Next button's helpers below trace under Caller's name, the button's.
 
 // The state a row's state text asks for; FALSE when the text asks for none.
-[[nodiscard]] BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
+[[nodiscard]] BOOLEAN RowTargetState(const CHAR8 *Caller,
+                                     const CHAR16 *StateText, UINT32 *Target) {
   if (StateText == nullptr) {
     return FALSE;
   }
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
     if (StrCmp(StateText, kWordUGood) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Change UGOOD to  GHS\n");
       *Target = RAID_STATE2_DEDICATED;
       return TRUE;
     }
     if (StrCmp(StateText, kWordDedicated) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Change GHS to  UGOOD\n");
       *Target = RAID_STATE2_UGOOD;
       return TRUE;
@@ -264,19 +263,18 @@ constexpr const CHAR8 *kManageNext = "RaidManagePhyDrvNextCallback";
     return FALSE;
   }
   if (StrCmp(StateText, kWordJbod) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
-                  "RAID: [%a] Change JBOD to UGOOD\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Change JBOD to UGOOD\n");
     *Target = RAID_STATE_UGOOD;
   } else if (StrCmp(StateText, kWordUGood) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change UGOOD to  JBOD\n");
     *Target = RAID_STATE_JBOD;
   } else if (StrCmp(StateText, kWordNonRaid) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change Non-RAID to GHS\n");
     *Target = RAID_STATE4_GHS;
   } else if (StrCmp(StateText, kWordGhs) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change GHS to Non-RAID\n");
     *Target = RAID_STATE4_NON_RAID;
   } else {
@@ -285,22 +283,23 @@ constexpr const CHAR8 *kManageNext = "RaidManagePhyDrvNextCallback";
   return TRUE;
 }
 
-VOID ReportStateChangeFailure(EFI_STATUS Status, UINT32 ErrorCode) {
-  RAID_TRACE_AS(kManageNext, TARN_DEBUG_ERROR,
+VOID ReportStateChangeFailure(const CHAR8 *Caller, EFI_STATUS Status,
+                              UINT32 ErrorCode) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                 "RAID: [%a] Status = %r, ErrorCode = %x", Status, ErrorCode);
   SendEventCode(RAID_EVENT_DRIVE_STATE_FAILED);
   ShowRaidErrorBox(ErrorCode);
 }
 
 // The all-drives action on every eligible drive at once.
-VOID ApplyAllDrivesAction() {
+VOID ApplyAllDrivesAction(const CHAR8 *Caller) {
   UINT32 State = RAID_STATE_JBOD;
   if (gLastAllDrivesAction == kActionJbodToUGood) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change all JBOD to UGOOD\n");
     State = RAID_STATE_UGOOD;
   } else {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change all UGOOD to JBOD\n");
   }
   LIST_ENTRY *Head = nullptr;
@@ -309,17 +308,16 @@ VOID ApplyAllDrivesAction() {
   EFI_STATUS Status = SetAllRaidPhysicalDriveState(
       Head, gCurrentRaidController->Id, State, &ErrorCode);
   if (EFI_ERROR(Status) || ErrorCode != 0) {
-    ReportStateChangeFailure(Status, ErrorCode);
+    ReportStateChangeFailure(Caller, Status, ErrorCode);
   } else {
     SendEventCode(RAID_EVENT_DRIVE_STATE_DONE);
   }
 }
 
 // The rows' own choices, in row order, until one fails.
-VOID ApplyRowActions(RAID_TABLE_DATA *Table) {
+VOID ApplyRowActions(const CHAR8 *Caller, RAID_TABLE_DATA *Table) {
   for (UINT32 Row = 1; Row < Table->RowCount; Row++) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n",
-                  Row);
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n", Row);
     HOST_TABLE_CELL *Action = RaidTableCell(Table, Row, kActionColumn);
     if (Action == nullptr || Action->Value == kSelectOption) {
       continue;
@@ -327,13 +325,13 @@ VOID ApplyRowActions(RAID_TABLE_DATA *Table) {
     UINT32 Target = 0;
     EFI_STATUS Status = EFI_SUCCESS;
     UINT32 ErrorCode = 0;
-    if (RowTargetState(RaidTableCell(Table, Row, kStateColumn)->Text,
+    if (RowTargetState(Caller, RaidTableCell(Table, Row, kStateColumn)->Text,
                        &Target)) {
       Status = SetRaidPhysicalDriveState(Row - 1, gRaidSelectedControllerIndex,
                                          Target, &ErrorCode);
     }
     if (EFI_ERROR(Status) || ErrorCode != 0) {
-      ReportStateChangeFailure(Status, ErrorCode);
+      ReportStateChangeFailure(Caller, Status, ErrorCode);
       return;
     }
     SendEventCode(RAID_EVENT_DRIVE_STATE_DONE);
@@ -492,9 +490,9 @@ RAID_CONTROL_CALLBACK(RaidManagePhyDrvNextCallback) {
   }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] RowCount = %x\n", Table->RowCount);
   if (gLastAllDrivesAction != kActionNone) {
-    ApplyAllDrivesAction();
+    ApplyAllDrivesAction(__func__);
   } else {
-    ApplyRowActions(Table);
+    ApplyRowActions(__func__, Table);
   }
   gRaidReInitFlags[RAID_REINIT_FLAG(RAID_PAGE_CONFIG_TYPE)] = 1;
   gRaidReInitFlags[RAID_REINIT_FLAG(kPage)] = 1;

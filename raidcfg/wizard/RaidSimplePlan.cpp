@@ -25,9 +25,7 @@ constexpr UINT32 kMaxMembers = 256;
 
 constexpr UINT32 kVerifyPage = RAID_PAGE_SIMPLE_VERIFY;
 
-// The planner's helpers trace on behalf of
-// UpdateSimpleConfigNewVolumeParameters, whose name the log shows.
-constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
+// The planner's helpers below trace under Caller's name, the planner's.
 
 // The first entry marked default, or NULL.
 [[nodiscard]] RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries,
@@ -41,7 +39,8 @@ constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
 }
 
 // The stripe size: fixed by level on Intel RSTe, else the profile's default.
-[[nodiscard]] UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability,
+[[nodiscard]] UINT32 DefaultStripeSize(const CHAR8 *Caller,
+                                       const RAID_CAPABILITY *Capability,
                                        UINT32 Level) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE) {
     switch (Level) {
@@ -58,18 +57,17 @@ constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
   }
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = RaidCollectStripeSizes(Capability, Entries, kMaxPolicies);
-  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
-                "RAID: [%a] Stripe size count is %d\n", Count);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Stripe size count is %d\n",
+                Count);
   if (Count == 0) {
-    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
-                  "RAID: [%a] No strip size found\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] No strip size found\n");
     return RAID_STRIPE_SIZE_OTHER;
   }
   RAID_POLICY_ENTRY *Default = DefaultEntry(Entries, Count);
   if (Default == nullptr) {
     return 0;
   }
-  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] The default stripe size is %S\n", Default->Name);
   return RaidStripeSizeCode(Default->Name);
 }
@@ -126,10 +124,10 @@ VOID ApplyDefaultPolicy(const CHAR8 *Caller, const DEFAULT_POLICY &Policy,
 }
 
 // The profile's default policies into Parameter.
-VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
+VOID DefaultPolicies(const CHAR8 *Caller, const RAID_CAPABILITY *Capability,
                      RAID_VOLUME_PARAMETER *Parameter) {
   for (const DEFAULT_POLICY &Policy : kDefaultPolicies) {
-    ApplyDefaultPolicy(kPlanVolume, Policy, Capability, Parameter);
+    ApplyDefaultPolicy(Caller, Policy, Capability, Parameter);
   }
 }
 
@@ -167,8 +165,9 @@ VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
 // Takes the first Count eligible drives; returns how many were found, the
 // smallest capacity and whether they differ. *LastIndex is the position of
 // the last member in the drive list.
-[[nodiscard]] UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
-                                 BOOLEAN *Unequal, UINT32 *LastIndex) {
+[[nodiscard]] UINT32 PickMembers(const CHAR8 *Caller, UINT32 *Ids, UINT32 Count,
+                                 UINT64 *Smallest, BOOLEAN *Unequal,
+                                 UINT32 *LastIndex) {
   UINT32 Found = 0;
   UINT32 Position = 0;
   *Smallest = 0;
@@ -184,7 +183,7 @@ VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
       continue;
     }
     const UINT64 Capacity = RaidDriveCapacity(Drive);
-    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Disk drive %d capacity is %dGB\n", Drive->Id,
                   static_cast<UINT32>(Capacity / 1000));
     if (Found != 0 && Capacity != *Smallest) {
@@ -280,8 +279,9 @@ BOOLEAN UpdateSimpleConfigNewVolumeParameters() {
     return FALSE;
   }
   GetDefaultVolumeName(Parameter->Name, NameCharacters);
-  Parameter->StripeSize = DefaultStripeSize(Controller->Capability, Level->Level);
-  DefaultPolicies(Controller->Capability, Parameter);
+  Parameter->StripeSize =
+      DefaultStripeSize(__func__, Controller->Capability, Level->Level);
+  DefaultPolicies(__func__, Controller->Capability, Parameter);
   Parameter->ControllerId = gRaidSelectedControllerIndex;
   Parameter->NewArray = 1;
   Parameter->Reserved = 1;
@@ -302,7 +302,7 @@ BOOLEAN UpdateSimpleConfigNewVolumeParameters() {
   BOOLEAN Unequal = FALSE;
   UINT32 LastIndex = 0;
   Parameter->DriveCount =
-      PickMembers(Ids, Wanted, &Smallest, &Unequal, &LastIndex);
+      PickMembers(__func__, Ids, Wanted, &Smallest, &Unequal, &LastIndex);
   Parameter->DriveList = RaidCopyDriveIds(Ids, Parameter->DriveCount);
   FreePool(Ids);
 

@@ -45,10 +45,6 @@ constexpr UINT32 kNameValid = 0;
 constexpr UINT32 kNameDuplicate = 1;
 constexpr UINT32 kNameBadForm = 2;
 
-// Editing lays the pop-up out on behalf of UpdateCreateVolumeLayout, whose
-// name the log shows.
-constexpr const CHAR8 *kEditLayout = "UpdateCreateVolumeLayout";
-
 constinit HOST_PAGE_NODE *gPopupRoot = nullptr;
 constinit UINT8 gCreateMode = 1;
 constinit CHAR16 gNameBeforeEdit[kMaxNameCharacters] = {};
@@ -267,8 +263,8 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
 }
 
 // Fills one policy's combo box from the profile; FALSE when its options
-// could not be allocated.
-[[nodiscard]] BOOLEAN FillPolicyCombo(UINT32 Kind) {
+// could not be allocated. Traced under Caller's name.
+[[nodiscard]] BOOLEAN FillPolicyCombo(const CHAR8 *Caller, UINT32 Kind) {
   static constexpr const CHAR8 *kTraces[kPolicyCount] = {
       "RAID: [%a] stripe size count is %d\n",
       "RAID: [%a] read policy count is %d\n",
@@ -277,7 +273,7 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
       "RAID: [%a] disk cache policy count is %d\n"};
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = CollectPolicy(Kind, Entries);
-  RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_INFO, kTraces[Kind], Count);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, kTraces[Kind], Count);
   HOST_PAGE_NODE *Combo = PopupNode(kComboIds[Kind]);
   if (Count == 0) {
     SetState(kLabelIds[Kind], HOST_DISPLAY_HIDDEN);
@@ -308,8 +304,7 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
     Texts[Offered++] = Entries[Index]->Name;
   }
   if (!RaidSetTextOptions(Combo, Texts, Offered)) {
-    RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_ERROR,
-                  "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return FALSE;
   }
   // The default's index in the profile's whole list, also where entries
@@ -324,7 +319,7 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
 // FALSE when a policy's options could not be filled.
 [[nodiscard]] BOOLEAN RaidPolicyDisplay() {
   for (UINT32 Kind = 0; Kind < kPolicyCount; Kind++) {
-    if (!FillPolicyCombo(Kind)) {
+    if (!FillPolicyCombo(__func__, Kind)) {
       return FALSE;
     }
   }
@@ -763,9 +758,9 @@ constexpr HOST_CONTROL_DESCRIPTOR kPopupOwn[] = {
     {RAID_NODE_POPUP_EXIT, _RaidAdvCreateVolumeExitButtonCallback},
 };
 
-// Puts the edited record's policy into its combo box and logs its word,
-// or hides the combo box.
-VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
+// Puts the edited record's policy into its combo box and logs its word
+// under Caller's name, or hides the combo box.
+VOID ShowEditedPolicy(const CHAR8 *Caller, UINT32 Kind, UINT32 Code) {
   if (gPresent[Kind] == 0) {
     SetState(kComboIds[Kind], HOST_DISPLAY_HIDDEN);
     return;
@@ -774,42 +769,43 @@ VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
   switch (Kind) {
     case kRead:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] Read policy is: %S\n", RaidReadPolicyWord(Code));
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Read policy is: %S\n",
+                    RaidReadPolicyWord(Code));
       break;
     case kWrite:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] Write policy is: %S\n",
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Write policy is: %S\n",
                     RaidWritePolicyWord(Code));
       break;
     case kIo:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] IO policy is %S\n", RaidIoPolicyWord(Code));
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] IO policy is %S\n",
+                    RaidIoPolicyWord(Code));
       break;
     default:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Disk cache policy is %S\n",
                     RaidDiskCachePolicyWord(Code));
       break;
   }
 }
 
-// The edited disk's size as record, edit box and maximum label hold it.
-VOID TraceEditedLayout(const RAID_VOLUME_PARAMETER *Record, UINT64 Limit) {
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+// The edited disk's size as record, edit box and maximum label hold it,
+// traced under Caller's name.
+VOID TraceEditedLayout(const CHAR8 *Caller, const RAID_VOLUME_PARAMETER *Record,
+                       UINT64 Limit) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, params.VC: %d\n",
                 gNameBeforeEdit, static_cast<UINT32>(Record->Size));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, VolCap: %d\n", gNameBeforeEdit,
                 static_cast<UINT32>(gEditedSize));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, ControlValue: %S\n",
                 gNameBeforeEdit, EditText(RAID_NODE_POPUP_CAPACITY_EDIT));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, %d GB MAX:\n", gNameBeforeEdit,
                 static_cast<UINT32>(Limit));
   const CHAR16 *MaxLabel = RaidControlText(PopupNode(RAID_NODE_POPUP_CAPACITY_MAX));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, FreeSizeString: %S:\n",
                 gNameBeforeEdit, MaxLabel != nullptr ? MaxLabel : u"");
 }
@@ -828,16 +824,15 @@ VOID RaidOpenCreateVolumePopup() {
   FixupCreatePopup();
 }
 
-VOID RaidOpenEditVolumePopup(UINT32 Row) {
+VOID UpdateCreateVolumeLayout(UINT32 Row) {
   gCreateMode = 0;
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] start\n");
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
   for (UINT32 Index = 1; Record != nullptr && Index < Row; Index++) {
     Record = Record->Next;
   }
-  if (Row == 0 || Record == nullptr || !AttachPopup(kEditLayout)) {
-    RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                  "RAID: [%a] Pointer to VD is null\n");
+  if (Row == 0 || Record == nullptr || !AttachPopup(__func__)) {
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Pointer to VD is null\n");
     return;
   }
   gEdited = Record;
@@ -847,12 +842,12 @@ VOID RaidOpenEditVolumePopup(UINT32 Row) {
   EFI_STATUS Copied = StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
                               Record->Name != nullptr ? Record->Name : u"");
   ASSERT(!EFI_ERROR(Copied));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
-                gNameBeforeEdit);
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
+             gNameBeforeEdit);
   SetText(RAID_NODE_POPUP_NAME_EDIT, AllocString(gNameBeforeEdit));
   const UINT64 Limit = LeftCapacity() + gEditedSize;
   SetCapacity(gEditedSize, Limit);
-  TraceEditedLayout(Record, Limit);
+  TraceEditedLayout(__func__, Record, Limit);
   const UINT8 Capacity =
       RaidBelowVolumeLimit() ? HOST_DISPLAY_SHOWN : HOST_DISPLAY_GRAYED;
   SetState(RAID_NODE_POPUP_CAPACITY_EDIT, Capacity);
@@ -868,10 +863,10 @@ VOID RaidOpenEditVolumePopup(UINT32 Row) {
              FirstOnNewArray && !IsIntelRaid1() ? HOST_DISPLAY_SHOWN
                                                 : HOST_DISPLAY_GRAYED);
   }
-  ShowEditedPolicy(kRead, Record->ReadPolicy);
-  ShowEditedPolicy(kWrite, Record->WritePolicy);
-  ShowEditedPolicy(kIo, Record->IoPolicy);
-  ShowEditedPolicy(kCache, Record->DiskCachePolicy);
+  ShowEditedPolicy(__func__, kRead, Record->ReadPolicy);
+  ShowEditedPolicy(__func__, kWrite, Record->WritePolicy);
+  ShowEditedPolicy(__func__, kIo, Record->IoPolicy);
+  ShowEditedPolicy(__func__, kCache, Record->DiskCachePolicy);
   ValidateCreateVolumePage();
   ShowPopup(RAID_NODE_POPUP_NAME_EDIT);
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const CHAR8 *kScanFunction = "RaidLibScanPciBus";
-
 constexpr UINT8 kClassMassStorage = 0x01;
 constexpr UINT8 kSubClassRaid = 0x04;
 constexpr UINT8 kSubClassSata = 0x06;
@@ -80,7 +78,9 @@ VOID FillEntry(PCI_BUS_DEVICE *Entry, EFI_PCI_IO_PROTOCOL *PciIo,
 }
 
 // Decides for one handle; the entry is either linked into List or freed.
-[[nodiscard]] EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
+// Traced under Caller's name, the scan's.
+[[nodiscard]] EFI_STATUS ScanOneFunction(const CHAR8 *Caller, EFI_HANDLE Handle,
+                                         LIST_ENTRY *List) {
   EFI_PCI_IO_PROTOCOL *PciIo = nullptr;
   if (EFI_ERROR(gBS->HandleProtocol(Handle, &gEfiPciIoProtocolGuid,
                                     (VOID **)&PciIo)) ||
@@ -114,9 +114,9 @@ VOID FillEntry(PCI_BUS_DEVICE *Entry, EFI_PCI_IO_PROTOCOL *PciIo,
   FillEntry(Entry, PciIo, Handle);
 
   if (ProgIf != 0) {
-    RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
-                   "[%a]Pci bus(SATA): 0x%x, Dev: 0x%x, Func: 0x%x\n",
-                   Entry->Bus, Entry->Device, Entry->Function);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]Pci bus(SATA): 0x%x, Dev: 0x%x, Func: 0x%x\n",
+                      Entry->Bus, Entry->Device, Entry->Function);
     // Only Marvell's M.2 RAID adapters present themselves as AHCI.
     if (Entry->VendorId != kVendorMarvell) {
       FreePool(Entry);
@@ -128,9 +128,9 @@ VOID FillEntry(PCI_BUS_DEVICE *Entry, EFI_PCI_IO_PROTOCOL *PciIo,
     return EFI_SUCCESS;
   }
 
-  RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
-                 "[%a]Pci bus(RAID): 0x%x, Dev: 0x%x, Func: 0x%x\n", Entry->Bus,
-                 Entry->Device, Entry->Function);
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                    "[%a]Pci bus(RAID): 0x%x, Dev: 0x%x, Func: 0x%x\n",
+                    Entry->Bus, Entry->Device, Entry->Function);
   if (IsExcluded(Entry)) {
     FreePool(Entry);
   } else {
@@ -155,7 +155,7 @@ EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode) {
     return EFI_NOT_FOUND;
   }
   for (UINTN Index = 0; Index < HandleCount; Index++) {
-    if (EFI_ERROR(ScanOneFunction(Handles[Index], List))) {
+    if (EFI_ERROR(ScanOneFunction(__func__, Handles[Index], List))) {
       FreePool(Handles);
       ReleasePciBusDeviceList(List);
       *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
