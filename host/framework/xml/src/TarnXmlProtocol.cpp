@@ -130,17 +130,11 @@ EFI_TARNXML_PROTOCOL *TarnXmlProtocolInterface(VOID) {
   return &gTarnXmlProtocol;
 }
 
-UINTN TarnXmlLiveParsers(VOID) {
-  UINTN Count = 0;
-  for (ParserRecord *Record : uefi::ListOf<&ParserRecord::Link>(LiveParsers())) {
-    (VOID)Record;
-    Count++;
-  }
-  return Count;
-}
+UINTN TarnXmlLiveParsers(VOID) { return CountListEntries(&LiveParsers()); }
 
 VOID TarnXmlFreeAllParsers(VOID) {
-  while (!IsListEmpty(&LiveParsers())) {
-    FreeRecord(uefi::RecordOf<&ParserRecord::Link>(GetFirstNode(&LiveParsers())));
+  while (ParserRecord *Record =
+             uefi::TakeFirst<&ParserRecord::Link>(&LiveParsers())) {
+    FreeRecord(Record);
   }
 }

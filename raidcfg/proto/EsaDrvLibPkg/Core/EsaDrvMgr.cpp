@@ -192,12 +192,12 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
   RaidLibTraceVersion();
   *ErrorCode = 0;
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  // A list head never initialised (no InitializeRaid yet) holds nothing.
+  // A list head never initialised (no InitializeRaid yet) holds nothing,
+  // and is left as it is.
   if (IsListLive(&gControllerList)) {
-    while (!IsListEmpty(&gControllerList)) {
-      LIST_ENTRY *Node = GetFirstNode(&gControllerList);
-      RemoveEntryList(Node);
-      RaidLibFreeController(uefi::RecordOf<&RAID_CONTROLLER::Link>(Node));
+    while (RAID_CONTROLLER *Controller =
+               uefi::TakeFirst<&RAID_CONTROLLER::Link>(&gControllerList)) {
+      RaidLibFreeController(Controller);
     }
   }
   if (gRaidToolOutputCopy != nullptr) {

@@ -169,10 +169,8 @@ EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode) {
 // Frees every entry of a scan or ordered list.
 VOID ReleasePciBusDeviceList(LIST_ENTRY *List) {
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  while (!IsListEmpty(List)) {
-    LIST_ENTRY *Node = GetFirstNode(List);
-    RemoveEntryList(Node);
-    FreePool(uefi::RecordOf<&PCI_BUS_DEVICE::Link>(Node));
+  while (PCI_BUS_DEVICE *Entry = uefi::TakeFirst<&PCI_BUS_DEVICE::Link>(List)) {
+    FreePool(Entry);
   }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] end\n");
 }

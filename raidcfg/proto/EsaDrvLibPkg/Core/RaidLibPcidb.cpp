@@ -98,10 +98,7 @@ EFI_STATUS RaidLibReadPcidb(LIST_ENTRY *PcidbList, UINT32 *ErrorCode) {
 // Frees the database entries and their two strings.
 VOID ReleasePcidbList(LIST_ENTRY *List) {
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  while (!IsListEmpty(List)) {
-    LIST_ENTRY *Node = GetFirstNode(List);
-    RemoveEntryList(Node);
-    PCIDB_ENTRY *Entry = uefi::RecordOf<&PCIDB_ENTRY::Link>(Node);
+  while (PCIDB_ENTRY *Entry = uefi::TakeFirst<&PCIDB_ENTRY::Link>(List)) {
     FreePool(Entry->StorageId);
     FreePool(Entry->DevName);
     FreePool(Entry);

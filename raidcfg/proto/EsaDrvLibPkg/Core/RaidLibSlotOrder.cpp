@@ -85,9 +85,8 @@ VOID RaidLibOrderBySlotInventory(LIST_ENTRY *ScanList, LIST_ENTRY *Ordered,
       InsertTailList(Ordered, &Device->Link);
     }
   }
-  while (!IsListEmpty(ScanList)) {
-    LIST_ENTRY *Node = GetFirstNode(ScanList);
-    RemoveEntryList(Node);
-    InsertTailList(Ordered, Node);
+  while (PCI_BUS_DEVICE *Device =
+             uefi::TakeFirst<&PCI_BUS_DEVICE::Link>(ScanList)) {
+    InsertTailList(Ordered, &Device->Link);
   }
 }

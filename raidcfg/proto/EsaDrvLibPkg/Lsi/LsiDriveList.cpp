@@ -51,7 +51,7 @@ EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
     return EFI_BUFFER_TOO_SMALL;
   }
   Buffer[0] = 0;
-  if (List == nullptr || List->ForwardLink == nullptr) {
+  if (List == nullptr || !IsListLive(List)) {
     return EFI_SUCCESS;
   }
   UINTN Used = 0;
