@@ -1,5 +1,6 @@
 // The error box every page shows after a failed operation.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Protocol/Host/PageFramework.h>
@@ -26,6 +27,7 @@ constexpr UINTN kErrorTextExtra = 6;
   if (Index == 0) {
     return static_cast<EFI_STRING_ID>(STR_ERROR_MESSAGE_001 - 1);
   }
+  ASSERT(gRaidErrMsgArray[Index - 1] != 0);  // filled at start-up
   return gRaidErrMsgArray[Index - 1];
 }
 

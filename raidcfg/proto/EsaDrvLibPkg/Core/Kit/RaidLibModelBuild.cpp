@@ -131,6 +131,8 @@ RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id, const CHAR16 *Location,
 
 VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                        RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  // An array's drives are counted on the array's own controller.
+  ASSERT(Array == nullptr || Array->Controller == Controller);
   Drive->State = State;
   Drive->Role = Role;
   LIST_ENTRY *List = nullptr;
@@ -148,6 +150,7 @@ VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 
 VOID RaidLibMoveDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                       RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  ASSERT(Drive->Owner != nullptr);  // only a placed drive has a list to leave
   if (UINT32 *Count = CountOfPlace(Controller, Drive);
       Count != nullptr && *Count > 0) {
     (*Count)--;

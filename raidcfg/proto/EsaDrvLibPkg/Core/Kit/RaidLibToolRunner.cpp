@@ -2,6 +2,7 @@
 // shared output buffer.
 #include "RaidLibToolRunner.h"
 
+#include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 #include <Protocol/Host/ShellCommand.h>
@@ -79,6 +80,9 @@ namespace {
   if (EFI_ERROR(Status)) {
     return Status;
   }
+  // Every backend sizes its lines within the longest; a release image
+  // clamps all the same.
+  ASSERT(Run.CommandChars <= RAID_TOOL_LONGEST_COMMAND_CHARS);
   UINTN CommandChars = Run.CommandChars;
   if (CommandChars > RAID_TOOL_LONGEST_COMMAND_CHARS) {
     CommandChars = RAID_TOOL_LONGEST_COMMAND_CHARS;
