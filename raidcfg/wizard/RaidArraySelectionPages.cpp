@@ -184,6 +184,7 @@ RAID_CONTROL_CALLBACK(RaidAdvSelArrayBackCallback) {
     case RAID_MEDIA_NVME_SSD:
       return u"NVMe/SSD";
     default:
+      // Deliberately: SAS SSD and every other code read "SAS/SSD".
       return u"SAS/SSD";
   }
 }
@@ -410,6 +411,7 @@ VOID ShowDriveWarning(CHAR16 *Text) {
     Number = Max;
   } else if ((Members & 1) != 0 && Level->Level != 0 && Level->Level != 5 &&
              Level->Level != 6) {
+    // The two even-count messages differ by level deliberately.
     Message = Level->Level == 10 ? STR_WARN_DRIVES_TIMES_OF_TWO
                                  : STR_WARN_EVEN_DRIVES;
   }

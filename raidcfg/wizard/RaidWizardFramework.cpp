@@ -435,6 +435,8 @@ VOID RaidFreeWizardPages() {
 
 VOID FreeComboOptions(HOST_OPTION_LIST *List) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start...\n");
+  // A list of count 0 is left as it is, its array included, deliberately:
+  // the count says what the list owns.
   if (List == nullptr || List->Count == 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] end\n");
     return;

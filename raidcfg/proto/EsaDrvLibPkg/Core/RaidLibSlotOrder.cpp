@@ -26,8 +26,10 @@ constexpr UINT16 kIntelOnboardRaidEngine = 0x2826;
          Device->DeviceId == kIntelOnboardRaidEngine;
 }
 
-// "Slot %d" inside the entry's slot text. A substring test: "Slot 1" is also
-// found in "Slot 12"; the inventory is expected not to be ambiguous.
+// "Slot %d" inside the entry's slot text. Deliberately a substring test:
+// "Slot 1" is also found in "Slot 12". The host's inventory is expected not
+// to be ambiguous, and the adapters' order follows this match as the host's
+// own pages show it; do not make it exact.
 [[nodiscard]] bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
                                        const SLOT_INVENTORY_ENTRY &Entry) {
   if (Entry.SlotText == nullptr) {

@@ -164,9 +164,11 @@
 #define RAID_STATE_INVALID 58
 
 // ---- Policy codes (RAID_POLICY_ENTRY.Value, RAID_VOLUME, parameters) -------
-// The codes are not ordered alike across lists; each "OTHER" code is the
-// list's "any other text" and, in a creation request, "leave the tool's
-// default".
+// The codes are deliberately not ordered alike across lists (read ahead is
+// 0, and so are "Cached" and "Off"): each list numbers its own words, and
+// every backend's word tables map to these numbers, so they must not be
+// lined up. Each "OTHER" code is the list's "any other text" and, in a
+// creation request, "leave the tool's default".
 
 #define RAID_READ_POLICY_ALWAYS_READ_AHEAD 0
 #define RAID_READ_POLICY_NO_READ_AHEAD 1

@@ -207,8 +207,11 @@ constexpr UINTN kMaxListedDrives = 1024;
   return !EFI_ERROR(Status);
 }
 
-// Formats the new array's hot-spare command. Only the first enclosure is
-// named: the slots piece runs up to the next ":" of the list.
+// Formats the new array's hot-spare command. Deliberately only the first
+// enclosure is named: the slots piece runs up to the next ":" of the list,
+// so with spares in two enclosures it carries the next enclosure's number
+// after the slots. Splitting it per enclosure would change what storcli is
+// told on adapters in use; keep the line as it is built.
 [[nodiscard]] bool FormatAddHotSpares(const CHAR8 *Caller,
                                       RAID_CONTROLLER *Controller,
                                       const RAID_VOLUME_PARAMETER *Parameter,

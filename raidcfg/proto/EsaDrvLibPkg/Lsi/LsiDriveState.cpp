@@ -201,9 +201,10 @@ VOID ChangeState(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL
 
 }  // namespace
 
-// Changes one drive's state and edits the model to match. On a failure the
-// status is the error code's low byte, without the error bit: callers judge
-// by the error code.
+// Changes one drive's state and edits the model to match, deliberately
+// without re-reading the adapter. On a failure the status is the error
+// code's low byte, without the error bit, also deliberately: callers judge
+// by the error code alone, so neither rule may be "corrected".
 EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
                                     RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
                                     UINT32 *ErrorCode) {

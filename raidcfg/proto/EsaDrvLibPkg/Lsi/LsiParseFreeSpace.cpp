@@ -84,8 +84,9 @@ struct SegmentIds {
   UINT32 SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
   bool Placed = Ids.AfterVd == RAID_SEGMENT_AFTER_NO_VOLUME ||
                 ListHasId(Array, Ids.AfterVd);
-  // A segment after no listed record still joins the list (at its tail), so
-  // the array owns it, but the report is refused.
+  // The kit places the segment as the wizard expects (deliberately ahead of
+  // the record it lies after). A segment after no listed record still joins
+  // the list (at its tail), so the array owns it, but the report is refused.
   if (RaidLibAddFreeSegment(Array, Ids.Id, Ids.AfterVd, SizeFigure, SizeUnit,
                             kSegmentExtraSize) == nullptr) {
     return EFI_OUT_OF_RESOURCES;

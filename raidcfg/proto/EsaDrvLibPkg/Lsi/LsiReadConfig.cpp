@@ -72,7 +72,9 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   }
   for (UINT32 CardId = 0; CardId < gLsiControllerCount; CardId++) {
     if (gLsiControllerCount == 2 && CardId == 1) {
-      // Two controllers and card 0 is not ours: card 1 must be.
+      // Two controllers and card 0 is not ours: card 1 must be. A
+      // deliberate shortcut that saves a tool run at start-up: card 1 is
+      // taken without running its command, and card 0's code is cleared.
       Controller->Private->CardId = 1;
       *ErrorCode = 0;
       return EFI_SUCCESS;
