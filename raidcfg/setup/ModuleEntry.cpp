@@ -20,7 +20,7 @@ namespace {
 
 // Locates the protocol Guid and returns its interface, or null when the
 // firmware does not offer it.
-VOID *LocateOptionalProtocol(EFI_GUID &Guid) {
+[[nodiscard]] VOID *LocateOptionalProtocol(EFI_GUID &Guid) {
   VOID *Interface = nullptr;
   if (EFI_ERROR(gBS->LocateProtocol(&Guid, nullptr, &Interface))) {
     return nullptr;
@@ -63,7 +63,7 @@ VOID ProcessLibraryDestructorList() {
 
 // Makes the image unloadable: puts the unload handler into the image's
 // Loaded Image protocol.
-EFI_STATUS ArmUnloadHandler(EFI_HANDLE ImageHandle) {
+[[nodiscard]] EFI_STATUS ArmUnloadHandler(EFI_HANDLE ImageHandle) {
   EFI_LOADED_IMAGE_PROTOCOL *LoadedImage = nullptr;
   EFI_STATUS Status =
       gBS->HandleProtocol(ImageHandle, &gEfiLoadedImageProtocolGuid,

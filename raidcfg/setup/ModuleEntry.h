@@ -20,16 +20,16 @@ extern VOID *gHiiImage;
 // Image entry: checks the firmware revision, runs the library
 // constructors, arms the unload handler and calls RaidcfgSetupEntryPoint.
 // Returns the start-up status; on an error the library destructors have run.
-extern "C" EFI_STATUS EFIAPI _ModuleEntryPoint(EFI_HANDLE ImageHandle,
-                                               EFI_SYSTEM_TABLE *SystemTable);
+extern "C" [[nodiscard]] EFI_STATUS EFIAPI
+_ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE *SystemTable);
 
 // Unload handler put into the Loaded Image protocol: calls
 // RaidcfgSetupExitPoint and, when that succeeds, the library destructors.
-EFI_STATUS EFIAPI _DriverUnloadHandler(EFI_HANDLE ImageHandle);
+[[nodiscard]] EFI_STATUS EFIAPI _DriverUnloadHandler(EFI_HANDLE ImageHandle);
 
 // Start-up: connects the module to its host and builds the wizard.
-EFI_STATUS EFIAPI RaidcfgSetupEntryPoint(EFI_HANDLE ImageHandle,
-                                         EFI_SYSTEM_TABLE *SystemTable);
+[[nodiscard]] EFI_STATUS EFIAPI
+RaidcfgSetupEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE *SystemTable);
 
 // Shutdown: releases everything start-up built, in reverse order.
-EFI_STATUS EFIAPI RaidcfgSetupExitPoint(EFI_HANDLE ImageHandle);
+[[nodiscard]] EFI_STATUS EFIAPI RaidcfgSetupExitPoint(EFI_HANDLE ImageHandle);

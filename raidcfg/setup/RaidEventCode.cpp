@@ -13,7 +13,7 @@
 
 // The identifiers and messages are what the management controller's event
 // catalogue holds, spelling included ("KDZPMRS0011K", no full stop after
-// "virtual disk" in 0xFE21): they must not be corrected.
+// "virtual disk" in 0xFE21): kept deliberately, they must not be corrected.
 constinit const RAID_EVENT_ENTRY gRaidEventTable[RAID_EVENT_TABLE_SIZE] = {
     {"KDZPMSR0001K", 0xFE01, "Find unsupported RAID adapter."},
     {"KDZPMRS0011K", 0xFE11, "Failed to change disk drives' state."},

@@ -32,5 +32,6 @@ VOID SendEventCode(UINT8 EventByte);
 
 // Looks EventCode up in Table up to its end mark. On a match: the message,
 // the entry and EFI_SUCCESS; otherwise both NULL and EFI_NOT_FOUND.
-EFI_STATUS MatchString(const RAID_EVENT_ENTRY *Table, UINT32 EventCode,
-                       const CHAR8 **Message, const RAID_EVENT_ENTRY **Entry);
+[[nodiscard]] EFI_STATUS MatchString(const RAID_EVENT_ENTRY *Table,
+                                     UINT32 EventCode, const CHAR8 **Message,
+                                     const RAID_EVENT_ENTRY **Entry);

@@ -10,7 +10,8 @@ namespace {
 // Take(Record, Index) returns whether it took the record. The list heads
 // are the model's own, so they are walked through a non-const view.
 template <typename Record, LIST_ENTRY Record::*Link, typename Taker>
-UINT32 CollectFrom(const LIST_ENTRY &Head, UINT32 Max, Taker Take) {
+[[nodiscard]] UINT32 CollectFrom(const LIST_ENTRY &Head, UINT32 Max,
+                                 Taker Take) {
   if (!IsListLive(&Head)) {
     return 0;
   }
@@ -28,7 +29,8 @@ UINT32 CollectFrom(const LIST_ENTRY &Head, UINT32 Max, Taker Take) {
 
 // Fills Out with the records of a list, at most Max of them.
 template <typename Record, LIST_ENTRY Record::*Link>
-UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out, UINT32 Max) {
+[[nodiscard]] UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out,
+                                UINT32 Max) {
   if (Out == nullptr) {
     return 0;
   }
@@ -39,8 +41,8 @@ UINT32 CollectAll(const LIST_ENTRY &Head, Record **Out, UINT32 Max) {
 }
 
 // The segments of an array whose IsVolume equals WantVolume.
-UINT32 CollectSegments(const RAID_ARRAY *Array, UINT8 WantVolume,
-                       RAID_VOLUME **Out, UINT32 Max) {
+[[nodiscard]] UINT32 CollectSegments(const RAID_ARRAY *Array, UINT8 WantVolume,
+                                     RAID_VOLUME **Out, UINT32 Max) {
   if (Array == nullptr || Out == nullptr) {
     return 0;
   }
@@ -56,9 +58,9 @@ UINT32 CollectSegments(const RAID_ARRAY *Array, UINT8 WantVolume,
 }
 
 // One of the capability's policy lists (List names it).
-UINT32 CollectPolicies(const RAID_CAPABILITY *Capability,
-                       LIST_ENTRY RAID_CAPABILITY::*List,
-                       RAID_POLICY_ENTRY **Out, UINT32 Max) {
+[[nodiscard]] UINT32 CollectPolicies(const RAID_CAPABILITY *Capability,
+                                     LIST_ENTRY RAID_CAPABILITY::*List,
+                                     RAID_POLICY_ENTRY **Out, UINT32 Max) {
   return Capability == nullptr
              ? 0
              : CollectAll<RAID_POLICY_ENTRY, &RAID_POLICY_ENTRY::Link>(

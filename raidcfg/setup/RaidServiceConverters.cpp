@@ -66,7 +66,7 @@ constexpr WordTable<7> kRaidLevels = {{{u"RAID 0", 0},
 constexpr const CHAR16 *kNotAvailable = u"N/A";
 
 template <UINTN N>
-UINT32 CodeOf(const WordTable<N> &Table, const CHAR16 *Word) {
+[[nodiscard]] UINT32 CodeOf(const WordTable<N> &Table, const CHAR16 *Word) {
   if (Word != nullptr) {
     for (const WordCode &Entry : Table.Entries) {
       if (StrCmp(Entry.Word, Word) == 0) {
@@ -78,7 +78,7 @@ UINT32 CodeOf(const WordTable<N> &Table, const CHAR16 *Word) {
 }
 
 template <UINTN N>
-const CHAR16 *WordOf(const WordTable<N> &Table, UINT32 Code) {
+[[nodiscard]] const CHAR16 *WordOf(const WordTable<N> &Table, UINT32 Code) {
   for (const WordCode &Entry : Table.Entries) {
     if (Entry.Code == Code) {
       return Entry.Word;

@@ -12,7 +12,7 @@ namespace {
 
 // The first record of the list at Head that Match accepts, or NULL.
 template <typename Record, LIST_ENTRY Record::*Link, typename Matcher>
-Record *FindInList(LIST_ENTRY *Head, Matcher Match) {
+[[nodiscard]] Record *FindInList(LIST_ENTRY *Head, Matcher Match) {
   if (Head == nullptr || !IsListLive(Head)) {
     return nullptr;
   }
@@ -25,13 +25,14 @@ Record *FindInList(LIST_ENTRY *Head, Matcher Match) {
 }
 
 // The controller with Id in the list at Head, or NULL.
-RAID_CONTROLLER *FindControllerInList(LIST_ENTRY *Head, UINT32 Id) {
+[[nodiscard]] RAID_CONTROLLER *FindControllerInList(LIST_ENTRY *Head,
+                                                    UINT32 Id) {
   return FindInList<RAID_CONTROLLER, &RAID_CONTROLLER::Link>(
       Head, [Id](RAID_CONTROLLER *Controller) { return Controller->Id == Id; });
 }
 
 // The current controller's array with Id, or NULL.
-RAID_ARRAY *FindCurrentArray(UINT32 ArrayId) {
+[[nodiscard]] RAID_ARRAY *FindCurrentArray(UINT32 ArrayId) {
   if (gCurrentRaidController == nullptr) {
     return nullptr;
   }
@@ -41,7 +42,7 @@ RAID_ARRAY *FindCurrentArray(UINT32 ArrayId) {
 }
 
 // The first volume (not free segment) of Array with Id, or NULL.
-RAID_VOLUME *FindVolume(RAID_ARRAY *Array, UINT32 VolumeId) {
+[[nodiscard]] RAID_VOLUME *FindVolume(RAID_ARRAY *Array, UINT32 VolumeId) {
   return FindInList<RAID_VOLUME, &RAID_VOLUME::Link>(
       &Array->SegmentList, [VolumeId](RAID_VOLUME *Segment) {
         return Segment->IsVolume == 1 && Segment->Id == VolumeId;
@@ -55,10 +56,11 @@ using ControllerInfoReader = EFI_STATUS (*)(RAID_CONTROLLER *,
 // Runs Read on the controller with Id in the list at Head (nothing when
 // there is none) and traces its status under the name of the service
 // function Caller.
-EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, ControllerInfoReader Read,
-                              LIST_ENTRY *Head, UINT32 Id,
-                              RAID_CONTROLLER **Controller,
-                              UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS ReadControllerInfo(const CHAR8 *Caller,
+                                            ControllerInfoReader Read,
+                                            LIST_ENTRY *Head, UINT32 Id,
+                                            RAID_CONTROLLER **Controller,
+                                            UINT32 *ErrorCode) {
   RAID_CONTROLLER *Found = FindControllerInList(Head, Id);
   if (Found == nullptr) {
     return EFI_SUCCESS;

@@ -21,73 +21,80 @@ extern RAID_CONTROLLER *gCurrentRaidController;
 // Each fills Out with at most Max record pointers (or copies) in list order
 // and returns how many it wrote; a NULL source or an empty list gives 0.
 
-UINT32 RaidCollectLevels(const RAID_CAPABILITY *Capability,
-                         RAID_LEVEL_CAP **Out, UINT32 Max);
-UINT32 RaidCollectReadPolicies(const RAID_CAPABILITY *Capability,
-                               RAID_POLICY_ENTRY **Out, UINT32 Max);
-UINT32 RaidCollectWritePolicies(const RAID_CAPABILITY *Capability,
-                                RAID_POLICY_ENTRY **Out, UINT32 Max);
-UINT32 RaidCollectIoPolicies(const RAID_CAPABILITY *Capability,
-                             RAID_POLICY_ENTRY **Out, UINT32 Max);
-UINT32 RaidCollectDiskCachePolicies(const RAID_CAPABILITY *Capability,
-                                    RAID_POLICY_ENTRY **Out, UINT32 Max);
-UINT32 RaidCollectStripeSizes(const RAID_CAPABILITY *Capability,
-                              RAID_POLICY_ENTRY **Out, UINT32 Max);
-UINT32 RaidCollectArrays(const RAID_CONTROLLER *Controller, RAID_ARRAY **Out,
-                         UINT32 Max);
-UINT32 RaidCollectArrayDrives(const RAID_ARRAY *Array,
-                              RAID_PHYSICAL_DRIVE **Out, UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectLevels(const RAID_CAPABILITY *Capability,
+                                       RAID_LEVEL_CAP **Out, UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectReadPolicies(const RAID_CAPABILITY *Capability,
+                                             RAID_POLICY_ENTRY **Out,
+                                             UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectWritePolicies(const RAID_CAPABILITY *Capability,
+                                              RAID_POLICY_ENTRY **Out,
+                                              UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectIoPolicies(const RAID_CAPABILITY *Capability,
+                                           RAID_POLICY_ENTRY **Out, UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectDiskCachePolicies(
+    const RAID_CAPABILITY *Capability, RAID_POLICY_ENTRY **Out, UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectStripeSizes(const RAID_CAPABILITY *Capability,
+                                            RAID_POLICY_ENTRY **Out,
+                                            UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectArrays(const RAID_CONTROLLER *Controller,
+                                       RAID_ARRAY **Out, UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectArrayDrives(const RAID_ARRAY *Array,
+                                            RAID_PHYSICAL_DRIVE **Out,
+                                            UINT32 Max);
 // Copies each drive record whole; the copies share the drives' strings.
-UINT32 RaidCopyArrayDrives(const RAID_ARRAY *Array, RAID_PHYSICAL_DRIVE *Out,
-                           UINT32 Max);
+[[nodiscard]] UINT32 RaidCopyArrayDrives(const RAID_ARRAY *Array,
+                                         RAID_PHYSICAL_DRIVE *Out, UINT32 Max);
 // SegmentList entries with IsVolume 1.
-UINT32 RaidCollectVolumes(const RAID_ARRAY *Array, RAID_VOLUME **Out,
-                          UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectVolumes(const RAID_ARRAY *Array,
+                                        RAID_VOLUME **Out, UINT32 Max);
 // SegmentList entries with IsVolume 0.
-UINT32 RaidCollectFreeSegments(const RAID_ARRAY *Array, RAID_VOLUME **Out,
-                               UINT32 Max);
+[[nodiscard]] UINT32 RaidCollectFreeSegments(const RAID_ARRAY *Array,
+                                             RAID_VOLUME **Out, UINT32 Max);
 
 // ---- Operations ---------------------------------------------------------------
 
 // Runs adapter discovery. A model left by an earlier run (a failed one may
 // leave controllers behind) is released first, so a retry cannot leak it.
-EFI_STATUS InitializeRaidService(UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS InitializeRaidService(UINT32 *ErrorCode);
 // *Head = gControllerList; returns the number of controllers in it.
 UINT32 GetRaidControllerList(LIST_ENTRY **Head);
 // The current controller's level record for Level, or NULL (traced).
-RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level);
+[[nodiscard]] RAID_LEVEL_CAP *GetControllerRaidLeveCapPointer(UINT32 Level);
 // Reads the information of the controller Id of the list. No such
 // controller: EFI_SUCCESS with nothing done.
-EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
-                                 RAID_CONTROLLER **Controller,
-                                 UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS GetRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                               RAID_CONTROLLER **Controller,
+                                               UINT32 *ErrorCode);
 // The same, with the tool run again.
-EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
-                                     RAID_CONTROLLER **Controller,
-                                     UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RefreshRaidControllerInfo(LIST_ENTRY *Head, UINT32 Id,
+                                                   RAID_CONTROLLER **Controller,
+                                                   UINT32 *ErrorCode);
 // Entry DriveIndex of the controller's DriveTable, or NULL beyond its
 // DiskDriveCount entries (or without a controller or table).
-RAID_PHYSICAL_DRIVE *RaidDriveAtIndex(RAID_CONTROLLER *Controller,
-                                      UINT32 DriveIndex);
+[[nodiscard]] RAID_PHYSICAL_DRIVE *RaidDriveAtIndex(RAID_CONTROLLER *Controller,
+                                                    UINT32 DriveIndex);
 // Changes entry DriveIndex of the current controller's DriveTable to State.
-EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex, UINT32 Unused,
-                                     UINT32 State, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS SetRaidPhysicalDriveState(UINT32 DriveIndex,
+                                                   UINT32 Unused, UINT32 State,
+                                                   UINT32 *ErrorCode);
 // Changes every eligible drive of the controller Id of the list. No such
 // controller: EFI_SUCCESS with nothing done.
-EFI_STATUS SetAllRaidPhysicalDriveState(LIST_ENTRY *Head, UINT32 Id,
-                                        UINT32 State, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS SetAllRaidPhysicalDriveState(LIST_ENTRY *Head,
+                                                      UINT32 Id, UINT32 State,
+                                                      UINT32 *ErrorCode);
 // Deletes the current controller's array ArrayId; EFI_SUCCESS with nothing
 // done when there is none.
-EFI_STATUS DeleteRaidArray(UINT32 ArrayId, UINT32 Unused, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS DeleteRaidArray(UINT32 ArrayId, UINT32 Unused,
+                                         UINT32 *ErrorCode);
 // Deletes volume VolumeId of array ArrayId; a free segment with that Id is
 // not a volume. EFI_SUCCESS with nothing done when either is missing.
-EFI_STATUS DeleteRaidVolume(UINT32 ArrayId, UINT32 Unused, UINT32 VolumeId,
-                            UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS DeleteRaidVolume(UINT32 ArrayId, UINT32 Unused,
+                                          UINT32 VolumeId, UINT32 *ErrorCode);
 // Creates one planned volume.
-EFI_STATUS CreateRaidVolume(RAID_VOLUME_PARAMETER *Parameter,
-                            UINTN PassThrough, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS CreateRaidVolume(RAID_VOLUME_PARAMETER *Parameter,
+                                          UINTN PassThrough, UINT32 *ErrorCode);
 // The volumes of the controller's first 128 arrays.
-UINT32 GetVolumeCount(const RAID_CONTROLLER *Controller);
+[[nodiscard]] UINT32 GetVolumeCount(const RAID_CONTROLLER *Controller);
 
 // ---- Planned volumes ------------------------------------------------------------
 
@@ -98,7 +105,7 @@ VOID RaidEnqueueVolumeParameter(RAID_VOLUME_PARAMETER *Parameter);
 // Unlinks Parameter from the queue and frees it; ignored when not queued.
 VOID RaidDequeueVolumeParameter(RAID_VOLUME_PARAMETER *Parameter);
 // The first queued record, or NULL.
-RAID_VOLUME_PARAMETER *RaidVolumeParameterQueue();
+[[nodiscard]] RAID_VOLUME_PARAMETER *RaidVolumeParameterQueue();
 // Frees every queued record.
 VOID RaidFreeVolumeParameterQueue();
 
@@ -106,23 +113,23 @@ VOID RaidFreeVolumeParameterQueue();
 // Word to code compares the whole word and gives the list's "other" code for
 // any other word (or NULL); code to word gives "N/A" for an unknown code.
 
-UINT32 RaidStripeSizeCode(const CHAR16 *Word);
-const CHAR16 *RaidStripeSizeWord(UINT32 Code);
-UINT32 RaidReadPolicyCode(const CHAR16 *Word);
-const CHAR16 *RaidReadPolicyWord(UINT32 Code);
-UINT32 RaidWritePolicyCode(const CHAR16 *Word);
-const CHAR16 *RaidWritePolicyWord(UINT32 Code);
-UINT32 RaidIoPolicyCode(const CHAR16 *Word);
-const CHAR16 *RaidIoPolicyWord(UINT32 Code);
-UINT32 RaidDiskCachePolicyCode(const CHAR16 *Word);
-const CHAR16 *RaidDiskCachePolicyWord(UINT32 Code);
+[[nodiscard]] UINT32 RaidStripeSizeCode(const CHAR16 *Word);
+[[nodiscard]] const CHAR16 *RaidStripeSizeWord(UINT32 Code);
+[[nodiscard]] UINT32 RaidReadPolicyCode(const CHAR16 *Word);
+[[nodiscard]] const CHAR16 *RaidReadPolicyWord(UINT32 Code);
+[[nodiscard]] UINT32 RaidWritePolicyCode(const CHAR16 *Word);
+[[nodiscard]] const CHAR16 *RaidWritePolicyWord(UINT32 Code);
+[[nodiscard]] UINT32 RaidIoPolicyCode(const CHAR16 *Word);
+[[nodiscard]] const CHAR16 *RaidIoPolicyWord(UINT32 Code);
+[[nodiscard]] UINT32 RaidDiskCachePolicyCode(const CHAR16 *Word);
+[[nodiscard]] const CHAR16 *RaidDiskCachePolicyWord(UINT32 Code);
 
 // What RaidLevelNumber gives for a word that names no level.
 #define RAID_LEVEL_NONE 0xFFFFFFFFU
 // "RAID 5" -> 5.
-UINT32 RaidLevelNumber(const CHAR16 *Word);
+[[nodiscard]] UINT32 RaidLevelNumber(const CHAR16 *Word);
 // The display text of a drive or volume state code.
-const CHAR16 *GetStateText(UINT32 State);
+[[nodiscard]] const CHAR16 *GetStateText(UINT32 State);
 
 // ---- Size texts --------------------------------------------------------------------
 
@@ -136,4 +143,4 @@ UINTN RaidFormatSizeText(CHAR16 *Buffer, UINTN BufferSize, UINT64 Figure,
 VOID RaidAppendFreeSizeText(CHAR16 *Buffer, UINTN BufferSize, UINT64 Figure,
                             UINT64 Fraction, UINT32 Unit);
 // Text after its leading blanks.
-const CHAR16 *RaidSkipLeadingBlanks(const CHAR16 *Text);
+[[nodiscard]] const CHAR16 *RaidSkipLeadingBlanks(const CHAR16 *Text);

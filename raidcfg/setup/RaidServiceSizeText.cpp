@@ -8,8 +8,8 @@
 namespace {
 
 // The size in whole GB; FALSE for a unit the wizard does not show.
-BOOLEAN WholeGigabytes(UINT64 Figure, UINT64 Fraction, UINT32 Unit,
-                       UINT64 *Gigabytes) {
+[[nodiscard]] BOOLEAN WholeGigabytes(UINT64 Figure, UINT64 Fraction,
+                                     UINT32 Unit, UINT64 *Gigabytes) {
   switch (Unit) {
     case RAID_UNIT_MB:
       *Gigabytes = Figure >> 10;

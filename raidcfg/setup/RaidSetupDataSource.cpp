@@ -16,7 +16,8 @@ constinit RAID_SETUP_DATA_SOURCE_PROTOCOL gRaidSetupDataSource = {};
 // that kind.
 template <typename ValueType,
           EFI_STATUS (*Handler)(HOST_PAGE_NODE *, ValueType *)>
-EFI_STATUS EFIAPI RaidDataSourceCallback(HOST_PAGE_NODE *Node, VOID *Value) {
+[[nodiscard]] EFI_STATUS EFIAPI RaidDataSourceCallback(HOST_PAGE_NODE *Node,
+                                                       VOID *Value) {
   return Handler(Node, static_cast<ValueType *>(Value));
 }
 

@@ -27,6 +27,11 @@ constinit EFI_RUNTIME_SERVICES *gSetupRuntimeServices = nullptr;
              "RAID: [%a] A " Done " B " Next ": TimeStamp: %016lx\n",      \
              RaidReadTimeStamp())
 
+// A start-up step that may fail without failing the load: the module stays
+// loaded with whatever of its host it could reach, so the step's status is
+// deliberately not looked at.
+VOID StartupGoesOn(EFI_STATUS StepStatus) { (VOID) StepStatus; }
+
 }  // namespace
 
 // Connects the module to its host and builds the wizard. Always succeeds: a
@@ -41,17 +46,17 @@ EFI_STATUS EFIAPI RaidcfgSetupEntryPoint(EFI_HANDLE ImageHandle,
   InitAmiLib(ImageHandle, SystemTable);
   RAID_TRACE_STEP("InitAmiLib", "GetTARNSetupProtocol");
 
-  GetTARNSetupProtocol();
+  StartupGoesOn(GetTARNSetupProtocol());
   RAID_TRACE_STEP("GetTARNSetupProtocol", "prepare");
 
   RaidRegisterHiiPackages(ImageHandle);
   RAID_TRACE_STEP("prepare", "RaidcfgApplicationInit");
 
-  RaidcfgApplicationInit(ImageHandle, SystemTable);
+  StartupGoesOn(RaidcfgApplicationInit(ImageHandle, SystemTable));
   RAID_TRACE_STEP("RaidcfgApplicationInit", "InitRaidSetupDSProtocol");
 
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Initialize data source protocol\n");
-  InitRaidSetupDSProtocol(ImageHandle);
+  StartupGoesOn(InitRaidSetupDSProtocol(ImageHandle));
   RAID_TRACE_STEP("InitRaidSetupDSProtocol", "init_Raid_Err_Array");
 
   init_Raid_Err_Array();

@@ -32,7 +32,7 @@ extern EFI_STRING_ID gRaidErrMsgArray[RAID_ERR_MSG_COUNT];
 // first time only.
 VOID InitAmiLib(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE *SystemTable);
 // Locates the host setup protocol into TarnSetupProtocol (NULL on failure).
-EFI_STATUS GetTARNSetupProtocol();
+[[nodiscard]] EFI_STATUS GetTARNSetupProtocol();
 // Adds the image's HII package list to the HII database into gHiiHandle.
 // Failures leave gHiiHandle NULL.
 VOID RaidRegisterHiiPackages(EFI_HANDLE ImageHandle);
@@ -40,19 +40,19 @@ VOID RaidRegisterHiiPackages(EFI_HANDLE ImageHandle);
 VOID RaidRemoveHiiPackages();
 // Connects the module to the host GUI driver; the locate status when the
 // host has none.
-EFI_STATUS RaidcfgApplicationInit(EFI_HANDLE ImageHandle,
-                                  EFI_SYSTEM_TABLE *SystemTable);
+[[nodiscard]] EFI_STATUS RaidcfgApplicationInit(EFI_HANDLE ImageHandle,
+                                                EFI_SYSTEM_TABLE *SystemTable);
 // Disconnects from the GUI driver; EFI_NOT_STARTED when never connected.
-EFI_STATUS RaidcfgApplicationUnInit(EFI_HANDLE ImageHandle);
+[[nodiscard]] EFI_STATUS RaidcfgApplicationUnInit(EFI_HANDLE ImageHandle);
 // Installs the data-source protocol on the image handle.
-EFI_STATUS InitRaidSetupDSProtocol(EFI_HANDLE ImageHandle);
+[[nodiscard]] EFI_STATUS InitRaidSetupDSProtocol(EFI_HANDLE ImageHandle);
 // Removes it again once HandleProtocol confirms it is there.
-EFI_STATUS UnInitRaidSetupDSProtocol(EFI_HANDLE ImageHandle);
+[[nodiscard]] EFI_STATUS UnInitRaidSetupDSProtocol(EFI_HANDLE ImageHandle);
 // Fills gRaidErrMsgArray.
 VOID init_Raid_Err_Array();
 // Page-enter callback of page 0 after a failed discovery: runs discovery
 // again and rebuilds the wizard, or shows the error box once more. Returns 0.
-UINTN EFIAPI Init_Raid();
+[[nodiscard]] UINTN EFIAPI Init_Raid();
 
 // Forgets the module-wide state, so an image loaded anew starts as the
 // firmware would start it: with zeroed globals.

@@ -34,4 +34,6 @@ extern TARN_SETUP_PROTOCOL *TarnSetupProtocol;
   } while (0)
 
 // The time-stamp counter the start-up trace lines carry.
-inline UINT64 RaidReadTimeStamp() { return __builtin_ia32_rdtsc(); }
+[[nodiscard]] inline UINT64 RaidReadTimeStamp() {
+  return __builtin_ia32_rdtsc();
+}

@@ -46,12 +46,13 @@ constexpr ToolKind kToolKinds[] = {
     {u"RCfgVROC.efi", RAID_ADAPTER_KIND_VROC},
 };
 
-BOOLEAN IsSupported(const RAID_CONTROLLER *Controller) {
+[[nodiscard]] BOOLEAN IsSupported(const RAID_CONTROLLER *Controller) {
   return Controller->Capability != nullptr;
 }
 
-// The adapter kind of the tool's file name; a name of no known tool keeps
-// the kind of the adapter shown before.
+// The adapter kind of the tool's file name. A name of no known tool keeps
+// the kind of the adapter shown before, deliberately: the pages go on with
+// that adapter's rules rather than none.
 VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
   const CHAR16 *ToolName = Controller->Capability->ToolName;
   if (ToolName == nullptr) {
@@ -66,12 +67,15 @@ VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
 }
 
 // The radio label of an adapter with VolumeCount virtual disks.
-CHAR16 *AdapterLabel(const RAID_CONTROLLER *Controller, UINT32 VolumeCount) {
+[[nodiscard]] CHAR16 *AdapterLabel(const RAID_CONTROLLER *Controller,
+                                   UINT32 VolumeCount) {
   const CHAR16 *Name = Controller->Name != nullptr ? Controller->Name : u"";
   const UINTN Length = StrLen(Name) + kLabelExtra;
   const UINT32 Slot = Controller->SlotNumber;
   if (!IsSupported(Controller)) {
-    // A slot number read as a signed one below zero names no slot.
+    // A slot number read as a signed one below zero names no slot. The
+    // bound differs from a supported adapter's (above 63: no slot)
+    // deliberately; the labels read as the operator knows them.
     const BOOLEAN NoSlot =
         Slot == RAID_SLOT_NUMBER_NONE || static_cast<INT16>(Slot) < 0;
     return NoSlot ? RaidFormatText(Length, RaidString(STR_UNSUPPORTED_ADAPTER),
@@ -104,7 +108,8 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
   if (!gRaidLoadingProgressOpen) {
     return;
   }
-  // The step is divided first: with three adapters 53, 76, 100.
+  // The step is divided first, deliberately (integer division): with three
+  // adapters 53, 76, 100. Keep the order of the operations.
   const UINT32 Percent = Index + 1 == Count
                              ? kProgressDone
                              : kProgressListRead + (70 / Count) * (Index + 1);
@@ -112,15 +117,12 @@ VOID ShowLoadingProgress(UINT32 Index, UINT32 Count) {
   RaidRedrawScreen();
 }
 
-// The adapter labels are read on behalf of UpdateControllerNamesInRadioControl,
-// and its name is the one the log shows.
-constexpr const CHAR8 *kUpdateControllerNames =
-    "UpdateControllerNamesInRadioControl";
-
-// Reads adapter Index again, makes it current and returns its label.
-CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head, RAID_CONTROLLER *Controller,
-                         UINT32 Index) {
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+// Reads adapter Index again, makes it current and returns its label; traced
+// under Caller's name.
+[[nodiscard]] CHAR16 *ReadAdapterLabel(const CHAR8 *Caller, LIST_ENTRY *Head,
+                                       RAID_CONTROLLER *Controller,
+                                       UINT32 Index) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID :[%a] Get RAID adapter %d information\n", Index);
   UINT32 ErrorCode = 0;
   RAID_CONTROLLER *Read = nullptr;
@@ -128,27 +130,26 @@ CHAR16 *ReadAdapterLabel(LIST_ENTRY *Head, RAID_CONTROLLER *Controller,
       GetRaidControllerInfo(Head, Controller->Id, &Read, &ErrorCode);
   gCurrentRaidController = Controller;
   RAID_TRACE_AS(
-      kUpdateControllerNames, TARN_DEBUG_INFO,
+      Caller, TARN_DEBUG_INFO,
       "RAID :[%a] Get Raid controller info Status is %r, Errorcode is "
       "%x\n",
       Status, ErrorCode);
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
-                "RAID :[%a] Disk drive count is %d\n",
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID :[%a] Disk drive count is %d\n",
                 Controller->DiskDriveCount);
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID :[%a] Free disk drive count is %d\n",
                 Controller->UnconfiguredDriveCount);
   CHAR16 *Label = AdapterLabel(Controller, GetVolumeCount(Controller));
   if (!IsSupported(Controller)) {
     SendEventCode(RAID_EVENT_UNSUPPORTED_ADAPTER);
   }
-  RAID_TRACE_AS(kUpdateControllerNames, TARN_DEBUG_INFO,
-                "RAID: [%a] Controller name: %S\n", Controller->Name);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Controller name: %S\n",
+                Controller->Name);
   return Label;
 }
 
 // The controller's arrays (at most RAID_SERVICE_MAX_ARRAYS) into Arrays.
-UINT32 ListArrays(RAID_ARRAY **Arrays) {
+[[nodiscard]] UINT32 ListArrays(RAID_ARRAY **Arrays) {
   if (gCurrentRaidController == nullptr) {
     return 0;
   }
@@ -157,8 +158,9 @@ UINT32 ListArrays(RAID_ARRAY **Arrays) {
 }
 
 // The capacity cell of an array row; kind 5 shows RAID 1 and 10 arrays at
-// half their size.
-CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
+// half their size. Deliberate: the operator knows those arrays by these
+// figures; keep the halving to that kind and those levels.
+[[nodiscard]] CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
   UINT64 Size = Array->SizeFigure;
   UINT64 Free = Array->FreeCapacity;
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF &&
@@ -174,8 +176,8 @@ CHAR16 *ArrayCapacityText(const RAID_ARRAY *Array) {
   return AllocString(Text);
 }
 
-BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
-                     const RAID_ARRAY *Array) {
+[[nodiscard]] BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
+                                   const RAID_ARRAY *Array) {
   return RaidSetCellText(Table, Row, 0, AllocString(u"")) &&
          RaidSetCellText(Table, Row, 1, AllocString(Array->Name)) &&
          RaidSetCellText(
@@ -185,8 +187,8 @@ BOOLEAN FillArrayRow(RAID_TABLE_DATA *Table, UINT32 Row,
          RaidSetCellText(Table, Row, 3, ArrayCapacityText(Array));
 }
 
-BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
-                      const RAID_VOLUME *Volume) {
+[[nodiscard]] BOOLEAN FillVolumeRow(RAID_TABLE_DATA *Table, UINT32 Row,
+                                    const RAID_VOLUME *Volume) {
   const CHAR16 *Name = Volume->Name != nullptr ? Volume->Name : u"";
   CHAR16 Size[kSizeTextLength] = {};
   RaidFormatSizeText(Size, sizeof(Size), Volume->SizeFigure / 1000,
@@ -213,7 +215,7 @@ VOID FillHeadingRow(RAID_TABLE_DATA *Table) {
 }
 
 // Fills Table with the arrays and their virtual disks.
-BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
+[[nodiscard]] BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Get adapter configuration data \n");
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   const UINT32 ArrayCount = ListArrays(Arrays);
@@ -255,7 +257,7 @@ BOOLEAN GetRaidTableData(RAID_TABLE_DATA *Table) {
 VOID ResetConfigurationState() { RaidResetConfigurationState(); }
 
 // The text of column 1 of the selected configuration row, or NULL.
-const CHAR16 *SelectedRowName() {
+[[nodiscard]] const CHAR16 *SelectedRowName() {
   HOST_PAGE_NODE *Table = RaidFindNode(kPage, RAID_NODE_CONFIG_TABLE);
   RAID_TABLE_DATA *Data = RaidControlTable(Table);
   if (Data == nullptr || Data->RowCount < 2) {
@@ -287,8 +289,9 @@ VOID ResetLaterPages() {
 
 // Deletes the array named RowName. EFI_NOT_FOUND when no array has that
 // name; otherwise the delete's status, with its error code.
-EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays, UINT32 ArrayCount,
-                                   const CHAR16 *RowName) {
+[[nodiscard]] EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays,
+                                                 UINT32 ArrayCount,
+                                                 const CHAR16 *RowName) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Delete RAID array start\n");
   RAID_ARRAY *Target = nullptr;
   for (UINT32 Index = 0; Index < ArrayCount && Target == nullptr; Index++) {
@@ -324,7 +327,7 @@ EFI_STATUS DeleteSelectedRAIDArray(RAID_ARRAY **Arrays, UINT32 ArrayCount,
 }
 
 // Whether the current controller still has an array.
-BOOLEAN CheckVolumeIsPresent() {
+[[nodiscard]] BOOLEAN CheckVolumeIsPresent() {
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   const BOOLEAN Present = ListArrays(Arrays) != 0;
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Return status: %x (0 = No volume)\n",
@@ -342,7 +345,8 @@ VOID ShowEmptyConfiguration() {
 
 // Deletes the first named virtual disk of Array whose "VD<n>: <name>" text
 // occurs in RowText. EFI_NOT_FOUND when none does.
-EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array, const CHAR16 *RowText) {
+[[nodiscard]] EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array,
+                                               const CHAR16 *RowText) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   RAID_VOLUME *Volumes[RAID_SERVICE_MAX_ARRAYS] = {};
   const UINT32 VolumeCount =
@@ -361,6 +365,8 @@ EFI_STATUS DeleteRAIDArrayVolume(RAID_ARRAY *Array, const CHAR16 *RowText) {
       ShowRaidErrorBox(RAID_ERROR_OUT_OF_RESOURCES);
       return EFI_OUT_OF_RESOURCES;
     }
+    // Deliberately containment, not equality: the row text is the table's
+    // cell, whose layout around "VD%d: %s" is the page's own.
     if (StrStr(RowText, Text.Get()) != nullptr) {
       Target = Volumes[Index];
     }
@@ -446,7 +452,7 @@ VOID UpdateControllerNamesInRadioControl() {
     HOST_OPTION &Option = Options.Options[Options.Count++];
     Option.Value = Index;
     Option.DisplayState = HOST_DISPLAY_SHOWN;
-    Option.Text = ReadAdapterLabel(Head, Controller, Index);
+    Option.Text = ReadAdapterLabel(__func__, Head, Controller, Index);
     if (Option.Text == nullptr) {
       Option.Text = AllocString(Controller->Name);
     }

@@ -49,13 +49,13 @@ constinit UINT32 gRowCount = 0;
 // Page 7's level options: index in force.
 constinit UINT8 gNewArrayLevelIndex = 0;
 
-HOST_PAGE_NODE *SegmentTable() {
+[[nodiscard]] HOST_PAGE_NODE *SegmentTable() {
   return RaidFindNode(kArrayPage, RAID_NODE_FREE_SEGMENT_TABLE);
 }
-HOST_PAGE_NODE *LevelCombo() {
+[[nodiscard]] HOST_PAGE_NODE *LevelCombo() {
   return RaidFindNode(kNewArrayPage, RAID_NODE_NEW_ARRAY_LEVEL_COMBO);
 }
-HOST_PAGE_NODE *DriveTable() {
+[[nodiscard]] HOST_PAGE_NODE *DriveTable() {
   return RaidFindNode(kNewArrayPage, RAID_NODE_NEW_ARRAY_DRIVE_TABLE);
 }
 
@@ -163,14 +163,14 @@ RAID_CONTROL_CALLBACK(RaidAdvSelArrayBackCallback) {
 
 // ---- Page 7: drives ---------------------------------------------------------------------
 
-BOOLEAN IsUsableState(UINT32 State) {
+[[nodiscard]] BOOLEAN IsUsableState(UINT32 State) {
   return State == RAID_STATE_UGOOD || State == RAID_STATE2_UGOOD ||
          State == RAID_STATE3_READY || State == RAID_STATE4_NON_RAID ||
          State == 54;
 }
 
 // The media type word of the drive table.
-const CHAR16 *MediaWord(UINT32 MediaType) {
+[[nodiscard]] const CHAR16 *MediaWord(UINT32 MediaType) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE) {
     return u"-";
   }
@@ -184,12 +184,13 @@ const CHAR16 *MediaWord(UINT32 MediaType) {
     case RAID_MEDIA_NVME_SSD:
       return u"NVMe/SSD";
     default:
+      // Deliberately: SAS SSD and every other code read "SAS/SSD".
       return u"SAS/SSD";
   }
 }
 
 // The state word of a usable drive for the adapter kind; NULL: no rule.
-const CHAR16 *UsableWord() {
+[[nodiscard]] const CHAR16 *UsableWord() {
   switch (gRaidAdapterKind) {
     case RAID_ADAPTER_KIND_STORCLI:
     case RAID_ADAPTER_KIND_ARCCONF:
@@ -204,7 +205,7 @@ const CHAR16 *UsableWord() {
 }
 
 // Whether the role cell offers the dedicated hot spare.
-BOOLEAN OffersHotSpareRole() {
+[[nodiscard]] BOOLEAN OffersHotSpareRole() {
   if (gRaidSelectedLevelNumber == 0) {
     return FALSE;
   }
@@ -214,7 +215,9 @@ BOOLEAN OffersHotSpareRole() {
          gRaidAdapterKind == RAID_ADAPTER_KIND_UNSUPPORTED;
 }
 
-BOOLEAN FillRoleCell(HOST_TABLE_CELL *Cell) {
+// The role combo box of a drive's row, grayed until the drive is ticked.
+// Without memory for its options it stays an empty grayed box.
+VOID FillRoleCell(HOST_TABLE_CELL *Cell) {
   static constexpr const CHAR16 *kRoles[] = {u"Member", u"DHS"};
   const UINT16 Count = OffersHotSpareRole() ? 2 : 1;
   Cell->Kind = HOST_CELL_COMBO_BOX;
@@ -223,14 +226,13 @@ BOOLEAN FillRoleCell(HOST_TABLE_CELL *Cell) {
   Cell->Options.Options =
       static_cast<HOST_OPTION *>(AllocateZeroPool(sizeof(HOST_OPTION) * Count));
   if (Cell->Options.Options == nullptr) {
-    return FALSE;
+    return;
   }
   Cell->Options.Count = Count;
   for (UINT16 Index = 0; Index < Count; Index++) {
     Cell->Options.Options[Index].Value = Index;
     Cell->Options.Options[Index].Text = AllocString(kRoles[Index]);
   }
-  return TRUE;
 }
 
 // One row of a drive.
@@ -343,7 +345,7 @@ VOID ShowTable3() {
 }
 
 // The level's text as the combo box shows it ("RAID 5").
-const CHAR16 *LevelText() {
+[[nodiscard]] const CHAR16 *LevelText() {
   const CHAR16 *Text = RaidChosenOptionText(LevelCombo());
   return Text != nullptr ? Text : u"";
 }
@@ -355,7 +357,7 @@ VOID ShowDriveWarning(CHAR16 *Text) {
 }
 
 // The ticked rows that are members (not hot spares).
-UINT32 CountTickedMembers() {
+[[nodiscard]] UINT32 CountTickedMembers() {
   RAID_TABLE_DATA *Table = RaidControlTable(DriveTable());
   UINT32 Members = 0;
   for (UINT32 Row = 1; Table != nullptr && Row < Table->RowCount; Row++) {
@@ -369,7 +371,7 @@ UINT32 CountTickedMembers() {
 
 // Checks the ticked drives against the level's limits; Next and the drive
 // warning follow.
-BOOLEAN HardDriveSelValidation() {
+[[nodiscard]] BOOLEAN HardDriveSelValidation() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   CHAR8 Language[16] = {};
   if (TarnSetupProtocol != nullptr && TarnSetupProtocol->GetLanguage != nullptr) {
@@ -409,6 +411,7 @@ BOOLEAN HardDriveSelValidation() {
     Number = Max;
   } else if ((Members & 1) != 0 && Level->Level != 0 && Level->Level != 5 &&
              Level->Level != 6) {
+    // The two even-count messages differ by level deliberately.
     Message = Level->Level == 10 ? STR_WARN_DRIVES_TIMES_OF_TWO
                                  : STR_WARN_EVEN_DRIVES;
   }
@@ -466,7 +469,9 @@ RAID_CONTROL_CALLBACK(TableCallback3) {
     }
     Node->RefreshMark |= HOST_REFRESH_TEXT;
   }
-  HardDriveSelValidation();
+  // Run for the hint and the check boxes it sets; Next is judged when the
+  // operator presses it.
+  (VOID) HardDriveSelValidation();
   return EFI_SUCCESS;
 }
 
@@ -598,7 +603,7 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateArrayComboCallback) {
 }
 
 // The capacity of a new array over the member drives.
-UINT64 GetNewArrayFreeCpacity() {
+[[nodiscard]] UINT64 GetNewArrayFreeCpacity() {
   UINT64 Smallest = 0;
   for (UINT16 Index = 0; Index < gRaidMemberDriveCount; Index++) {
     RAID_PHYSICAL_DRIVE *Drive =
@@ -619,12 +624,9 @@ UINT64 GetNewArrayFreeCpacity() {
   return Capacity;
 }
 
-// The drive lists are collected on behalf of RaidAdvCreateArrayNextCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kCreateArrayNext = "RaidAdvCreateArrayNextCallback";
-
-// Splits the ticked rows into members and dedicated hot spares.
-VOID CollectSelectedDrives() {
+// Splits the ticked rows into members and dedicated hot spares; traced
+// under Caller's name.
+VOID CollectSelectedDrives(const CHAR8 *Caller) {
   RaidFreeSelectedDrives();
   gRaidTotalCapacity = 0;
   RAID_TABLE_DATA *Table = RaidControlTable(DriveTable());
@@ -636,8 +638,7 @@ VOID CollectSelectedDrives() {
   gRaidHotSpareDriveIds = static_cast<UINT32 *>(
       AllocateZeroPool(sizeof(UINT32) * (static_cast<UINTN>(gRowCount) + 1)));
   if (gRaidMemberDriveIds == nullptr || gRaidHotSpareDriveIds == nullptr) {
-    RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_ERROR,
-                  "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     RaidFreeSelectedDrives();
     return;
   }
@@ -651,10 +652,10 @@ VOID CollectSelectedDrives() {
       gRaidMemberDriveIds[gRaidMemberDriveCount++] = gRowDriveIds[Row - 1];
     }
   }
-  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Member disk drive number %d\n",
                 gRaidMemberDriveCount);
-  RAID_TRACE_AS(kCreateArrayNext, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Dedicated hot spare disk drive number %d\n",
                 gRaidHotSpareDriveCount);
   gRaidTotalCapacity = GetArrayMaxAvailableFreeCapacity();
@@ -672,7 +673,7 @@ RAID_CONTROL_CALLBACK(RaidAdvCreateArrayNextCallback) {
       return EFI_SUCCESS;
     }
     RaidFreeVolumeParameterQueue();
-    CollectSelectedDrives();
+    CollectSelectedDrives(__func__);
   }
   RaidHideControl(kNewArrayPage, RAID_NODE_NEW_ARRAY_WARNING);
   InitRaidAdvCreateEditVolPage();
@@ -762,7 +763,7 @@ VOID InitRaidAdvCreateArraySelectionPage() {
     gRaidDriveValid = 0;
     gNewArrayLevelIndex = 0;
     RaidLevelDisplayInCreateNewArray();
-    RaidAdvCreateArrayComboCallback(LevelCombo(), nullptr);
+    (VOID) RaidAdvCreateArrayComboCallback(LevelCombo(), nullptr);
   }
   if (gRaidDriveValid != 0) {
     RaidShowControl(kNewArrayPage, RAID_NODE_NEXT);

@@ -27,7 +27,7 @@ namespace {
 
 // The state code of a member of an online array, by adapter kind; drives in
 // it are not counted as "other".
-BOOLEAN IsOnlineMemberState(UINT32 State) {
+[[nodiscard]] BOOLEAN IsOnlineMemberState(UINT32 State) {
   switch (gRaidAdapterKind) {
     case RAID_ADAPTER_KIND_STORCLI:
       return State == RAID_STATE_ONLINE;

@@ -34,22 +34,25 @@ constinit UINT8 gHotSpareAllowed = 0;
 constinit UINT8 gHotSpareChosen = 0;
 constinit UINT8 gRecompute = 0;
 
-HOST_PAGE_NODE *TypeRadio() {
+[[nodiscard]] HOST_PAGE_NODE *TypeRadio() {
   return RaidFindNode(kTypePage, RAID_NODE_CONFIG_TYPE_RADIO);
 }
 
-HOST_PAGE_NODE *ModeCombo() {
+[[nodiscard]] HOST_PAGE_NODE *ModeCombo() {
   return RaidFindNode(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
 }
 
 // Whether the unconfigured drives (JBOD drives aside) mix media types. The
 // reference starts at the "other" code, so such a drive lets the next one
 // set the reference again.
-BOOLEAN HasMixedDriveTypes() {
+[[nodiscard]] BOOLEAN HasMixedDriveTypes() {
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   if (Controller == nullptr) {
     return FALSE;
   }
+  // The reference starts at the "any other" media code, so a drive of that
+  // code lets the next drive set it again. Deliberate: such a drive mixes
+  // with nothing.
   UINT32 Reference = RAID_MEDIA_OTHER;
   UINT32 Seen = 0;
   for (RAID_PHYSICAL_DRIVE *Drive :
@@ -90,7 +93,7 @@ VOID SetTypeOptions(BOOLEAN SimplePossible) {
 
 // Decides whether simple configuration is possible and says why not in
 // the simple warning label.
-BOOLEAN ValidateSimpleConfig() {
+[[nodiscard]] BOOLEAN ValidateSimpleConfig() {
   const BOOLEAN Mixed = HasMixedDriveTypes();
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
@@ -126,6 +129,9 @@ BOOLEAN ValidateSimpleConfig() {
       RaidHideControl(kTypePage, RAID_NODE_SIMPLE_WARNING);
     }
   }
+  // Deliberately no check for the other kinds (mnv_cli, RCfgVROC, an
+  // unknown tool): simple configuration is possible and the warning label
+  // is left as it is; do not add one.
   SetTypeOptions(Possible);
   if (!Possible) {
     RaidShowControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
@@ -143,7 +149,8 @@ BOOLEAN ValidateSimpleConfig() {
 }
 
 // Whether the new-array choice is possible; Next and the advanced warning
-// follow. Other adapter kinds change nothing.
+// follow. Other adapter kinds deliberately change nothing: Next and the
+// warning stay as they were.
 VOID ValidateNewArrayChoice(const RAID_DRIVE_COUNTS &Counts) {
   EFI_STRING_ID Warning = 0;
   switch (gRaidAdapterKind) {
@@ -228,7 +235,7 @@ RAID_CONTROL_CALLBACK(_RAIDConfigTypeSelRadioGrCallback) {
     RaidShowControl(kTypePage, RAID_NODE_NEXT);
   } else {
     RaidShowControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
-    _RAIDConfigTypeSelComboCallback(ModeCombo(), Event);
+    (VOID) _RAIDConfigTypeSelComboCallback(ModeCombo(), Event);
   }
   RaidShowPage(kTypePage, 0);
   return EFI_SUCCESS;
@@ -243,7 +250,9 @@ VOID ResetConfigTypePage() {
   }
   gRaidConfigType = 0;
   RaidSetControlValue(TypeRadio(), 0);
-  ValidateSimpleConfig();
+  // Run for its warning and the type options it sets; the choice is judged
+  // again when the operator presses Next.
+  (VOID) ValidateSimpleConfig();
   RaidSetControlValue(ModeCombo(), 0);
   RaidSetControlTextId(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO,
                        STR_CREATE_NEW_ARRAY_AND_VD);
@@ -252,18 +261,18 @@ VOID ResetConfigTypePage() {
     RaidGrayControl(kTypePage, RAID_NODE_ADVANCED_MODE_COMBO);
     RaidHideControl(kTypePage, RAID_NODE_ADVANCED_WARNING);
   } else {
-    _RAIDConfigTypeSelComboCallback(ModeCombo(), nullptr);
+    (VOID) _RAIDConfigTypeSelComboCallback(ModeCombo(), nullptr);
   }
 }
 
 // ---- Page 3 ------------------------------------------------------------------------
 
-HOST_PAGE_NODE *LevelRadio() {
+[[nodiscard]] HOST_PAGE_NODE *LevelRadio() {
   return RaidFindNode(kLevelPage, RAID_NODE_SIMPLE_LEVEL_RADIO);
 }
 
 // The level of the chosen option, or NULL.
-RAID_LEVEL_CAP *LevelAt(UINT32 Index) {
+[[nodiscard]] RAID_LEVEL_CAP *LevelAt(UINT32 Index) {
   RAID_LEVEL_CAP *Levels[RAID_WIZARD_MAX_LEVELS] = {};
   const UINT32 Count = RaidControllerLevels(Levels, RAID_WIZARD_MAX_LEVELS);
   return Index < Count ? Levels[Index] : nullptr;
@@ -284,28 +293,24 @@ VOID SetHotSpareState(UINT8 State) {
   }
 }
 
-// The level choice's helpers trace on behalf of _RaidLevelSelRGCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kLevelChoice = "_RaidLevelSelRGCallback";
-
 // Whether the adapter kind may add a hot spare with Level, and the check
-// box's look.
-VOID DecideHotSpare(const RAID_LEVEL_CAP *Level,
+// box's look; traced under Caller's name.
+VOID DecideHotSpare(const CHAR8 *Caller, const RAID_LEVEL_CAP *Level,
                     const RAID_DRIVE_COUNTS &Counts) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_MVSETUP ||
       gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Hide hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_HIDDEN);
     gHotSpareAllowed = 0;
   } else if (Level->MinPhysicalDrives >= Counts.UGood || Level->Level == 0) {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Gray out hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_GRAYED);
     gHotSpareAllowed = 0;
   } else {
-    RAID_TRACE_AS(kLevelChoice, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Activate hot spare check box\n");
     SetHotSpareState(HOST_DISPLAY_SHOWN);
     gHotSpareAllowed = 1;
@@ -313,7 +318,8 @@ VOID DecideHotSpare(const RAID_LEVEL_CAP *Level,
 }
 
 // The warning that only the level's maximum of drives will be used. The
-// minimum stands in for it when exactly two drives are there.
+// minimum stands in for it when exactly two drives are there. Deliberate:
+// the warning reads as the operator knows it; keep the rule.
 VOID ShowLevelDriveWarning(const RAID_LEVEL_CAP *Level,
                            const RAID_DRIVE_COUNTS &Counts) {
   const UINT32 Used = Counts.Ready == 2 || Counts.UGood == 2
@@ -337,7 +343,7 @@ RAID_CONTROL_CALLBACK(_RaidLevelSelRGCallback) {
   }
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
-  DecideHotSpare(Level, Counts);
+  DecideHotSpare(__func__, Level, Counts);
   RaidHideControl(kLevelPage, RAID_NODE_LEVEL_DRIVES_WARNING);
   if (Counts.Ready <= Level->MaxPhysicalDrives &&
       Counts.UGood <= Level->MaxPhysicalDrives) {
@@ -476,7 +482,7 @@ VOID UpdateRaidLevelDynamicallyInSimpleConfig() {
   RaidSetControlValue(Radio, gLevelIndex);
   RaidSetControlValue(RaidFindNode(kLevelPage, RAID_NODE_HOT_SPARE_CHECK),
                       gHotSpareChosen);
-  _RaidLevelSelRGCallback(Radio, nullptr);
+  (VOID) _RaidLevelSelRGCallback(Radio, nullptr);
 }
 
 // Whether a hot spare is to be added to the simple configuration's array.

@@ -30,7 +30,7 @@ typedef struct {
 constexpr UINTN kMaxControlData = 160;
 constinit RAID_CONTROL_DATA gControlData[kMaxControlData] = {};
 
-RAID_CONTROL_DATA *FindData(const HOST_PAGE_NODE *Node) {
+[[nodiscard]] RAID_CONTROL_DATA *FindData(const HOST_PAGE_NODE *Node) {
   if (Node == nullptr) {
     return nullptr;
   }
@@ -43,7 +43,7 @@ RAID_CONTROL_DATA *FindData(const HOST_PAGE_NODE *Node) {
 }
 
 // The entry of Node, made when there is none; NULL when all are used.
-RAID_CONTROL_DATA *DataOf(HOST_PAGE_NODE *Node) {
+[[nodiscard]] RAID_CONTROL_DATA *DataOf(HOST_PAGE_NODE *Node) {
   RAID_CONTROL_DATA *Data = FindData(Node);
   if (Data != nullptr || Node == nullptr) {
     return Data;

@@ -39,11 +39,7 @@ constinit UINT32 gLastErrorCode = 0;
 // created and keep that step's outcome.
 constinit BOOLEAN gStopped = FALSE;
 
-// The step's helpers trace on behalf of RaidShowCreateVolumeProcess, whose
-// name the log shows.
-constexpr const CHAR8 *kCreationStep = "RaidShowCreateVolumeProcess";
-
-HOST_PAGE_NODE *ChildOf(HOST_PAGE_NODE *Group, UINT32 NodeId) {
+[[nodiscard]] HOST_PAGE_NODE *ChildOf(HOST_PAGE_NODE *Group, UINT32 NodeId) {
   for (HOST_PAGE_NODE *Child = Group != nullptr ? Group->FirstChild : nullptr;
        Child != nullptr; Child = Child->NextSibling) {
     if (Child->NodeId == NodeId) {
@@ -62,7 +58,7 @@ VOID SetNodeState(HOST_PAGE_NODE *Node, UINT8 State) {
   Node->RefreshMark |= HOST_REFRESH_STATE;
 }
 
-HOST_PAGE_NODE *FirstRow() {
+[[nodiscard]] HOST_PAGE_NODE *FirstRow() {
   HOST_PAGE_NODE *Rows = RaidFindNode(kPage, RAID_NODE_RESULT_ROWS);
   return Rows != nullptr ? Rows->FirstChild : nullptr;
 }
@@ -78,13 +74,15 @@ VOID ShowRowName(HOST_PAGE_NODE *Row, const RAID_VOLUME_PARAMETER *Record) {
   SetNodeState(Name, HOST_DISPLAY_SHOWN);
 }
 
-// Shows the last creation's result in Row.
-VOID ShowRowResult(HOST_PAGE_NODE *Row, const CHAR8 *FailureTrace) {
+// Shows the last creation's result in Row; a failure is traced under
+// Caller's name, the creation step's.
+VOID ShowRowResult(const CHAR8 *Caller, HOST_PAGE_NODE *Row,
+                   const CHAR8 *FailureTrace) {
   if (gLastStatus == EFI_SUCCESS && gLastErrorCode == 0) {
     SetNodeState(ChildOf(Row, RAID_NODE_RESULT_SUCCESS), HOST_DISPLAY_SHOWN);
     return;
   }
-  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_ERROR, FailureTrace);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, FailureTrace);
   HOST_PAGE_NODE *Failure = ChildOf(Row, RAID_NODE_RESULT_FAILURE);
   const CHAR16 *Format = RaidString(STR_CREATE_FAILURE);
   RaidSetControlText(Failure, RaidFormatText(StrLen(Format) + kFailureExtra,
@@ -98,7 +96,8 @@ VOID HideDots() {
   }
 }
 
-// Five stalls, one dot more after each.
+// Five stalls, one dot more after each. They block the whole firmware UI,
+// deliberately, so that the operator sees the dots move.
 VOID AnimateDots() {
   for (UINT32 Dot = 0; Dot < RAID_PROGRESS_DOT_COUNT; Dot++) {
     if (gBS != nullptr && gBS->Stall != nullptr) {
@@ -139,23 +138,25 @@ VOID SendCreationEvent() {
 // the last step: a failed status (the tool could not run, or the refresh
 // failed) or a shortage of memory. A refusal by the adapter comes as an
 // error code with a successful status, and the model is then current.
-BOOLEAN ModelNotRead() {
+[[nodiscard]] BOOLEAN ModelNotRead() {
   return EFI_ERROR(gLastStatus) ||
          gLastErrorCode == RAID_ERROR_OUT_OF_RESOURCES;
 }
 
-// Creates one record and reports the outcome to the management controller.
-VOID CreateRecord(RAID_VOLUME_PARAMETER *Record) {
+// Creates one record and reports the outcome to the management controller;
+// traced under Caller's name.
+VOID CreateRecord(const CHAR8 *Caller, RAID_VOLUME_PARAMETER *Record) {
   gLastErrorCode = 0;
   gLastStatus = CreateRaidVolume(Record, 0, &gLastErrorCode);
-  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] CreateRaidVolume Status is %r\n", gLastStatus);
-  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
-                "RAID: [%a] CreateRaidVolume Errorcode is %x\n", gLastErrorCode);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                "RAID: [%a] CreateRaidVolume Errorcode is %x\n",
+                gLastErrorCode);
   SendCreationEvent();
   if (Record->Next != nullptr && ModelNotRead()) {
     gStopped = TRUE;
-    RAID_TRACE_AS(kCreationStep, TARN_DEBUG_ERROR,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                   "RAID: [%a] The configuration was not read again, the "
                   "remaining virtual disks are not created\n");
   }
@@ -164,7 +165,7 @@ VOID CreateRecord(RAID_VOLUME_PARAMETER *Record) {
 // One record: created, or after a stop failed with the stopping outcome
 // without reaching the adapter, since the model it would be built from
 // (the array to place it in, its drives and free space) was not read.
-VOID CreateOrSkipRecord(RAID_VOLUME_PARAMETER *Record) {
+VOID CreateOrSkipRecord(const CHAR8 *Caller, RAID_VOLUME_PARAMETER *Record) {
   if (gStopped) {
     SendCreationEvent();
     return;
@@ -173,29 +174,30 @@ VOID CreateOrSkipRecord(RAID_VOLUME_PARAMETER *Record) {
     PointAtNewArray(Record);
   }
   AnimateDots();
-  CreateRecord(Record);
+  CreateRecord(Caller, Record);
 }
 
 // The last step: the run is over, the configuration state starts afresh.
-VOID FinishCreation() {
+// Traced under Caller's name.
+VOID FinishCreation(const CHAR8 *Caller) {
   gRunning = FALSE;
   RaidResetConfigurationState();
   RaidShowControl(kPage, RAID_NODE_NEXT);
   RAID_TRACE_AS(
-      kCreationStep, TARN_DEBUG_INFO,
+      Caller, TARN_DEBUG_INFO,
       "RAID: [%a] Clear the volume information and the tables created\n");
   HideDots();
   if (gRow != nullptr) {
-    ShowRowResult(gRow, "RAID: [%a] Volume creation failed\n");
+    ShowRowResult(Caller, gRow, "RAID: [%a] Volume creation failed\n");
   }
-  RAID_TRACE_AS(kCreationStep, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Restore the default value of pages\n");
   RaidRestoreConfigTypePage();
 }
 
 // One creation step, called by the framework while page 10 is shown; TRUE
 // while another one is due.
-BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
+[[nodiscard]] BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   gRaidCurrentPage = RAID_PAGE_CREATION_RUNNING;
   if (gFirstCall) {
@@ -208,21 +210,24 @@ BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
   RAID_VOLUME_PARAMETER *Record = gRecord;
   if (Record != nullptr) {
     ShowRowName(gRow, Record);
+    // Deliberately, the last virtual disk of a fully allocated plan is
+    // sized 0: it takes whatever the adapter has left.
     if (Record->Next == nullptr &&
         gRaidAllocatedCapacity >= gRaidTotalCapacity) {
       Record->Size = 0;
     }
-    CreateOrSkipRecord(Record);
+    CreateOrSkipRecord(__func__, Record);
     if (Record->Next != nullptr) {
       HideDots();
-      ShowRowResult(gRow, "EditRaidCreateVol: Volume creation failed\n");
+      ShowRowResult(__func__, gRow,
+                    "EditRaidCreateVol: Volume creation failed\n");
       gRow = gRow != nullptr ? gRow->NextSibling : nullptr;
     }
     gPosition++;
     gRecord = Record->Next;
     ShowRowName(gRow, gRecord);
   } else {
-    FinishCreation();
+    FinishCreation(__func__);
   }
   RaidShowPage(kPage, RAID_NODE_NEXT);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] END\n");
@@ -230,7 +235,7 @@ BOOLEAN EFIAPI RaidShowCreateVolumeProcess() {
 }
 
 // Page 10 from its template with one result group per planned record.
-HOST_PAGE_NODE *BuildCreationPage(UINT32 Rows) {
+[[nodiscard]] HOST_PAGE_NODE *BuildCreationPage(UINT32 Rows) {
   const HOST_PAGE_TEMPLATE *Static = RaidPageTemplate(kPage);
   if (Static == nullptr || TarnSetupProtocol == nullptr ||
       TarnSetupProtocol->InstantiatePage == nullptr) {

@@ -21,7 +21,7 @@ constexpr UINT32 kPage = RAID_PAGE_ADV_EDIT_VOLUME;
 constexpr UINTN kSizeTextLength = 40;
 constexpr UINTN kCapacityTextExtra = 25;
 
-HOST_PAGE_NODE *PlannedTable() {
+[[nodiscard]] HOST_PAGE_NODE *PlannedTable() {
   return RaidFindNode(kPage, RAID_NODE_PLANNED_TABLE);
 }
 
@@ -49,7 +49,7 @@ VOID GetCreateRaidVolumeTableData(RAID_TABLE_DATA *Table) {
 }
 
 // The number of virtual disks the array will hold.
-UINT32 CountVolumes() {
+[[nodiscard]] UINT32 CountVolumes() {
   const UINT32 Planned = RaidPlannedVolumeCount();
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Number of volume(s) created = %d\n",
              Planned);
@@ -57,7 +57,7 @@ UINT32 CountVolumes() {
   return Planned + (Array != nullptr ? Array->VolumeCount : 0);
 }
 
-UINT32 MaxLogicalDrives() {
+[[nodiscard]] UINT32 MaxLogicalDrives() {
   RAID_LEVEL_CAP *Level = RaidSelectedLevel();
   return Level != nullptr ? Level->MaxLogicalDrives : 0;
 }
@@ -86,7 +86,7 @@ VOID CheckMaxVolumeLimit() {
 }
 
 // The planned record of table row Row (1: the first), or NULL.
-RAID_VOLUME_PARAMETER *RecordAtRow(UINT32 Row) {
+[[nodiscard]] RAID_VOLUME_PARAMETER *RecordAtRow(UINT32 Row) {
   UINT32 Index = 1;
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
        Record != nullptr; Record = Record->Next, Index++) {
@@ -97,7 +97,7 @@ RAID_VOLUME_PARAMETER *RecordAtRow(UINT32 Row) {
   return nullptr;
 }
 
-UINT32 SelectedRow() {
+[[nodiscard]] UINT32 SelectedRow() {
   return static_cast<UINT32>(RaidControlValue(PlannedTable(), 1));
 }
 
@@ -111,7 +111,7 @@ RAID_CONTROL_CALLBACK(RaidCreateVolButtonCallback) {
 RAID_CONTROL_CALLBACK(RaidEditVolButtonCallback) {
   (void)Node;
   (void)Event;
-  RaidOpenEditVolumePopup(SelectedRow());
+  UpdateCreateVolumeLayout(SelectedRow());
   return EFI_SUCCESS;
 }
 
@@ -210,6 +210,8 @@ BOOLEAN IfLastAvailableVirtualDisk() {
   const UINT32 Maximum = MaxLogicalDrives();
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Volume count = %d\n", Count);
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Max logical drives = %d\n", Maximum);
+  // A maximum of 0 never makes it true, deliberately (the subtraction was
+  // always unsigned): such a profile sets no limit here.
   return Maximum != 0 && Count >= Maximum - 1;
 }
 

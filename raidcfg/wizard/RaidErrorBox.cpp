@@ -1,5 +1,6 @@
 // The error box every page shows after a failed operation.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Protocol/Host/PageFramework.h>
@@ -15,10 +16,12 @@ namespace {
 // and the terminator, less the "%08x" and "%s" they replace.
 constexpr UINTN kErrorTextExtra = 6;
 
-// The message id of an error code: the table is read one entry before the
-// code's low 12 bits, so code 1 gives the first message. A code with low
-// bits 0 gives the id before the first message, as the sum 1014 + k does.
-EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
+// The message id of an error code. The table is read one entry before the
+// code's low 12 bits, deliberately: it starts at the first message, so
+// code 1 gives "Invalid command" and code k message k. It is no off-by-one;
+// leave it. A code with low bits 0 gives the id before the first message,
+// as the sum 1014 + k does.
+[[nodiscard]] EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
   const UINT32 Index = ErrorCode & 0xFFF;
   if (Index >= RAID_ERR_MSG_COUNT) {
     return STR_ERROR_MESSAGE_041;
@@ -26,6 +29,7 @@ EFI_STRING_ID ErrorMessageId(UINT32 ErrorCode) {
   if (Index == 0) {
     return static_cast<EFI_STRING_ID>(STR_ERROR_MESSAGE_001 - 1);
   }
+  ASSERT(gRaidErrMsgArray[Index - 1] != 0);  // filled at start-up
   return gRaidErrMsgArray[Index - 1];
 }
 
@@ -53,6 +57,7 @@ VOID ShowRaidErrorBox(UINT32 ErrorCode) {
   }
   UnicodeSPrint(Text.Get(), Characters * sizeof(CHAR16), Format, ErrorCode,
                 Message);
-  RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, STR_OPERATION_FAILED,
-                 Text.Get());
+  // A plain box has no answer to read.
+  (VOID) RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE,
+                        STR_OPERATION_FAILED, Text.Get());
 }

@@ -9,8 +9,9 @@
 
 // Message box of Style with the texts of TitleId and TextId (or Text when
 // not NULL); TRUE when the operator confirmed.
-inline BOOLEAN RaidMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
-                              EFI_STRING_ID TextId, const CHAR16 *Text) {
+[[nodiscard]] inline BOOLEAN RaidMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
+                                            EFI_STRING_ID TextId,
+                                            const CHAR16 *Text) {
   if (TarnSetupProtocol == nullptr || TarnSetupProtocol->MessageBox == nullptr) {
     return FALSE;
   }
@@ -31,7 +32,8 @@ inline VOID RaidRedrawScreen() {
 }
 
 // The text of Id in the current language; NULL when there is none.
-inline const CHAR16 *RaidGetString(EFI_HII_HANDLE HiiHandle, EFI_STRING_ID Id) {
+[[nodiscard]] inline const CHAR16 *RaidGetString(EFI_HII_HANDLE HiiHandle,
+                                                 EFI_STRING_ID Id) {
   if (TarnSetupProtocol == nullptr || TarnSetupProtocol->GetString == nullptr) {
     return nullptr;
   }

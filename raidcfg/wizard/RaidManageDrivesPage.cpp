@@ -44,15 +44,15 @@ constexpr CHAR16 kWordDedicated[] = u"Dedicated";
 
 constinit UINT8 gLastAllDrivesAction = kActionNone;
 
-HOST_PAGE_NODE *DriveTableNode() {
+[[nodiscard]] HOST_PAGE_NODE *DriveTableNode() {
   return RaidFindNode(kPage, RAID_NODE_DRIVE_TABLE);
 }
 
-HOST_PAGE_NODE *AllDrivesCombo() {
+[[nodiscard]] HOST_PAGE_NODE *AllDrivesCombo() {
   return RaidFindNode(kPage, RAID_NODE_ALL_DRIVES_COMBO);
 }
 
-UINT32 DriveCount() {
+[[nodiscard]] UINT32 DriveCount() {
   RAID_CONTROLLER *Controller = gCurrentRaidController;
   if (Controller == nullptr || Controller->DriveTable == nullptr) {
     return 0;
@@ -60,11 +60,11 @@ UINT32 DriveCount() {
   return Controller->DiskDriveCount;
 }
 
-RAID_PHYSICAL_DRIVE *DriveAt(UINT32 Index) {
+[[nodiscard]] RAID_PHYSICAL_DRIVE *DriveAt(UINT32 Index) {
   return RaidDriveAtIndex(gCurrentRaidController, Index);
 }
 
-BOOLEAN ControllerHasArray() {
+[[nodiscard]] BOOLEAN ControllerHasArray() {
   RAID_ARRAY *Arrays[RAID_SERVICE_MAX_ARRAYS] = {};
   return gCurrentRaidController != nullptr &&
          RaidCollectArrays(gCurrentRaidController, Arrays,
@@ -73,7 +73,7 @@ BOOLEAN ControllerHasArray() {
 
 // The one target a drive in State may be given from its row, as the word
 // shown; NULL when the row offers none.
-const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
+[[nodiscard]] const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_MVSETUP) {
     return nullptr;
   }
@@ -104,7 +104,8 @@ const CHAR16 *RowTargetWord(UINT32 State, BOOLEAN HasArray) {
 
 // The row's action cell: "Select" and, when the state allows one, the
 // target; grayed when there is none.
-BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
+[[nodiscard]] BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell,
+                                     const CHAR16 *Target) {
   const UINT16 Count = Target != nullptr ? 2 : 1;
   Cell->Kind = HOST_CELL_COMBO_BOX;
   Cell->Value = kSelectOption;
@@ -126,9 +127,9 @@ BOOLEAN FillActionCell(HOST_TABLE_CELL *Cell, const CHAR16 *Target) {
 }
 
 // One drive's row.
-BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
-                                  const RAID_PHYSICAL_DRIVE *Drive,
-                                  BOOLEAN HasArray) {
+[[nodiscard]] BOOLEAN WriteRaidManagePhyDrvData(
+    RAID_TABLE_DATA *Table, UINT32 Row, const RAID_PHYSICAL_DRIVE *Drive,
+    BOOLEAN HasArray) {
   return RaidSetCellText(Table, Row, 0, AllocString(Drive->Location)) &&
          RaidSetCellText(Table, Row, 1,
                          AllocString(GetStateText(Drive->State))) &&
@@ -140,7 +141,7 @@ BOOLEAN WriteRaidManagePhyDrvData(RAID_TABLE_DATA *Table, UINT32 Row,
 }
 
 // The whole drive table of the current controller.
-BOOLEAN GetRaidManagePhyDrvTableData(RAID_TABLE_DATA *Table) {
+[[nodiscard]] BOOLEAN GetRaidManagePhyDrvTableData(RAID_TABLE_DATA *Table) {
   const UINT32 Drives = DriveCount();
   if (!RaidAllocTable(Table, Drives + 1, kDriveColumns,
                       HOST_TABLE_HEADING | HOST_TABLE_SELECTABLE)) {
@@ -186,7 +187,7 @@ VOID SetTableSize() {
 }
 
 // The text id of the all-drives combo box's chosen option.
-EFI_STRING_ID AllDrivesChoice() {
+[[nodiscard]] EFI_STRING_ID AllDrivesChoice() {
   HOST_PAGE_NODE *Combo = AllDrivesCombo();
   HOST_OPTION_LIST *Options = RaidControlOptions(Combo);
   if (Combo == nullptr || Combo->Control == nullptr ||
@@ -199,7 +200,7 @@ EFI_STRING_ID AllDrivesChoice() {
 }
 
 // TRUE when a row or the all-drives combo box asks for a change.
-BOOLEAN HasPendingChange() {
+[[nodiscard]] BOOLEAN HasPendingChange() {
   if (AllDrivesChoice() != STR_ACTIONS_ON_ALL_DRIVES) {
     return TRUE;
   }
@@ -238,24 +239,23 @@ VOID SetRowActions(BOOLEAN Enable) {
   RaidMarkForReRead(DriveTableNode());
 }
 
-// The Next button's helpers trace on behalf of RaidManagePhyDrvNextCallback,
-// whose name the log shows.
-constexpr const CHAR8 *kManageNext = "RaidManagePhyDrvNextCallback";
+// The Next button's helpers below trace under Caller's name, the button's.
 
 // The state a row's state text asks for; FALSE when the text asks for none.
-BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
+[[nodiscard]] BOOLEAN RowTargetState(const CHAR8 *Caller,
+                                     const CHAR16 *StateText, UINT32 *Target) {
   if (StateText == nullptr) {
     return FALSE;
   }
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_ARCCONF) {
     if (StrCmp(StateText, kWordUGood) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Change UGOOD to  GHS\n");
       *Target = RAID_STATE2_DEDICATED;
       return TRUE;
     }
     if (StrCmp(StateText, kWordDedicated) == 0) {
-      RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Change GHS to  UGOOD\n");
       *Target = RAID_STATE2_UGOOD;
       return TRUE;
@@ -263,19 +263,18 @@ BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
     return FALSE;
   }
   if (StrCmp(StateText, kWordJbod) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
-                  "RAID: [%a] Change JBOD to UGOOD\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Change JBOD to UGOOD\n");
     *Target = RAID_STATE_UGOOD;
   } else if (StrCmp(StateText, kWordUGood) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change UGOOD to  JBOD\n");
     *Target = RAID_STATE_JBOD;
   } else if (StrCmp(StateText, kWordNonRaid) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change Non-RAID to GHS\n");
     *Target = RAID_STATE4_GHS;
   } else if (StrCmp(StateText, kWordGhs) == 0) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change GHS to Non-RAID\n");
     *Target = RAID_STATE4_NON_RAID;
   } else {
@@ -284,22 +283,23 @@ BOOLEAN RowTargetState(const CHAR16 *StateText, UINT32 *Target) {
   return TRUE;
 }
 
-VOID ReportStateChangeFailure(EFI_STATUS Status, UINT32 ErrorCode) {
-  RAID_TRACE_AS(kManageNext, TARN_DEBUG_ERROR,
+VOID ReportStateChangeFailure(const CHAR8 *Caller, EFI_STATUS Status,
+                              UINT32 ErrorCode) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                 "RAID: [%a] Status = %r, ErrorCode = %x", Status, ErrorCode);
   SendEventCode(RAID_EVENT_DRIVE_STATE_FAILED);
   ShowRaidErrorBox(ErrorCode);
 }
 
 // The all-drives action on every eligible drive at once.
-VOID ApplyAllDrivesAction() {
+VOID ApplyAllDrivesAction(const CHAR8 *Caller) {
   UINT32 State = RAID_STATE_JBOD;
   if (gLastAllDrivesAction == kActionJbodToUGood) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change all JBOD to UGOOD\n");
     State = RAID_STATE_UGOOD;
   } else {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Change all UGOOD to JBOD\n");
   }
   LIST_ENTRY *Head = nullptr;
@@ -308,17 +308,16 @@ VOID ApplyAllDrivesAction() {
   EFI_STATUS Status = SetAllRaidPhysicalDriveState(
       Head, gCurrentRaidController->Id, State, &ErrorCode);
   if (EFI_ERROR(Status) || ErrorCode != 0) {
-    ReportStateChangeFailure(Status, ErrorCode);
+    ReportStateChangeFailure(Caller, Status, ErrorCode);
   } else {
     SendEventCode(RAID_EVENT_DRIVE_STATE_DONE);
   }
 }
 
 // The rows' own choices, in row order, until one fails.
-VOID ApplyRowActions(RAID_TABLE_DATA *Table) {
+VOID ApplyRowActions(const CHAR8 *Caller, RAID_TABLE_DATA *Table) {
   for (UINT32 Row = 1; Row < Table->RowCount; Row++) {
-    RAID_TRACE_AS(kManageNext, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n",
-                  Row);
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] RowIndex = %x\n", Row);
     HOST_TABLE_CELL *Action = RaidTableCell(Table, Row, kActionColumn);
     if (Action == nullptr || Action->Value == kSelectOption) {
       continue;
@@ -326,15 +325,16 @@ VOID ApplyRowActions(RAID_TABLE_DATA *Table) {
     UINT32 Target = 0;
     EFI_STATUS Status = EFI_SUCCESS;
     UINT32 ErrorCode = 0;
-    if (RowTargetState(RaidTableCell(Table, Row, kStateColumn)->Text,
+    if (RowTargetState(Caller, RaidTableCell(Table, Row, kStateColumn)->Text,
                        &Target)) {
       Status = SetRaidPhysicalDriveState(Row - 1, gRaidSelectedControllerIndex,
                                          Target, &ErrorCode);
     }
     if (EFI_ERROR(Status) || ErrorCode != 0) {
-      ReportStateChangeFailure(Status, ErrorCode);
+      ReportStateChangeFailure(Caller, Status, ErrorCode);
       return;
     }
+    // Also for a chosen row whose state text allowed no change, deliberately.
     SendEventCode(RAID_EVENT_DRIVE_STATE_DONE);
   }
 }
@@ -491,9 +491,9 @@ RAID_CONTROL_CALLBACK(RaidManagePhyDrvNextCallback) {
   }
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] RowCount = %x\n", Table->RowCount);
   if (gLastAllDrivesAction != kActionNone) {
-    ApplyAllDrivesAction();
+    ApplyAllDrivesAction(__func__);
   } else {
-    ApplyRowActions(Table);
+    ApplyRowActions(__func__, Table);
   }
   gRaidReInitFlags[RAID_REINIT_FLAG(RAID_PAGE_CONFIG_TYPE)] = 1;
   gRaidReInitFlags[RAID_REINIT_FLAG(kPage)] = 1;

@@ -119,7 +119,7 @@
 
 // The static template of Page (1-11, and RAID_POPUP_PAGE); page 12 uses page
 // 1's. NULL for any other number.
-const HOST_PAGE_TEMPLATE *RaidPageTemplate(UINT32 Page);
+[[nodiscard]] const HOST_PAGE_TEMPLATE *RaidPageTemplate(UINT32 Page);
 // The nodes of one result group of page 10, for the creation page to attach
 // once per planned virtual disk.
 extern const HOST_NODE_TEMPLATE gRaidResultGroupTemplate;

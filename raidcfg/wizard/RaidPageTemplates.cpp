@@ -27,7 +27,7 @@ constexpr HOST_NODE_TEMPLATE kNextButton = {RAID_NODE_NEXT,
                                             {66, kButtonRow, 0, 0}, nullptr, 0};
 
 template <UINTN N>
-constexpr UINT32 Count(const HOST_NODE_TEMPLATE (&)[N]) {
+[[nodiscard]] constexpr UINT32 Count(const HOST_NODE_TEMPLATE (&)[N]) {
   return static_cast<UINT32>(N);
 }
 

@@ -25,12 +25,11 @@ constexpr UINT32 kMaxMembers = 256;
 
 constexpr UINT32 kVerifyPage = RAID_PAGE_SIMPLE_VERIFY;
 
-// The planner's helpers trace on behalf of
-// UpdateSimpleConfigNewVolumeParameters, whose name the log shows.
-constexpr const CHAR8 *kPlanVolume = "UpdateSimpleConfigNewVolumeParameters";
+// The planner's helpers below trace under Caller's name, the planner's.
 
 // The first entry marked default, or NULL.
-RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries, UINT32 Count) {
+[[nodiscard]] RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries,
+                                              UINT32 Count) {
   for (UINT32 Index = 0; Index < Count; Index++) {
     if (Entries[Index]->IsDefault != 0) {
       return Entries[Index];
@@ -40,7 +39,9 @@ RAID_POLICY_ENTRY *DefaultEntry(RAID_POLICY_ENTRY **Entries, UINT32 Count) {
 }
 
 // The stripe size: fixed by level on Intel RSTe, else the profile's default.
-UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability, UINT32 Level) {
+[[nodiscard]] UINT32 DefaultStripeSize(const CHAR8 *Caller,
+                                       const RAID_CAPABILITY *Capability,
+                                       UINT32 Level) {
   if (gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE) {
     switch (Level) {
       case 1:
@@ -56,18 +57,17 @@ UINT32 DefaultStripeSize(const RAID_CAPABILITY *Capability, UINT32 Level) {
   }
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = RaidCollectStripeSizes(Capability, Entries, kMaxPolicies);
-  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
-                "RAID: [%a] Stripe size count is %d\n", Count);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Stripe size count is %d\n",
+                Count);
   if (Count == 0) {
-    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
-                  "RAID: [%a] No strip size found\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] No strip size found\n");
     return RAID_STRIPE_SIZE_OTHER;
   }
   RAID_POLICY_ENTRY *Default = DefaultEntry(Entries, Count);
   if (Default == nullptr) {
     return 0;
   }
-  RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] The default stripe size is %S\n", Default->Name);
   return RaidStripeSizeCode(Default->Name);
 }
@@ -124,16 +124,17 @@ VOID ApplyDefaultPolicy(const CHAR8 *Caller, const DEFAULT_POLICY &Policy,
 }
 
 // The profile's default policies into Parameter.
-VOID DefaultPolicies(const RAID_CAPABILITY *Capability,
+VOID DefaultPolicies(const CHAR8 *Caller, const RAID_CAPABILITY *Capability,
                      RAID_VOLUME_PARAMETER *Parameter) {
   for (const DEFAULT_POLICY &Policy : kDefaultPolicies) {
-    ApplyDefaultPolicy(kPlanVolume, Policy, Capability, Parameter);
+    ApplyDefaultPolicy(Caller, Policy, Capability, Parameter);
   }
 }
 
 // How many drives the level takes: bounded by the level's maximum, one
 // less for a hot spare, even for the mirrored and spanned levels.
-UINT32 MemberCount(const RAID_LEVEL_CAP *Level, BOOLEAN HotSpare) {
+[[nodiscard]] UINT32 MemberCount(const RAID_LEVEL_CAP *Level,
+                                 BOOLEAN HotSpare) {
   RAID_DRIVE_COUNTS Counts;
   GetUGoodJbodReadyCount(&Counts);
   UINT32 Count = 0;
@@ -149,6 +150,8 @@ UINT32 MemberCount(const RAID_LEVEL_CAP *Level, BOOLEAN HotSpare) {
   if (HotSpare && Count != 0) {
     Count--;
   }
+  // Rounded down to even by the mask 0xFFE, deliberately as it always was
+  // (it also bounds the count); keep the mask.
   if (Level->Level == 1 || Level->Level == 10 || Level->Level == 50 ||
       Level->Level == 60) {
     Count &= 0xFFE;
@@ -156,7 +159,7 @@ UINT32 MemberCount(const RAID_LEVEL_CAP *Level, BOOLEAN HotSpare) {
   return Count > kMaxMembers ? kMaxMembers : Count;
 }
 
-BOOLEAN IsMemberState(UINT32 State) {
+[[nodiscard]] BOOLEAN IsMemberState(UINT32 State) {
   return State == RAID_STATE_UGOOD || State == RAID_STATE2_UGOOD ||
          State == RAID_STATE3_READY || State == RAID_STATE4_NON_RAID;
 }
@@ -164,8 +167,9 @@ BOOLEAN IsMemberState(UINT32 State) {
 // Takes the first Count eligible drives; returns how many were found, the
 // smallest capacity and whether they differ. *LastIndex is the position of
 // the last member in the drive list.
-UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
-                   BOOLEAN *Unequal, UINT32 *LastIndex) {
+[[nodiscard]] UINT32 PickMembers(const CHAR8 *Caller, UINT32 *Ids, UINT32 Count,
+                                 UINT64 *Smallest, BOOLEAN *Unequal,
+                                 UINT32 *LastIndex) {
   UINT32 Found = 0;
   UINT32 Position = 0;
   *Smallest = 0;
@@ -181,7 +185,7 @@ UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
       continue;
     }
     const UINT64 Capacity = RaidDriveCapacity(Drive);
-    RAID_TRACE_AS(kPlanVolume, TARN_DEBUG_INFO,
+    RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                   "RAID: [%a] Disk drive %d capacity is %dGB\n", Drive->Id,
                   static_cast<UINT32>(Capacity / 1000));
     if (Found != 0 && Capacity != *Smallest) {
@@ -197,7 +201,7 @@ UINT32 PickMembers(UINT32 *Ids, UINT32 Count, UINT64 *Smallest,
 }
 
 // The first unconfigured-good drive after position After of the list.
-BOOLEAN PickHotSpare(UINT32 After, UINT32 *Id) {
+[[nodiscard]] BOOLEAN PickHotSpare(UINT32 After, UINT32 *Id) {
   UINT32 Position = 0;
   for (RAID_PHYSICAL_DRIVE *Drive : uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(
            gCurrentRaidController->PhysicalDriveList)) {
@@ -215,6 +219,7 @@ BOOLEAN PickHotSpare(UINT32 After, UINT32 *Id) {
 // Page 4's labels for the planned virtual disk.
 VOID FillVerifyLabels(const RAID_VOLUME_PARAMETER *Parameter,
                       BOOLEAN Unequal) {
+  // The MBR warning is never shown, deliberately, as on the advanced page.
   RaidHideControl(kVerifyPage, RAID_NODE_VERIFY_MBR_WARNING);
   RaidSetLabel(kVerifyPage, RAID_NODE_VERIFY_LEVEL,
                RaidFormatNumberText(STR_RAID_LEVEL_VALUE, Parameter->RaidLevel));
@@ -241,6 +246,7 @@ VOID FillVerifyLabels(const RAID_VOLUME_PARAMETER *Parameter,
 }  // namespace
 
 VOID GetDefaultVolumeName(CHAR16 *Name, UINTN NameCharacters) {
+  // From 1, deliberately, where the advanced pop-up starts at 0.
   for (UINT32 Number = 1;; Number++) {
     UnicodeSPrint(Name, NameCharacters * sizeof(CHAR16), u"Volume%d", Number);
     if (!CheckVolumeNameInAllArray(Name)) {
@@ -277,8 +283,9 @@ BOOLEAN UpdateSimpleConfigNewVolumeParameters() {
     return FALSE;
   }
   GetDefaultVolumeName(Parameter->Name, NameCharacters);
-  Parameter->StripeSize = DefaultStripeSize(Controller->Capability, Level->Level);
-  DefaultPolicies(Controller->Capability, Parameter);
+  Parameter->StripeSize =
+      DefaultStripeSize(__func__, Controller->Capability, Level->Level);
+  DefaultPolicies(__func__, Controller->Capability, Parameter);
   Parameter->ControllerId = gRaidSelectedControllerIndex;
   Parameter->NewArray = 1;
   Parameter->Reserved = 1;
@@ -299,7 +306,7 @@ BOOLEAN UpdateSimpleConfigNewVolumeParameters() {
   BOOLEAN Unequal = FALSE;
   UINT32 LastIndex = 0;
   Parameter->DriveCount =
-      PickMembers(Ids, Wanted, &Smallest, &Unequal, &LastIndex);
+      PickMembers(__func__, Ids, Wanted, &Smallest, &Unequal, &LastIndex);
   Parameter->DriveList = RaidCopyDriveIds(Ids, Parameter->DriveCount);
   FreePool(Ids);
 

@@ -76,7 +76,7 @@ HOST_PAGE_NODE *VerifyTableNode(UINT32 Page) {
                                 (Page == kAdvancedPage ? kOffset : 0));
 }
 
-UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
+[[nodiscard]] UINT32 SpareCount(const RAID_VOLUME_PARAMETER *Record) {
   UINT32 Count = 0;
   while (Record->SpareList != nullptr &&
          Record->SpareList[Count] != RAID_DRIVE_LIST_END) {
@@ -118,7 +118,7 @@ VOID RAIDGetVolumeDataDynamicaly() {
   RaidSetLabel(kAdvancedPage, RAID_NODE_VERIFY_FREE + kOffset,
                RaidFormatText(StrLen(Format) + 25, Format, Left));
   // A disk beyond the MBR limit is looked for, but the warning stays
-  // hidden either way.
+  // hidden either way, deliberately, as on the simple page.
   for (RAID_VOLUME_PARAMETER *Record = First; Record != nullptr;
        Record = Record->Next) {
     if (static_cast<UINT32>(Record->Size) / 1000 > kMbrLimitGb) {
@@ -131,7 +131,7 @@ VOID RAIDGetVolumeDataDynamicaly() {
 
 // Asks whether to create the planned virtual disks; the trace carries
 // Caller's name, the Next button that asks.
-BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
+[[nodiscard]] BOOLEAN ConfirmCreation(const CHAR8 *Caller) {
   RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] start\n");
   return RaidMessageBox(HOST_MSGBOX_YES_NO, STR_CONFIRMATION_TITLE,
                         STR_CONFIRM_CREATE, nullptr);

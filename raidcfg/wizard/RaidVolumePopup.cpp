@@ -4,6 +4,7 @@
 // the first one's stripe size, and the policies offered stay those of the
 // first virtual disk.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <strings/RaidcfgStrings.h>
@@ -44,10 +45,6 @@ constexpr UINT32 kNameValid = 0;
 constexpr UINT32 kNameDuplicate = 1;
 constexpr UINT32 kNameBadForm = 2;
 
-// Editing lays the pop-up out on behalf of UpdateCreateVolumeLayout, whose
-// name the log shows.
-constexpr const CHAR8 *kEditLayout = "UpdateCreateVolumeLayout";
-
 constinit HOST_PAGE_NODE *gPopupRoot = nullptr;
 constinit UINT8 gCreateMode = 1;
 constinit CHAR16 gNameBeforeEdit[kMaxNameCharacters] = {};
@@ -60,7 +57,7 @@ constinit UINT64 gEditedSize = 0;
 
 // ---- The pop-up's controls --------------------------------------------------
 
-HOST_PAGE_NODE *PopupNode(UINT32 NodeId) {
+[[nodiscard]] HOST_PAGE_NODE *PopupNode(UINT32 NodeId) {
   HOST_PAGE_NODE *Node = nullptr;
   if (gPopupRoot == nullptr || TarnSetupProtocol == nullptr ||
       TarnSetupProtocol->FindNode == nullptr ||
@@ -88,7 +85,7 @@ VOID ShowPopup(UINT32 FocusNodeId) {
 }
 
 // The text an edit box shows now: the operator's, else the module's.
-const CHAR16 *EditText(UINT32 NodeId) {
+[[nodiscard]] const CHAR16 *EditText(UINT32 NodeId) {
   HOST_PAGE_NODE *Node = PopupNode(NodeId);
   if (Node == nullptr) {
     return u"";
@@ -109,11 +106,14 @@ VOID SetNumberText(UINT32 NodeId, UINT64 Number) {
   SetText(NodeId, RaidFormatText(kMaxLabelCharacters, u"%ld", Number));
 }
 
-BOOLEAN IsBlank(CHAR16 Char) { return Char == u' ' || Char == u'\t'; }
+[[nodiscard]] BOOLEAN IsBlank(CHAR16 Char) {
+  return Char == u' ' || Char == u'\t';
+}
 
 // Text without its leading and trailing blanks and tabs, in Out (cut to
 // fit). Returns the trimmed length before any cut.
-UINTN TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
+[[nodiscard]] UINTN TrimName(const CHAR16 *Text, CHAR16 *Out,
+                             UINTN OutCharacters) {
   while (*Text != 0 && IsBlank(*Text)) {
     Text++;
   }
@@ -129,19 +129,19 @@ UINTN TrimName(const CHAR16 *Text, CHAR16 *Out, UINTN OutCharacters) {
   return Length;
 }
 
-UINT32 MaxNameLength() {
+[[nodiscard]] UINT32 MaxNameLength() {
   return gCurrentRaidController != nullptr &&
                  gCurrentRaidController->Capability != nullptr
              ? gCurrentRaidController->Capability->MaxVolumeNameStingLength
              : 0;
 }
 
-BOOLEAN IsIntelRaid1() {
+[[nodiscard]] BOOLEAN IsIntelRaid1() {
   return gRaidAdapterKind == RAID_ADAPTER_KIND_RSTE &&
          gRaidSelectedLevelNumber == 1;
 }
 
-UINT64 LeftCapacity() {
+[[nodiscard]] UINT64 LeftCapacity() {
   return gRaidTotalCapacity > gRaidAllocatedCapacity
              ? gRaidTotalCapacity - gRaidAllocatedCapacity
              : 0;
@@ -149,7 +149,7 @@ UINT64 LeftCapacity() {
 
 // ---- Policies ------------------------------------------------------------------
 
-UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
+[[nodiscard]] UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
   const RAID_CAPABILITY *Capability =
       gCurrentRaidController != nullptr ? gCurrentRaidController->Capability
                                         : nullptr;
@@ -169,7 +169,7 @@ UINT32 CollectPolicy(UINT32 Kind, RAID_POLICY_ENTRY **Entries) {
 
 // The code of a combo box's text: the profile entry of that name, else the
 // word's code.
-UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
+[[nodiscard]] UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
   if (Text == nullptr) {
     Text = u"";
   }
@@ -197,7 +197,7 @@ UINT32 PolicyCode(UINT32 Kind, const CHAR16 *Text) {
 }
 
 // The code a record gets for a policy the pop-up does not offer.
-UINT32 AbsentCode(UINT32 Kind) {
+[[nodiscard]] UINT32 AbsentCode(UINT32 Kind) {
   switch (Kind) {
     case kStripe:
       return RAID_STRIPE_SIZE_OTHER;
@@ -254,7 +254,7 @@ VOID ChooseByCode(UINT32 Kind, UINT32 Code) {
 }
 
 // Whether an Intel RSTe stripe size is left out for the level.
-BOOLEAN StripeLeftOut(UINT32 Code) {
+[[nodiscard]] BOOLEAN StripeLeftOut(UINT32 Code) {
   if (gRaidAdapterKind != RAID_ADAPTER_KIND_RSTE) {
     return FALSE;
   }
@@ -263,8 +263,8 @@ BOOLEAN StripeLeftOut(UINT32 Code) {
 }
 
 // Fills one policy's combo box from the profile; FALSE when its options
-// could not be allocated.
-[[nodiscard]] BOOLEAN FillPolicyCombo(UINT32 Kind) {
+// could not be allocated. Traced under Caller's name.
+[[nodiscard]] BOOLEAN FillPolicyCombo(const CHAR8 *Caller, UINT32 Kind) {
   static constexpr const CHAR8 *kTraces[kPolicyCount] = {
       "RAID: [%a] stripe size count is %d\n",
       "RAID: [%a] read policy count is %d\n",
@@ -273,7 +273,7 @@ BOOLEAN StripeLeftOut(UINT32 Code) {
       "RAID: [%a] disk cache policy count is %d\n"};
   RAID_POLICY_ENTRY *Entries[kMaxPolicies] = {};
   const UINT32 Count = CollectPolicy(Kind, Entries);
-  RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_INFO, kTraces[Kind], Count);
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, kTraces[Kind], Count);
   HOST_PAGE_NODE *Combo = PopupNode(kComboIds[Kind]);
   if (Count == 0) {
     SetState(kLabelIds[Kind], HOST_DISPLAY_HIDDEN);
@@ -304,12 +304,12 @@ BOOLEAN StripeLeftOut(UINT32 Code) {
     Texts[Offered++] = Entries[Index]->Name;
   }
   if (!RaidSetTextOptions(Combo, Texts, Offered)) {
-    RAID_TRACE_AS("RaidPolicyDisplay", TARN_DEBUG_ERROR,
-                  "RAID: [%a] Out of resource\n");
+    RAID_TRACE_AS(Caller, TARN_DEBUG_ERROR, "RAID: [%a] Out of resource\n");
     return FALSE;
   }
   // The default's index in the profile's whole list, also where entries
-  // were left out.
+  // were left out: deliberate, the selection follows the profile's own
+  // numbering.
   RaidSetControlValue(Combo, Default < Offered ? Default : 0);
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
   SetState(kLabelIds[Kind], HOST_DISPLAY_SHOWN);
@@ -320,7 +320,7 @@ BOOLEAN StripeLeftOut(UINT32 Code) {
 // FALSE when a policy's options could not be filled.
 [[nodiscard]] BOOLEAN RaidPolicyDisplay() {
   for (UINT32 Kind = 0; Kind < kPolicyCount; Kind++) {
-    if (!FillPolicyCombo(Kind)) {
+    if (!FillPolicyCombo(__func__, Kind)) {
       return FALSE;
     }
   }
@@ -340,7 +340,7 @@ VOID ValidateCreateVolumePage() {
                                        : HOST_DISPLAY_GRAYED);
 }
 
-BOOLEAN PlannedNameExists(const CHAR16 *Name) {
+[[nodiscard]] BOOLEAN PlannedNameExists(const CHAR16 *Name) {
   for (RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
        Record != nullptr; Record = Record->Next) {
     if (Record->Name != nullptr && StrCmp(Record->Name, Name) == 0) {
@@ -350,7 +350,7 @@ BOOLEAN PlannedNameExists(const CHAR16 *Name) {
   return FALSE;
 }
 
-BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
+[[nodiscard]] BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
   RAID_ARRAY *Array = gRaidAdvancedMode == 1 ? RaidSelectedArray() : nullptr;
   if (Array == nullptr) {
     return FALSE;
@@ -367,8 +367,8 @@ BOOLEAN SelectedArrayHasName(const CHAR16 *Name) {
 
 // 0 valid, 1 duplicate, 2 bad form. Trimmed is the name without its
 // surrounding blanks.
-UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
-                          UINTN TrimmedCharacters) {
+[[nodiscard]] UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
+                                        UINTN TrimmedCharacters) {
   if (Text[0] == 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] volume name is empty\n");
     return kNameBadForm;
@@ -388,6 +388,8 @@ UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
   if ((gCreateMode != 0 || Renamed) && PlannedNameExists(Trimmed)) {
     return kNameDuplicate;
   }
+  // Virtual disks of other arrays are deliberately not checked here: the
+  // default name already avoids them.
   if (SelectedArrayHasName(Trimmed)) {
     return kNameDuplicate;
   }
@@ -396,7 +398,7 @@ UINT32 ValidateVolumeName(const CHAR16 *Text, CHAR16 *Trimmed,
 
 // ---- Records ---------------------------------------------------------------------
 
-CHAR16 *AllocName(const CHAR16 *Trimmed) {
+[[nodiscard]] CHAR16 *AllocName(const CHAR16 *Trimmed) {
   UINTN Characters = MaxNameLength() + 1;
   if (Characters < StrLen(Trimmed) + 1) {
     Characters = StrLen(Trimmed) + 1;
@@ -404,7 +406,8 @@ CHAR16 *AllocName(const CHAR16 *Trimmed) {
   CHAR16 *Name =
       static_cast<CHAR16 *>(AllocateZeroPool(Characters * sizeof(CHAR16)));
   if (Name != nullptr) {
-    StrCpyS(Name, Characters, Trimmed);
+    EFI_STATUS Copied = StrCpyS(Name, Characters, Trimmed);
+    ASSERT(!EFI_ERROR(Copied));  // Characters covers the name and its end
   }
   return Name;
 }
@@ -497,7 +500,7 @@ VOID UpdateVolumeParameters(RAID_VOLUME_PARAMETER *Record,
 // ---- Opening ----------------------------------------------------------------------
 
 // The limit the capacity may take.
-UINT64 CapacityLimit() {
+[[nodiscard]] UINT64 CapacityLimit() {
   return LeftCapacity() + (gCreateMode == 0 ? gEditedSize : 0);
 }
 
@@ -514,7 +517,7 @@ VOID SetCapacity(UINT64 Capacity, UINT64 Limit) {
 
 // Attaches the pop-up page to the module once; a failure is traced under
 // Caller's name.
-BOOLEAN AttachPopup(const CHAR8 *Caller) {
+[[nodiscard]] BOOLEAN AttachPopup(const CHAR8 *Caller) {
   if (gPopupRoot != nullptr) {
     return TRUE;
   }
@@ -561,7 +564,7 @@ VOID LeavePopupUnchanged() {
 }
 
 // Opens the pop-up with the policies of the first virtual disk.
-BOOLEAN InitRaidAdvCreateVolumePage() {
+[[nodiscard]] BOOLEAN InitRaidAdvCreateVolumePage() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   if (!AttachPopup(__func__)) {
     return FALSE;
@@ -604,7 +607,8 @@ VOID ValidateUpdateFreeCapacity() {
 }
 
 // The first "VolumeN" (from 0) no planned, array or adapter virtual disk
-// has; Volume31 when all are taken.
+// has; Volume31 when all are taken. The simple configuration starts at 1
+// (GetDefaultVolumeName); the difference is deliberate and stays.
 VOID FixupCreatePopup() {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   CHAR16 Name[kNameCharacters] = {};
@@ -617,7 +621,8 @@ VOID FixupCreatePopup() {
                                     "RAID: vdnum:%d, VolNameStr:%S\n", Number,
                                     Formed);
     }
-    TrimName(Formed, Name, kNameCharacters);
+    const UINTN Length = TrimName(Formed, Name, kNameCharacters);
+    ASSERT(Length < kNameCharacters);  // "Volume31" fits whole
     if (PlannedNameExists(Name) || SelectedArrayHasName(Name)) {
       continue;
     }
@@ -658,6 +663,8 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeOptionVolCapacityEditBoxCallback) {
   const CHAR16 *Text = EditText(RAID_NODE_POPUP_CAPACITY_EDIT);
   UINT64 Value = 0;
   BOOLEAN Emptied = FALSE;
+  // Deliberately, the first character that is no digit empties the whole
+  // text, and the digits read before it still give the value.
   for (const CHAR16 *Char = Text; *Char != 0; Char++) {
     if (*Char < u'0' || *Char > u'9') {
       Emptied = TRUE;
@@ -713,7 +720,8 @@ RAID_CONTROL_CALLBACK(_RaidAdvCreateVolumeCreateButtonCallback) {
       Message = RaidFormatText(kMessageCharacters,
                                RaidString(STR_ERROR_NAME_EXISTS));
     }
-    RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, 0, Message);
+    // A plain box has no answer to read.
+    (VOID) RaidMessageBox(HOST_MSGBOX_PLAIN, STR_ERROR_TITLE, 0, Message);
     FreePool(Message);
     ShowPopup(0);
     return EFI_SUCCESS;
@@ -756,9 +764,9 @@ constexpr HOST_CONTROL_DESCRIPTOR kPopupOwn[] = {
     {RAID_NODE_POPUP_EXIT, _RaidAdvCreateVolumeExitButtonCallback},
 };
 
-// Puts the edited record's policy into its combo box and logs its word,
-// or hides the combo box.
-VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
+// Puts the edited record's policy into its combo box and logs its word
+// under Caller's name, or hides the combo box.
+VOID ShowEditedPolicy(const CHAR8 *Caller, UINT32 Kind, UINT32 Code) {
   if (gPresent[Kind] == 0) {
     SetState(kComboIds[Kind], HOST_DISPLAY_HIDDEN);
     return;
@@ -767,42 +775,43 @@ VOID ShowEditedPolicy(UINT32 Kind, UINT32 Code) {
   SetState(kComboIds[Kind], HOST_DISPLAY_SHOWN);
   switch (Kind) {
     case kRead:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] Read policy is: %S\n", RaidReadPolicyWord(Code));
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Read policy is: %S\n",
+                    RaidReadPolicyWord(Code));
       break;
     case kWrite:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] Write policy is: %S\n",
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] Write policy is: %S\n",
                     RaidWritePolicyWord(Code));
       break;
     case kIo:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                    "RAID: [%a] IO policy is %S\n", RaidIoPolicyWord(Code));
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO, "RAID: [%a] IO policy is %S\n",
+                    RaidIoPolicyWord(Code));
       break;
     default:
-      RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+      RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "RAID: [%a] Disk cache policy is %S\n",
                     RaidDiskCachePolicyWord(Code));
       break;
   }
 }
 
-// The edited disk's size as record, edit box and maximum label hold it.
-VOID TraceEditedLayout(const RAID_VOLUME_PARAMETER *Record, UINT64 Limit) {
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+// The edited disk's size as record, edit box and maximum label hold it,
+// traced under Caller's name.
+VOID TraceEditedLayout(const CHAR8 *Caller, const RAID_VOLUME_PARAMETER *Record,
+                       UINT64 Limit) {
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, params.VC: %d\n",
                 gNameBeforeEdit, static_cast<UINT32>(Record->Size));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, VolCap: %d\n", gNameBeforeEdit,
                 static_cast<UINT32>(gEditedSize));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, ControlValue: %S\n",
                 gNameBeforeEdit, EditText(RAID_NODE_POPUP_CAPACITY_EDIT));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, %d GB MAX:\n", gNameBeforeEdit,
                 static_cast<UINT32>(Limit));
   const CHAR16 *MaxLabel = RaidControlText(PopupNode(RAID_NODE_POPUP_CAPACITY_MAX));
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
+  RAID_TRACE_AS(Caller, TARN_DEBUG_INFO,
                 "RAID: [%a] Edit volume is %S, FreeSizeString: %S:\n",
                 gNameBeforeEdit, MaxLabel != nullptr ? MaxLabel : u"");
 }
@@ -821,28 +830,30 @@ VOID RaidOpenCreateVolumePopup() {
   FixupCreatePopup();
 }
 
-VOID RaidOpenEditVolumePopup(UINT32 Row) {
+VOID UpdateCreateVolumeLayout(UINT32 Row) {
   gCreateMode = 0;
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] start\n");
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start\n");
   RAID_VOLUME_PARAMETER *Record = RaidVolumeParameterQueue();
   for (UINT32 Index = 1; Record != nullptr && Index < Row; Index++) {
     Record = Record->Next;
   }
-  if (Row == 0 || Record == nullptr || !AttachPopup(kEditLayout)) {
-    RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO,
-                  "RAID: [%a] Pointer to VD is null\n");
+  if (Row == 0 || Record == nullptr || !AttachPopup(__func__)) {
+    RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Pointer to VD is null\n");
     return;
   }
   gEdited = Record;
   gEditedSize = Record->Size / 1000;
-  StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
-          Record->Name != nullptr ? Record->Name : u"");
-  RAID_TRACE_AS(kEditLayout, TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
-                gNameBeforeEdit);
+  // A planned name passed the name check, which holds it below
+  // kMaxNameCharacters.
+  EFI_STATUS Copied = StrCpyS(gNameBeforeEdit, kMaxNameCharacters,
+                              Record->Name != nullptr ? Record->Name : u"");
+  ASSERT(!EFI_ERROR(Copied));
+  RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] Edit volume is %S\n",
+             gNameBeforeEdit);
   SetText(RAID_NODE_POPUP_NAME_EDIT, AllocString(gNameBeforeEdit));
   const UINT64 Limit = LeftCapacity() + gEditedSize;
   SetCapacity(gEditedSize, Limit);
-  TraceEditedLayout(Record, Limit);
+  TraceEditedLayout(__func__, Record, Limit);
   const UINT8 Capacity =
       RaidBelowVolumeLimit() ? HOST_DISPLAY_SHOWN : HOST_DISPLAY_GRAYED;
   SetState(RAID_NODE_POPUP_CAPACITY_EDIT, Capacity);
@@ -858,10 +869,10 @@ VOID RaidOpenEditVolumePopup(UINT32 Row) {
              FirstOnNewArray && !IsIntelRaid1() ? HOST_DISPLAY_SHOWN
                                                 : HOST_DISPLAY_GRAYED);
   }
-  ShowEditedPolicy(kRead, Record->ReadPolicy);
-  ShowEditedPolicy(kWrite, Record->WritePolicy);
-  ShowEditedPolicy(kIo, Record->IoPolicy);
-  ShowEditedPolicy(kCache, Record->DiskCachePolicy);
+  ShowEditedPolicy(__func__, kRead, Record->ReadPolicy);
+  ShowEditedPolicy(__func__, kWrite, Record->WritePolicy);
+  ShowEditedPolicy(__func__, kIo, Record->IoPolicy);
+  ShowEditedPolicy(__func__, kCache, Record->DiskCachePolicy);
   ValidateCreateVolumePage();
   ShowPopup(RAID_NODE_POPUP_NAME_EDIT);
 }

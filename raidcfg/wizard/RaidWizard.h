@@ -86,7 +86,7 @@ extern UINT32 gRaidAdapterKind;
 // controller, gCurrentRaidController.
 extern UINT32 gRaidSelectedControllerIndex;
 // The controller at Index of the controller list, or NULL.
-RAID_CONTROLLER *RaidControllerAt(UINT32 Index);
+[[nodiscard]] RAID_CONTROLLER *RaidControllerAt(UINT32 Index);
 
 // TRUE while the loading box of the first page's construction is open.
 extern BOOLEAN gRaidLoadingProgressOpen;
@@ -114,8 +114,8 @@ VOID EFIAPI SwitchBackToRaidSetupModule();
 // The help callback: the help entries of the current page.
 VOID EFIAPI RaidSetupHelpCallBack();
 // Next on page 1: into the configuration type page.
-EFI_STATUS EFIAPI RaidWizardNextCallback(HOST_PAGE_NODE *Node,
-                                         const HOST_CONTROL_EVENT *Event);
+[[nodiscard]] EFI_STATUS EFIAPI
+RaidWizardNextCallback(HOST_PAGE_NODE *Node, const HOST_CONTROL_EVENT *Event);
 // Turns page 1 into page 12, which says that no supported adapter exists.
 VOID ShowNoAdapterFoundMsg();
 

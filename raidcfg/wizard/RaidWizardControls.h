@@ -9,11 +9,11 @@
 // ---- Finding controls --------------------------------------------------------
 
 // The page tree of Page (12 gives page 1's), or NULL before it is built.
-HOST_PAGE_NODE *RaidPageRoot(UINT32 Page);
+[[nodiscard]] HOST_PAGE_NODE *RaidPageRoot(UINT32 Page);
 // The node NodeId of Page's tree, or NULL.
-HOST_PAGE_NODE *RaidFindNode(UINT32 Page, UINT32 NodeId);
+[[nodiscard]] HOST_PAGE_NODE *RaidFindNode(UINT32 Page, UINT32 NodeId);
 // The display state of a control; HOST_DISPLAY_HIDDEN when it is missing.
-UINT8 RaidDisplayState(UINT32 Page, UINT32 NodeId);
+[[nodiscard]] UINT8 RaidDisplayState(UINT32 Page, UINT32 NodeId);
 
 // ---- Control operations --------------------------------------------------------
 
@@ -35,20 +35,21 @@ VOID RaidShowPage(UINT32 Page, UINT32 FocusNodeId);
 // ---- Texts -----------------------------------------------------------------------
 
 // The text of Id in the current language; "" when there is none.
-const CHAR16 *RaidString(EFI_STRING_ID Id);
+[[nodiscard]] const CHAR16 *RaidString(EFI_STRING_ID Id);
 // The text of Id formatted with one 32-bit number, in a pool buffer of the
 // text's length plus 25 characters; NULL when memory is short.
-CHAR16 *RaidFormatNumberText(EFI_STRING_ID Id, UINT32 Number);
+[[nodiscard]] CHAR16 *RaidFormatNumberText(EFI_STRING_ID Id, UINT32 Number);
 // The text of Id followed by Suffix ("%s%s"); with no suffix the text
 // alone. A pool buffer, NULL when memory is short.
-CHAR16 *RaidAppendText(EFI_STRING_ID Id, const CHAR16 *Suffix);
+[[nodiscard]] CHAR16 *RaidAppendText(EFI_STRING_ID Id, const CHAR16 *Suffix);
 // A pool copy of Text (NULL gives ""); NULL when memory is short.
-CHAR16 *AllocString(const CHAR16 *Text);
+[[nodiscard]] CHAR16 *AllocString(const CHAR16 *Text);
 // A pool string formatted from Format, at most Characters long.
-CHAR16 *EFIAPI RaidFormatText(UINTN Characters, const CHAR16 *Format, ...);
+[[nodiscard]] CHAR16 *EFIAPI RaidFormatText(UINTN Characters,
+                                            const CHAR16 *Format, ...);
 // "%ld GB" of a size given in thousandths of Unit (a size unit code; ""
 // for another unit), in a pool buffer; NULL when memory is short.
-CHAR16 *RaidSizeText(UINT64 Thousandths, UINT32 Unit);
+[[nodiscard]] CHAR16 *RaidSizeText(UINT64 Thousandths, UINT32 Unit);
 
 // ---- Values kept for controls ------------------------------------------------------
 
@@ -63,11 +64,11 @@ typedef struct {
 
 // Makes an empty table of the given shape, every cell an empty text cell;
 // FALSE when memory is short (Table is left empty).
-BOOLEAN RaidAllocTable(RAID_TABLE_DATA *Table, UINT32 Rows, UINT32 Columns,
-                       UINT32 Flags);
+[[nodiscard]] BOOLEAN RaidAllocTable(RAID_TABLE_DATA *Table, UINT32 Rows,
+                                     UINT32 Columns, UINT32 Flags);
 // The cell at Row, Column, or NULL.
-HOST_TABLE_CELL *RaidTableCell(RAID_TABLE_DATA *Table, UINT32 Row,
-                               UINT32 Column);
+[[nodiscard]] HOST_TABLE_CELL *RaidTableCell(RAID_TABLE_DATA *Table, UINT32 Row,
+                                             UINT32 Column);
 // Frees the cells' texts and options and the cells.
 VOID RaidFreeTable(RAID_TABLE_DATA *Table);
 // Gives the cell at Row, Column the text Text (a pool string it takes; the
@@ -80,36 +81,37 @@ BOOLEAN RaidSetCellText(RAID_TABLE_DATA *Table, UINT32 Row, UINT32 Column,
 // module's text so the control's text id shows again); refresh mark 4.
 VOID RaidSetControlText(HOST_PAGE_NODE *Node, CHAR16 *Text);
 // The module's text of the control, or NULL.
-const CHAR16 *RaidControlText(HOST_PAGE_NODE *Node);
+[[nodiscard]] const CHAR16 *RaidControlText(HOST_PAGE_NODE *Node);
 // The option list (takes List; the previous one is released with
 // FreeComboOptions); refresh mark 4.
 VOID RaidSetControlOptions(HOST_PAGE_NODE *Node, HOST_OPTION_LIST *List);
 // The option list kept for the control, or NULL.
-HOST_OPTION_LIST *RaidControlOptions(HOST_PAGE_NODE *Node);
+[[nodiscard]] HOST_OPTION_LIST *RaidControlOptions(HOST_PAGE_NODE *Node);
 // The table (takes Table, left empty; the previous one is freed); refresh
 // mark 4. RaidClearControlTable empties it.
 VOID RaidSetControlTable(HOST_PAGE_NODE *Node, RAID_TABLE_DATA *Table);
 VOID RaidClearControlTable(HOST_PAGE_NODE *Node);
 // The table kept for the control, or NULL.
-RAID_TABLE_DATA *RaidControlTable(HOST_PAGE_NODE *Node);
+[[nodiscard]] RAID_TABLE_DATA *RaidControlTable(HOST_PAGE_NODE *Node);
 // A value the wizard binds to the control (radio group, combo box, selected
 // table row); the host reads it back and hands changes to it.
 VOID RaidSetControlValue(HOST_PAGE_NODE *Node, UINT64 Value);
 // A slider's range, 0 to Maximum; refresh mark 4.
 VOID RaidSetControlRange(HOST_PAGE_NODE *Node, UINT64 Maximum);
 // The bound value, or Default when none is bound.
-UINT64 RaidControlValue(HOST_PAGE_NODE *Node, UINT64 Default);
+[[nodiscard]] UINT64 RaidControlValue(HOST_PAGE_NODE *Node, UINT64 Default);
 // Drops what the wizard keeps for the nodes of the subtree of Root.
 VOID RaidForgetControlData(HOST_PAGE_NODE *Root);
 
 // ---- Data source -------------------------------------------------------------------
 
-EFI_STATUS RaidDataSourceGetValue(HOST_PAGE_NODE *Node,
-                                  HOST_CONTROL_VALUE *Value);
-EFI_STATUS RaidDataSourceSetValue(HOST_PAGE_NODE *Node,
-                                  HOST_CONTROL_VALUE *Value);
-EFI_STATUS RaidDataSourceGetOptions(HOST_PAGE_NODE *Node,
-                                    HOST_OPTION_LIST *List);
-EFI_STATUS RaidDataSourceGetTable(HOST_PAGE_NODE *Node, HOST_TABLE *Table);
-EFI_STATUS RaidDataSourceSetTableCell(HOST_PAGE_NODE *Node,
-                                      const HOST_TABLE_CELL_CHANGE *Change);
+[[nodiscard]] EFI_STATUS RaidDataSourceGetValue(HOST_PAGE_NODE *Node,
+                                                HOST_CONTROL_VALUE *Value);
+[[nodiscard]] EFI_STATUS RaidDataSourceSetValue(HOST_PAGE_NODE *Node,
+                                                HOST_CONTROL_VALUE *Value);
+[[nodiscard]] EFI_STATUS RaidDataSourceGetOptions(HOST_PAGE_NODE *Node,
+                                                  HOST_OPTION_LIST *List);
+[[nodiscard]] EFI_STATUS RaidDataSourceGetTable(HOST_PAGE_NODE *Node,
+                                                HOST_TABLE *Table);
+[[nodiscard]] EFI_STATUS RaidDataSourceSetTableCell(
+    HOST_PAGE_NODE *Node, const HOST_TABLE_CELL_CHANGE *Change);

@@ -31,11 +31,12 @@ constexpr UINTN kSizeTextLength = 32;
 constinit BOOLEAN gBareRoot[RAID_PAGE_COUNT + 2] = {};
 
 // Slot of Page in gRaidPageRoots: page 12 shares page 1's tree.
-UINT32 RootSlot(UINT32 Page) {
+[[nodiscard]] UINT32 RootSlot(UINT32 Page) {
   return Page == RAID_PAGE_NO_ADAPTER ? RAID_PAGE_CONTROLLER_SELECTION : Page;
 }
 
-HOST_PAGE_NODE *FindBelow(HOST_PAGE_NODE *Node, UINT32 NodeId, UINTN Depth) {
+[[nodiscard]] HOST_PAGE_NODE *FindBelow(HOST_PAGE_NODE *Node, UINT32 NodeId,
+                                        UINTN Depth) {
   if (Node == nullptr || Depth > kMaxTreeDepth) {
     return nullptr;
   }
@@ -83,7 +84,7 @@ VOID MarkTree(HOST_PAGE_NODE *Node, UINTN Depth) {
 }
 
 // A bare root for a page no host could build.
-HOST_PAGE_NODE *MakeBareRoot(UINT32 Page) {
+[[nodiscard]] HOST_PAGE_NODE *MakeBareRoot(UINT32 Page) {
   HOST_PAGE_NODE *Root = uefi::AllocateRecord<HOST_PAGE_NODE>();
   if (Root == nullptr) {
     return nullptr;
@@ -159,12 +160,12 @@ constexpr HOST_HELP_ENTRY kManageDrivesHelp[] = {
 };
 
 template <UINTN N>
-constexpr UINTN Count(const HOST_HELP_ENTRY (&)[N]) {
+[[nodiscard]] constexpr UINTN Count(const HOST_HELP_ENTRY (&)[N]) {
   return N;
 }
 
 // The help entries of Page and their number.
-const HOST_HELP_ENTRY *HelpOf(UINT32 Page, UINTN *EntryCount) {
+[[nodiscard]] const HOST_HELP_ENTRY *HelpOf(UINT32 Page, UINTN *EntryCount) {
   switch (Page) {
     case RAID_PAGE_CONFIG_TYPE:
       *EntryCount = Count(kConfigTypeHelp);
@@ -434,6 +435,8 @@ VOID RaidFreeWizardPages() {
 
 VOID FreeComboOptions(HOST_OPTION_LIST *List) {
   RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] start...\n");
+  // A list of count 0 is left as it is, its array included, deliberately:
+  // the count says what the list owns.
   if (List == nullptr || List->Count == 0) {
     RAID_TRACE(TARN_DEBUG_INFO, "RAID: [%a] end\n");
     return;

@@ -14,8 +14,10 @@ typedef struct {
 } RAID_PAGE_CONTROLS;
 
 // The control table of Page (12 gives page 1's); NULL for an unknown page.
-const RAID_PAGE_CONTROLS *RaidPageControls(UINT32 Page);
+[[nodiscard]] const RAID_PAGE_CONTROLS *RaidPageControls(UINT32 Page);
 
+// A control callback. Every one answers EFI_SUCCESS, so a callback that
+// runs another for its effect on the page has no status to look at.
 #define RAID_CONTROL_CALLBACK(Name) \
   EFI_STATUS EFIAPI Name(HOST_PAGE_NODE *Node, const HOST_CONTROL_EVENT *Event)
 

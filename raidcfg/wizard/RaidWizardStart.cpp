@@ -99,8 +99,9 @@ VOID InitRaidControllerSelectionPage() {
   }
   ShowEmptyAdapterPage();
 
-  RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
-                 nullptr);
+  // A progress box has no answer to read.
+  (VOID) RaidMessageBox(HOST_MSGBOX_PROGRESS, STR_BLANK, STR_LOADING_RAID_DATA,
+                        nullptr);
   gRaidLoadingProgressOpen = TRUE;
   RaidSetProgress(kProgressDiscovering);
   RaidRedrawScreen();
@@ -111,7 +112,8 @@ VOID InitRaidControllerSelectionPage() {
   gRaidInitializeErrorCode = ErrorCode;
   RAID_TRACE(TARN_DEBUG_INFO,
              "RAID: [%a] Return status of Initialize Raid = %r\n", Status);
-  // An error status with error code 0 counts as success.
+  // An error status with error code 0 counts as success, deliberately: such
+  // a discovery found nothing wrong worth a box, and start-up goes on.
   if (EFI_ERROR(Status) && ErrorCode != 0) {
     RAID_TRACE(TARN_DEBUG_ERROR,
                "[%a]<err> Failed to initialize RAID info, Status %r, "

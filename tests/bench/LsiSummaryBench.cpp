@@ -78,8 +78,9 @@ void ParseSummary(benchmark::State &State) {
   for (auto _ : State) {
     Load(Text);
     UINT32 ErrorCode = 0;
-    ParseControllerShow(gRaidToolOutput, Controller, &ErrorCode);
-    if (Controller->DiskDriveCount != kArrays * kDrivesPerArray) {
+    if (EFI_ERROR(
+            ParseControllerShow(gRaidToolOutput, Controller, &ErrorCode)) ||
+        Controller->DiskDriveCount != kArrays * kDrivesPerArray) {
       State.SkipWithError("the summary did not parse");
       break;
     }

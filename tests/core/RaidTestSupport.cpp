@@ -31,7 +31,8 @@ TARN_SETUP_PROTOCOL gCaptureProtocol{};
 std::u16string Widen(const char *Text) {
   UINTN Length = AsciiStrLen(Text);
   std::u16string Result(Utf8StrToUnicodeLength(Text, Length) + 1, u'\0');
-  Utf8StrToUnicodeStrS(Text, Length, Result.data(), Result.size());
+  // Sized by Utf8StrToUnicodeLength, so the conversion cannot fail.
+  (void)Utf8StrToUnicodeStrS(Text, Length, Result.data(), Result.size());
   Result.resize(Result.size() - 1);
   return Result;
 }

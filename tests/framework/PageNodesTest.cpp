@@ -68,7 +68,7 @@ TEST_F(FrameworkTest, FreeingAPageReleasesEveryNodeAndRecord) {
   // The page shown went with it: nothing is drawn from freed memory.
   EXPECT_EQ(framework::CurrentPage(), nullptr);
   EXPECT_EQ(framework::FocusNode(), nullptr);
-  Driver.Dump();
+  (void)Driver.Dump();
 }
 
 TEST_F(FrameworkTest, ModuleNodesAreEveryLiveNodeButTheModuleRoot) {

@@ -10,7 +10,7 @@ using demo::Current;
 // The adapter page's texts, options and cells are pinned by its golden
 // screen; the slider's range is not drawn as a number.
 TEST_F(FrameworkTest, SliderRangeComesFromTheDataSource) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(ControlOn(demo::kCapacitySlider)->Maximum, 500u);
   EXPECT_EQ(TextOn(demo::kCapacityLabel), u"Capacity: 100 GB");
 }
@@ -31,10 +31,10 @@ TEST_F(FrameworkTest, DisplayStatesFollowTheCallbacks) {
 }
 
 TEST_F(FrameworkTest, HiddenContainersHideTheirChildren) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.State(On(demo::kResultText)), HOST_DISPLAY_HIDDEN);
   EXPECT_EQ(Driver.Dump().find("created"), std::string::npos);
-  Driver.Type(On(demo::kNameEdit), u"Volume0");
+  EXPECT_EQ(Driver.Type(On(demo::kNameEdit), u"Volume0"), EFI_SUCCESS);
   EXPECT_EQ(Driver.Press(On(demo::kCreateButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.State(On(demo::kResultText)), HOST_DISPLAY_SHOWN);
   EXPECT_NE(Driver.Dump().find("The virtual disk was created."),
@@ -42,7 +42,7 @@ TEST_F(FrameworkTest, HiddenContainersHideTheirChildren) {
 }
 
 TEST_F(FrameworkTest, SetTextDropsTheCacheAndReadsTheNewId) {
-  Driver.Tick(On(demo::kAdvancedCheck), true);
+  EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
   EXPECT_EQ(TextOn(demo::kAdvancedLabel), u"Show advanced settings");
   EXPECT_EQ(Driver.Choose(On(demo::kModeCombo), u"Safe"), EFI_SUCCESS);
   EXPECT_EQ(TextOn(demo::kAdvancedLabel), u"Safe mode keeps a spare drive");
@@ -91,7 +91,8 @@ TEST_F(FrameworkTest, FocusSkipsHiddenAndGrayedControls) {
             (std::vector<UINT32>{demo::kAdvancedCheck, demo::kModeCombo,
                                  demo::kDriveTable, demo::kDeleteButton,
                                  demo::kNextButton, demo::kAdapterRadio}));
-  Driver.Choose(On(demo::kAdapterRadio), 1);  // grays Remove
+  EXPECT_EQ(Driver.Choose(On(demo::kAdapterRadio), 1),
+            EFI_SUCCESS);  // grays Remove
   EXPECT_EQ(WalkFocus(Driver, 4),
             (std::vector<UINT32>{demo::kAdvancedCheck, demo::kModeCombo,
                                  demo::kDriveTable, demo::kNextButton}));
@@ -100,7 +101,7 @@ TEST_F(FrameworkTest, FocusSkipsHiddenAndGrayedControls) {
 }
 
 TEST_F(FrameworkTest, FocusLeavesAControlThatIsHidden) {
-  Driver.Choose(On(demo::kAdapterRadio), 0);
+  EXPECT_EQ(Driver.Choose(On(demo::kAdapterRadio), 0), EFI_SUCCESS);
   ASSERT_EQ(framework::FocusOn(On(demo::kDeleteButton)), EFI_SUCCESS);
   ControlOn(demo::kDeleteButton)->DisplayState = HOST_DISPLAY_HIDDEN;
   On(demo::kDeleteButton)->RefreshMark = HOST_REFRESH_STATE;
@@ -111,12 +112,12 @@ TEST_F(FrameworkTest, FocusLeavesAControlThatIsHidden) {
 }
 
 TEST_F(FrameworkTest, ShowPageFocusesTheNamedControl) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(framework::FocusNode(), On(demo::kNameEdit));
-  Driver.Press(On(demo::kBackButton));
+  EXPECT_EQ(Driver.Press(On(demo::kBackButton)), EFI_SUCCESS);
   EXPECT_EQ(framework::FocusNode(), On(demo::kNextButton));
   // A grayed control does not take the focus it is given.
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   Setup.Interface().ShowPage(demo::VolumePage(), demo::kCreateButton);
   EXPECT_EQ(framework::FocusNode(), On(demo::kNameEdit));
 }
@@ -141,7 +142,7 @@ TEST_F(FrameworkTest, WrongKindsAndOtherPagesAreRefused) {
 }
 
 TEST_F(FrameworkTest, EditBoxAndSliderHandTheirValuesToTheModule) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.State(On(demo::kCreateButton)), HOST_DISPLAY_GRAYED);
   EXPECT_EQ(Driver.Type(On(demo::kNameEdit), u"Volume1"), EFI_SUCCESS);
   EXPECT_EQ(Current().VolumeName, u"Volume1");
@@ -256,8 +257,8 @@ TEST_F(FrameworkTest, QuestionsThatCannotBeShownAreAnsweredNo) {
 }
 
 TEST_F(FrameworkTest, PlainBoxesAreAcknowledgedWithoutUsingAnswers) {
-  Driver.Press(On(demo::kNextButton));
-  Driver.Type(On(demo::kNameEdit), u"Volume0");
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
+  EXPECT_EQ(Driver.Type(On(demo::kNameEdit), u"Volume0"), EFI_SUCCESS);
   Driver.QueueAnswer(FALSE);
   EXPECT_EQ(Driver.Press(On(demo::kCreateButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.PendingAnswers(), 1u);
@@ -270,7 +271,7 @@ TEST_F(FrameworkTest, PlainBoxesAreAcknowledgedWithoutUsingAnswers) {
 }
 
 TEST_F(FrameworkTest, ProgressBoxMovesAndClosesAtAHundred) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.Press(On(demo::kRefreshButton)), EFI_SUCCESS);
   EXPECT_EQ(Driver.ProgressSeen(), (std::vector<UINT8>{40, 80}));
   EXPECT_EQ(Driver.MessageBoxes().back().Style, HOST_MSGBOX_PROGRESS);
@@ -312,7 +313,7 @@ TEST_F(FrameworkTest, LanguageSwitchReadsEveryTextAgain) {
   EXPECT_EQ(Current().LanguageCallbacks, 1);
   EXPECT_FALSE(framework::Help().Open) << "its texts were in English";
   // The page shown is pinned by the French golden; a page not shown is read again when it is shown.
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(TextOn(demo::kBackButton), u"Retour");
   EXPECT_EQ(Driver.SwitchLanguage("xx-XX"), EFI_NOT_FOUND);
   EXPECT_EQ(framework::SwitchLanguage(11), EFI_INVALID_PARAMETER);
@@ -322,7 +323,7 @@ TEST_F(FrameworkTest, LanguageSwitchReadsEveryTextAgain) {
 }
 
 TEST_F(FrameworkTest, ReturningToTheModuleCallsItsReturnCallback) {
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   Driver.ReturnToModule();
   EXPECT_EQ(Current().ReturnCallbacks, 1);
   EXPECT_EQ(framework::CurrentPage(), demo::AdapterPage());
@@ -365,26 +366,26 @@ TEST_F(FrameworkTest, StepsRunAfterTheActionThatShowsTheirPageUntilDone) {
   ASSERT_EQ(Setup.Interface().RegisterStepCallback(demo::VolumePage(),
                                                    steps::Step),
             EFI_SUCCESS);
-  Driver.Tick(On(demo::kAdvancedCheck), true);
+  EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 0u) << "its page is not shown";
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 3u);
   EXPECT_EQ(steps::gShownDuringStep, framework::CurrentPage());
-  Driver.Press(On(demo::kBackButton));
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kBackButton)), EFI_SUCCESS);
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 3u) << "a finished step is not called again";
 }
 
 TEST_F(FrameworkTest, AStepThatNeverFinishesGivesTheInputBackAndCanBeCancelled) {
   steps::gCalls = 0;
   steps::gLast = 0;
-  Driver.Press(On(demo::kNextButton));
+  EXPECT_EQ(Driver.Press(On(demo::kNextButton)), EFI_SUCCESS);
   Setup.Interface().RegisterStepCallback(framework::CurrentPage(), steps::Step);
-  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(Driver.Press(On(demo::kRefreshButton)), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 4096u);
-  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(Driver.Press(On(demo::kRefreshButton)), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 8192u);
   Setup.Interface().RegisterStepCallback(nullptr, nullptr);
-  Driver.Press(On(demo::kRefreshButton));
+  EXPECT_EQ(Driver.Press(On(demo::kRefreshButton)), EFI_SUCCESS);
   EXPECT_EQ(steps::gCalls, 8192u);
 }

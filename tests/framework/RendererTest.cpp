@@ -24,27 +24,35 @@ const ScreenCase kScreens[] = {
     {"adapter-page.txt", [](framework::HeadlessDriver &) {}},
     {"adapter-page-advanced.txt",
      [](framework::HeadlessDriver &Driver) {
-       Driver.Tick(Node(Driver, demo::kAdvancedCheck), true);
-       Driver.SetCell(Node(Driver, demo::kDriveTable), 2, 2, 1);
-       Driver.SelectRow(Node(Driver, demo::kDriveTable), 2);
-       Driver.Choose(Node(Driver, demo::kAdapterRadio), 1);
+       EXPECT_EQ(Driver.Tick(Node(Driver, demo::kAdvancedCheck), true),
+                 EFI_SUCCESS);
+       EXPECT_EQ(Driver.SetCell(Node(Driver, demo::kDriveTable), 2, 2, 1),
+                 EFI_SUCCESS);
+       EXPECT_EQ(Driver.SelectRow(Node(Driver, demo::kDriveTable), 2),
+                 EFI_SUCCESS);
+       EXPECT_EQ(Driver.Choose(Node(Driver, demo::kAdapterRadio), 1),
+                 EFI_SUCCESS);
      }},
     {"volume-page.txt",
      [](framework::HeadlessDriver &Driver) {
-       Driver.Press(Node(Driver, demo::kNextButton));
-       Driver.Type(Node(Driver, demo::kNameEdit), u"Volume0");
-       Driver.Slide(Node(Driver, demo::kCapacitySlider), 250);
+       EXPECT_EQ(Driver.Press(Node(Driver, demo::kNextButton)), EFI_SUCCESS);
+       EXPECT_EQ(Driver.Type(Node(Driver, demo::kNameEdit), u"Volume0"),
+                 EFI_SUCCESS);
+       EXPECT_EQ(Driver.Slide(Node(Driver, demo::kCapacitySlider), 250),
+                 EFI_SUCCESS);
      }},
     {"help-panel.txt",
      [](framework::HeadlessDriver &Driver) { Driver.Help(); }},
     {"progress-box.txt",
      [](framework::HeadlessDriver &) {
-       framework::ShowMessageBox(HOST_MSGBOX_PROGRESS, demo::kStrBlank,
-                                 demo::kStrRefresh, nullptr);
-       framework::SetProgress(30);
+       EXPECT_TRUE(framework::ShowMessageBox(
+           HOST_MSGBOX_PROGRESS, demo::kStrBlank, demo::kStrRefresh, nullptr));
+       EXPECT_EQ(framework::SetProgress(30), EFI_SUCCESS);
      }},
     {"french.txt",
-     [](framework::HeadlessDriver &Driver) { Driver.SwitchLanguage("fr-FR"); }},
+     [](framework::HeadlessDriver &Driver) {
+       EXPECT_EQ(Driver.SwitchLanguage("fr-FR"), EFI_SUCCESS);
+     }},
 };
 
 class GoldenScreens : public FrameworkTest,
@@ -113,7 +121,7 @@ TEST_F(FrameworkTest, FramesWriteOnlyTheCellsThatChanged) {
   EXPECT_EQ(Sink.Characters, 0u);
   EXPECT_EQ(Sink.Flushes, 1);
   // Ticking the check box changes its mark and the label it shows.
-  Driver.Tick(On(demo::kAdvancedCheck), true);
+  EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
   framework::TextUiRender(Ui);
   EXPECT_GT(Sink.Characters, 0u);
   EXPECT_LT(Sink.Characters, 120u);
@@ -147,12 +155,12 @@ TEST_F(FrameworkTest, KeysOperateTheFocusedControls) {
   // ticks it; Down selects the next row.
   for (EFI_INPUT_KEY Key : {Char(framework::kCharTab), Scan(SCAN_RIGHT),
                             Char(u' '), Scan(SCAN_DOWN)}) {
-    framework::TextUiHandleKey(Ui, Key);
+    EXPECT_TRUE(framework::TextUiHandleKey(Ui, Key));
   }
   EXPECT_EQ(demo::Current().Ticked[0], 1u);
   EXPECT_EQ(demo::Current().SelectedRow, 2u);
   // F2 switches to the next language; Esc leaves.
-  framework::TextUiHandleKey(Ui, Scan(SCAN_F2));
+  EXPECT_TRUE(framework::TextUiHandleKey(Ui, Scan(SCAN_F2)));
   EXPECT_EQ(Language, "fr-FR");
   EXPECT_FALSE(framework::TextUiHandleKey(Ui, Scan(SCAN_ESC)));
   framework::TextUiStop(Ui);

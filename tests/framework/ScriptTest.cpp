@@ -29,7 +29,7 @@ TEST(ScriptWords, QuotesCommentsAndNodeReferences) {
     EXPECT_EQ(Problem, "");
   }
   std::string Problem;
-  ScriptRunner::Words("type Name \"open", &Problem);
+  EXPECT_TRUE(ScriptRunner::Words("type Name \"open", &Problem).empty());
   EXPECT_EQ(Problem, "unterminated quoted text");
 }
 

@@ -78,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *Data, size_t Size) {
                                                       : Input.substr(Split + 1));
   const size_t Before = W.Firmware.Memory().Outstanding().size();
   UINT32 ErrorCode = 0;
-  InitializeRaid(&ErrorCode);
+  (void)InitializeRaid(&ErrorCode);
   FinalizeRaid(&ErrorCode);
   W.Setup.ClearTrace();
   if (W.Firmware.Memory().Outstanding().size() != Before ||

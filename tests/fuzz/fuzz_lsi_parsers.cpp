@@ -67,26 +67,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   RAID_VOLUME Volume = {};
   switch (Choice) {
     case 0:
-      ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
       break;
     case 1:
-      ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
-      ParseControllerShowFS(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShowFS(Load(Data, Size), Controller, &ErrorCode);
       break;
     case 2:
-      ParseControllerShowVolume(Load(Data, Size), &Volume, &ErrorCode);
+      (void)ParseControllerShowVolume(Load(Data, Size), &Volume, &ErrorCode);
       break;
     case 3:
-      ParseErrCd(Load(Data, Size), &ErrorCode);
+      (void)ParseErrCd(Load(Data, Size), &ErrorCode);
       break;
     case 4:
-      ParseActionStatus(Load(Data, Size), Controller, &Result);
+      (void)ParseActionStatus(Load(Data, Size), Controller, &Result);
       break;
     case 5:
-      ParseBDF(Load(Data, Size), Controller, 1, &ErrorCode);
+      (void)ParseBDF(Load(Data, Size), Controller, 1, &ErrorCode);
       break;
     default:
-      LsiParseControllerShowCtrlCount(Load(Data, Size), &ErrorCode);
+      (void)LsiParseControllerShowCtrlCount(Load(Data, Size), &ErrorCode);
       break;
   }
   for (UINT32 I = 0; Controller->DriveTable != nullptr &&

@@ -31,10 +31,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   std::memcpy(Text.data(), Data, (Size / sizeof(CHAR16)) * sizeof(CHAR16));
 
   test::ScopedTestPool Pool;
-  RaidLibReadThousandths(Text.data());
-  RaidLibReadDecimal(Text.data());
-  RaidLibReadHex(Text.data());
-  RaidLibUnitCode(Text.data());
+  (void)RaidLibReadThousandths(Text.data());
+  (void)RaidLibReadDecimal(Text.data());
+  (void)RaidLibReadHex(Text.data());
+  (void)RaidLibUnitCode(Text.data());
   // An id is read exactly or not at all: whatever was read prints back as
   // the same digits, leading zeros aside.
   UINT32 Id = 0;
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
     __builtin_trap();
   }
   UINT32 Second = 0;
-  RaidLibReadIdPair(Text.data(), u':', &Id, &Second);
+  (void)RaidLibReadIdPair(Text.data(), u':', &Id, &Second);
   CHAR16 Formatted[16];
   if (RaidLibFormat(Formatted, 16, u"%s", Text.data()) &&
       StrCmp(Formatted, Text.data()) != 0) {
@@ -55,8 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   if (Tokens != nullptr) {
     for (CHAR16 **Cursor = Tokens; *Cursor != nullptr; Cursor++) {
       RaidLibTrim(*Cursor);
-      RaidLibMediaCode(*Cursor, Cursor[1] != nullptr ? Cursor[1] : u"");
-      RaidLibReadThousandths(*Cursor);
+      (void)RaidLibMediaCode(*Cursor, Cursor[1] != nullptr ? Cursor[1] : u"");
+      (void)RaidLibReadThousandths(*Cursor);
     }
     RaidLibFreeSplit(Tokens);
   }
@@ -65,8 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   CHAR16 *Position = nullptr;
   for (CHAR16 *Token = RaidLibTokenize(Line.data(), Delimiters, &Position);
        Token != nullptr; Token = RaidLibTokenize(nullptr, Delimiters, &Position)) {
-    RaidLibStartsWith(Token, u"Bus Number");
-    RaidLibContains(Token, u"RSTe");
+    (void)RaidLibStartsWith(Token, u"Bus Number");
+    (void)RaidLibContains(Token, u"RSTe");
   }
 
   Line = Text;

@@ -11,7 +11,7 @@ class ErrorBoxTest : public ModuleWorld {
  public:
   ErrorBoxTest() {
     SetErrorBoxStrings();
-    GetTARNSetupProtocol();
+    EXPECT_EQ(GetTARNSetupProtocol(), EFI_SUCCESS);
     init_Raid_Err_Array();
     Setup_->ClearTrace();
   }

@@ -11,7 +11,7 @@ namespace {
 class EventCodeTest : public ModuleWorld {
  public:
   EventCodeTest() {
-    GetTARNSetupProtocol();
+    EXPECT_EQ(GetTARNSetupProtocol(), EFI_SUCCESS);
     Setup_->ClearTrace();
   }
   ~EventCodeTest() override { RaidcfgSetupResetGlobals(); }
@@ -87,7 +87,7 @@ TEST_F(EventCodeTest, SendFailureIsTracedAndSwallowed) {
 }
 
 TEST_F(NoQolWorld, HostWithoutQolCommandsSendsNothing) {
-  GetTARNSetupProtocol();
+  EXPECT_EQ(GetTARNSetupProtocol(), EFI_SUCCESS);
   SendEventCode(0x22);
   EXPECT_EQ(Setup_->Trace().back().Level, TARN_DEBUG_ERROR);
   EXPECT_EQ(Trace().back(),

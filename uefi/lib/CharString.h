@@ -26,7 +26,7 @@ inline constexpr CharType kEmptyString[1] = {0};
 
 // Characters before the terminator, at most MaxLength; 0 for NULL.
 template <typename CharType>
-UINTN StringLength(const CharType *String, UINTN MaxLength) {
+[[nodiscard]] UINTN StringLength(const CharType *String, UINTN MaxLength) {
   if (String == nullptr) {
     return 0;
   }
@@ -39,8 +39,8 @@ UINTN StringLength(const CharType *String, UINTN MaxLength) {
 
 // Difference of the first code units that differ within Length characters.
 template <typename CharType>
-INTN CompareStrings(const CharType *First, const CharType *Second,
-                    UINTN Length) {
+[[nodiscard]] INTN CompareStrings(const CharType *First, const CharType *Second,
+                                  UINTN Length) {
   using Unit = typename CodeUnit<CharType>::Type;
   const Unit *Left = reinterpret_cast<const Unit *>(
       First != nullptr ? First : kEmptyString<CharType>);
@@ -56,7 +56,8 @@ INTN CompareStrings(const CharType *First, const CharType *Second,
 
 // First occurrence of SearchString inside String, or NULL.
 template <typename CharType>
-CharType *FindString(const CharType *String, const CharType *SearchString) {
+[[nodiscard]] CharType *FindString(const CharType *String,
+                                   const CharType *SearchString) {
   if (String == nullptr || SearchString == nullptr) {
     return nullptr;
   }
@@ -73,7 +74,7 @@ CharType *FindString(const CharType *String, const CharType *SearchString) {
 
 // Upper case of 'a'..'z'.
 template <typename CharType>
-CharType ToUpper(CharType Char) {
+[[nodiscard]] CharType ToUpper(CharType Char) {
   if (Char >= CharType('a') && Char <= CharType('z')) {
     return static_cast<CharType>(Char - (CharType('a') - CharType('A')));
   }

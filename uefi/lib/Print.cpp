@@ -29,7 +29,7 @@ constexpr UINTN kMaximumWidth = 0x7FFFFFFF;
 
 constexpr CHAR8 kHexDigits[] = "0123456789ABCDEF";
 
-UINT32 CharCode(CHAR8 Char) { return static_cast<UINT8>(Char); }
+[[nodiscard]] UINT32 CharCode(CHAR8 Char) { return static_cast<UINT8>(Char); }
 UINT32 CharCode(CHAR16 Char) { return Char; }
 
 // A bounded output buffer of OutChar characters that always keeps room for
@@ -44,13 +44,13 @@ class Output {
   }
 
   // An output without storage that only counts what would be written.
-  static Output Counter() {
+  [[nodiscard]] static Output Counter() {
     Output Out(nullptr, 0);
     Out.Limit_ = ~static_cast<UINTN>(0);
     return Out;
   }
 
-  bool Full() const { return Count_ >= Limit_; }
+  [[nodiscard]] bool Full() const { return Count_ >= Limit_; }
 
   void Put(UINT32 Char) {
     if (Count_ < Limit_) {
@@ -75,7 +75,7 @@ class Output {
   }
 
   // Writes the terminator and returns the characters written before it.
-  UINTN Finish() {
+  [[nodiscard]] UINTN Finish() {
     if (Terminate_) {
       Buffer_[Count_] = 0;
     }
@@ -83,7 +83,7 @@ class Output {
   }
 
  private:
-  static OutChar Narrow(UINT32 Char) {
+  [[nodiscard]] static OutChar Narrow(UINT32 Char) {
     if (sizeof(OutChar) == 1 && Char > 0xFF) {
       return static_cast<OutChar>('?');
     }
@@ -109,14 +109,14 @@ struct Text {
   const CHAR16 *Wide = nullptr;
   UINTN Length = 0;
 
-  UINT32 At(UINTN Index) const {
+  [[nodiscard]] UINT32 At(UINTN Index) const {
     return Wide != nullptr ? Wide[Index] : static_cast<UINT8>(Narrow[Index]);
   }
 };
 
 // Text of the NUL-terminated string, at most MaxLength characters long.
 template <typename Char>
-UINTN BoundedLength(const Char *String, UINTN MaxLength) {
+[[nodiscard]] UINTN BoundedLength(const Char *String, UINTN MaxLength) {
   UINTN Length = 0;
   while (Length < MaxLength && String[Length] != 0) {
     Length++;
@@ -124,7 +124,7 @@ UINTN BoundedLength(const Char *String, UINTN MaxLength) {
   return Length;
 }
 
-Text NarrowText(const CHAR8 *String, const Spec &Conversion) {
+[[nodiscard]] Text NarrowText(const CHAR8 *String, const Spec &Conversion) {
   Text Result;
   Result.Narrow = String != nullptr ? String : "<null string>";
   UINTN Max = (Conversion.Flags & kHasPrecision) != 0 ? Conversion.Precision
@@ -133,7 +133,7 @@ Text NarrowText(const CHAR8 *String, const Spec &Conversion) {
   return Result;
 }
 
-Text WideText(const CHAR16 *String, const Spec &Conversion) {
+[[nodiscard]] Text WideText(const CHAR16 *String, const Spec &Conversion) {
   if (String == nullptr) {
     return NarrowText(nullptr, Conversion);
   }
@@ -258,14 +258,14 @@ VOID ConvertNumber(Output<OutChar> &Out, UINT32 Type, Spec Conversion,
 
 // Reads a '*' width or precision argument. EDK2 passes UINTN, callers often
 // int; every variadic slot is 64 bits wide, so the low half serves both.
-UINTN StarArgument(VA_LIST &Marker) {
+[[nodiscard]] UINTN StarArgument(VA_LIST &Marker) {
   UINT32 Value = VA_ARG(Marker, UINT32);
   return Value > kMaximumWidth ? kMaximumWidth : Value;
 }
 
 // Reads decimal digits of a width or precision, saturating.
 template <typename FormatChar>
-UINTN ReadCount(const FormatChar *&Format) {
+[[nodiscard]] UINTN ReadCount(const FormatChar *&Format) {
   UINTN Value = 0;
   while (CharCode(*Format) >= '0' && CharCode(*Format) <= '9') {
     Value = Value * 10 + (CharCode(*Format) - '0');
@@ -280,7 +280,7 @@ UINTN ReadCount(const FormatChar *&Format) {
 // Parses the flags, width, precision and size of a conversion; Format
 // points just past the '%' and is left on the conversion character.
 template <typename FormatChar>
-Spec ParseSpec(const FormatChar *&Format, VA_LIST &Marker) {
+[[nodiscard]] Spec ParseSpec(const FormatChar *&Format, VA_LIST &Marker) {
   Spec Conversion;
   for (;;) {
     UINT32 Char = CharCode(*Format);
@@ -321,8 +321,9 @@ Spec ParseSpec(const FormatChar *&Format, VA_LIST &Marker) {
 // Handles one conversion; Format points just past the '%'. Returns the
 // position after the conversion.
 template <typename FormatChar, typename OutChar>
-const FormatChar *Convert(Output<OutChar> &Out, const FormatChar *Format,
-                          VA_LIST &Marker) {
+[[nodiscard]] const FormatChar *Convert(Output<OutChar> &Out,
+                                        const FormatChar *Format,
+                                        VA_LIST &Marker) {
   Spec Conversion = ParseSpec(Format, Marker);
   UINT32 Type = CharCode(*Format);
   if (Type == 0) {
@@ -396,8 +397,8 @@ const FormatChar *Convert(Output<OutChar> &Out, const FormatChar *Format,
 // Formats Format with the arguments of Marker into Out. Returns the
 // characters written, without the terminator.
 template <typename FormatChar, typename OutChar>
-UINTN FormatTo(Output<OutChar> &Out, const FormatChar *Format,
-               VA_LIST &Marker) {
+[[nodiscard]] UINTN FormatTo(Output<OutChar> &Out, const FormatChar *Format,
+                             VA_LIST &Marker) {
   if (Format == nullptr) {
     return Out.Finish();
   }
@@ -426,8 +427,8 @@ UINTN FormatTo(Output<OutChar> &Out, const FormatChar *Format,
 // Formats Format with the arguments of Marker into Buffer of BufferSize
 // bytes. Returns the characters written, without the terminator.
 template <typename FormatChar, typename OutChar>
-UINTN FormatInto(OutChar *Buffer, UINTN BufferSize, const FormatChar *Format,
-                 VA_LIST &Marker) {
+[[nodiscard]] UINTN FormatInto(OutChar *Buffer, UINTN BufferSize,
+                               const FormatChar *Format, VA_LIST &Marker) {
   Output<OutChar> Out(Buffer, BufferSize);
   return FormatTo(Out, Format, Marker);
 }

@@ -9,7 +9,8 @@ constexpr CHAR16 kReplacementCharacter = 0xFFFD;
 // Decodes one UTF-8 sequence starting at Source[0] with Available bytes left.
 // Stores the code point (U+FFFD for a malformed start) and returns the bytes
 // consumed (at least 1).
-UINTN DecodeUtf8(const UINT8 *Source, UINTN Available, UINT32 *CodePoint) {
+[[nodiscard]] UINTN DecodeUtf8(const UINT8 *Source, UINTN Available,
+                               UINT32 *CodePoint) {
   UINT8 Lead = Source[0];
   if (Lead < 0x80) {
     *CodePoint = Lead;
@@ -49,7 +50,7 @@ UINTN DecodeUtf8(const UINT8 *Source, UINTN Available, UINT32 *CodePoint) {
 }
 
 // Bytes of Source before a NUL, at most SourceLength.
-UINTN BoundedLength(const CHAR8 *Source, UINTN SourceLength) {
+[[nodiscard]] UINTN BoundedLength(const CHAR8 *Source, UINTN SourceLength) {
   UINTN Length = 0;
   while (Length < SourceLength && Source[Length] != 0) {
     Length++;

@@ -9,7 +9,8 @@ namespace {
 
 // True when the CHAR16 ranges [A, A + ACount) and [B, B + BCount) share
 // memory.
-bool Overlaps(const CHAR16 *A, UINTN ACount, const CHAR16 *B, UINTN BCount) {
+[[nodiscard]] bool Overlaps(const CHAR16 *A, UINTN ACount, const CHAR16 *B,
+                            UINTN BCount) {
   return (A <= B && B < A + ACount) || (B <= A && A < B + BCount);
 }
 

@@ -149,7 +149,7 @@ TEST_F(LsiChangeTest, SpanWordOfNestedLevels) {
   RAID_VOLUME_PARAMETER *P = Parameter({1, 2, 3, 4, 5}, {});
   P->RaidLevel = 10;
   UINT32 ErrorCode = 0;
-  LsiCreateVolume(P, 0, &ErrorCode);
+  EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
   EXPECT_EQ(NewCommands()[0],
             "storcli.efi /c0 add vd raid10 size=100.500GB name=vd1 "
             "drives=252:0,1,2,253:5,6 pdperarray=0 pdcache=default cached wb "
@@ -183,7 +183,7 @@ TEST_F(LsiChangeTest, CommandFormsAndBlankWords) {
     P->DiskCachePolicy = RAID_DISK_CACHE_POLICY_ON;
     Baseline_ = Commands().size();
     UINT32 ErrorCode = 0;
-    LsiCreateVolume(P, 0, &ErrorCode);
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
     EXPECT_EQ(NewCommands()[0], C.Command) << C.Form;
   }
 }
@@ -368,7 +368,7 @@ TEST_F(LsiCommandLengthTest, NameWordPastItsBufferIsRefused) {
     P->RaidLevel = 1;
     P->Name = Name.data();
     UINT32 ErrorCode = 0;
-    LsiCreateVolume(P, 0, &ErrorCode);
+    EXPECT_EQ(LsiCreateVolume(P, 0, &ErrorCode), EFI_SUCCESS);
     const std::string Command = NewCommands()[0];
     if (Length == 58) {
       EXPECT_NE(Command.find(" name=" + std::string(58, 'n') + " "),
@@ -436,7 +436,8 @@ TEST_F(LsiCommandLengthTest, TheRunnerRefusesALineThatDoesNotFit) {
   ToolOfLength(960);  // 1002 characters with "/c0/eall/sall del jbod force"
   Baseline_ = Commands().size();
   UINT32 ErrorCode = 0;
-  LsiSetAllPhysicalDriveState(Controller_, RAID_STATE_UGOOD, &ErrorCode);
+  // Judged by its error code, as callers judge a change of all drives.
+  (void)LsiSetAllPhysicalDriveState(Controller_, RAID_STATE_UGOOD, &ErrorCode);
   EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
   EXPECT_TRUE(NewCommands().empty());  // the re-read's lines do not fit either
 }

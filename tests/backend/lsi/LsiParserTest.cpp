@@ -53,7 +53,7 @@ TEST_F(LsiParserTest, ErrCdVerdicts) {
 
 TEST_F(LsiParserTest, ErrCdFailureIsTraced) {
   UINT32 ErrorCode = 0;
-  ParseErrCd(LoadOutput(Verdict(false)), &ErrorCode);
+  EXPECT_EQ(ParseErrCd(LoadOutput(Verdict(false)), &ErrorCode), EFI_SUCCESS);
   EXPECT_TRUE(TraceHas("[ParseErrCd]State is Failure!\r\n"));
   EXPECT_TRUE(TraceHas("[ParseErrCd]Description = resources already in "
                        "use\r\r\n"));
@@ -137,9 +137,10 @@ TEST_F(LsiParserTest, CacheWordGivesReadWriteAndIoPolicies) {
   for (const Case &C : Cases) {
     RAID_VOLUME Volume = {};
     UINT32 ErrorCode = 0;
-    ParseControllerShowVolume(
-        LoadOutput(ShowAll("0/0", C.Cache, "64 KB", "Enabled")), &Volume,
-        &ErrorCode);
+    EXPECT_EQ(ParseControllerShowVolume(
+                  LoadOutput(ShowAll("0/0", C.Cache, "64 KB", "Enabled")),
+                  &Volume, &ErrorCode),
+              EFI_SUCCESS);
     EXPECT_EQ(Volume.ReadPolicy, C.Read) << C.Cache;
     EXPECT_EQ(Volume.WritePolicy, C.Write) << C.Cache;
     EXPECT_EQ(Volume.IoPolicy, C.Io) << C.Cache;
@@ -203,7 +204,9 @@ TEST_F(LsiParserTest, FreeSpaceEdgeCases) {
   };
   for (const Case &C : Cases) {
     UINT32 ErrorCode = 0;
-    ParseControllerShow(LoadOutput(kRichSummary), Controller_, &ErrorCode);
+    EXPECT_EQ(
+        ParseControllerShow(LoadOutput(kRichSummary), Controller_, &ErrorCode),
+        EFI_SUCCESS);
     std::string Output = std::string("Status = Success\n\n") +
                          "-----\nID DG AftrVD Size\n-----\n" + C.Rows +
                          "-----\n";

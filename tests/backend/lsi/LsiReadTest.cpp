@@ -189,12 +189,15 @@ TEST_F(LsiReadTest, FreeSpaceAndShowAllCutAtEveryLine) {
         ShowAll("0/0", "RWBD", "256 KB", "Disk's Default")}) {
     for (size_t Cut = 0; Cut <= Full.size(); Cut++) {
       UINT32 ErrorCode = 0;
-      ParseControllerShow(LoadOutput(kRichSummary), Controller_, &ErrorCode);
-      ParseControllerShowFS(LoadOutput(Full.substr(0, Cut)), Controller_,
-                            &ErrorCode);
+      EXPECT_EQ(ParseControllerShow(LoadOutput(kRichSummary), Controller_,
+                                    &ErrorCode),
+                EFI_SUCCESS);
+      // Any verdict will do on a cut output; the sanitizers judge the reads.
+      (void)ParseControllerShowFS(LoadOutput(Full.substr(0, Cut)), Controller_,
+                                  &ErrorCode);
       RAID_VOLUME Volume = {};
-      ParseControllerShowVolume(LoadOutput(Full.substr(0, Cut)), &Volume,
-                                &ErrorCode);
+      (void)ParseControllerShowVolume(LoadOutput(Full.substr(0, Cut)), &Volume,
+                                      &ErrorCode);
     }
   }
 }

@@ -228,7 +228,7 @@ TEST_F(AdapterSelectionTest, MicrochipMirrorArraysAreShownAtHalfSize) {
   RAID_CONTROLLER *Selected = gCurrentRaidController;
   gCurrentRaidController = &Controller;
   UpdateCurrentRaidControllerConfig();
-  framework::RedrawScreen();
+  EXPECT_EQ(framework::RedrawScreen(), EFI_SUCCESS);
   EXPECT_EQ(gRaidAdapterKind, RAID_ADAPTER_KIND_ARCCONF);
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 1, 3), u"1000 GB (300 GB free)");
   gCurrentRaidController = Selected;

@@ -9,50 +9,59 @@
 // ---- CHAR16 strings -----------------------------------------------------
 
 // Characters before the terminator; 0 for NULL.
-UINTN StrLen(const CHAR16 *String);
+[[nodiscard]] UINTN StrLen(const CHAR16 *String);
 // Characters before the terminator, looking at most at MaxSize of them.
-UINTN StrnLenS(const CHAR16 *String, UINTN MaxSize);
+[[nodiscard]] UINTN StrnLenS(const CHAR16 *String, UINTN MaxSize);
 // Bytes the string occupies, terminator included; 0 for NULL.
-UINTN StrSize(const CHAR16 *String);
+[[nodiscard]] UINTN StrSize(const CHAR16 *String);
 // Difference of the first characters that differ (0 when equal).
-INTN StrCmp(const CHAR16 *First, const CHAR16 *Second);
+[[nodiscard]] INTN StrCmp(const CHAR16 *First, const CHAR16 *Second);
 // As StrCmp over at most Length characters.
-INTN StrnCmp(const CHAR16 *First, const CHAR16 *Second, UINTN Length);
+[[nodiscard]] INTN StrnCmp(const CHAR16 *First, const CHAR16 *Second,
+                           UINTN Length);
 // First occurrence of SearchString in String, or NULL. An empty
 // SearchString is found at the start.
-CHAR16 *StrStr(const CHAR16 *String, const CHAR16 *SearchString);
+[[nodiscard]] CHAR16 *StrStr(const CHAR16 *String, const CHAR16 *SearchString);
 // Copies Source into Destination of DestMax characters. EFI_INVALID_PARAMETER
 // for NULL pointers or DestMax 0, EFI_BUFFER_TOO_SMALL when the copy and its
 // terminator do not fit, EFI_ACCESS_DENIED when the strings overlap.
-EFI_STATUS StrCpyS(CHAR16 *Destination, UINTN DestMax, const CHAR16 *Source);
+[[nodiscard]] EFI_STATUS StrCpyS(CHAR16 *Destination, UINTN DestMax,
+                                 const CHAR16 *Source);
 // Appends Source to Destination of DestMax characters; as StrCpyS, and
 // EFI_BAD_BUFFER_SIZE when Destination holds no terminator within DestMax.
-EFI_STATUS StrCatS(CHAR16 *Destination, UINTN DestMax, const CHAR16 *Source);
+[[nodiscard]] EFI_STATUS StrCatS(CHAR16 *Destination, UINTN DestMax,
+                                 const CHAR16 *Source);
 // Upper case of 'a'..'z'; every other character is returned as it is.
-CHAR16 CharToUpper(CHAR16 Char);
+[[nodiscard]] CHAR16 CharToUpper(CHAR16 Char);
 
 // ---- ASCII strings ------------------------------------------------------
 
-UINTN AsciiStrLen(const CHAR8 *String);
+[[nodiscard]] UINTN AsciiStrLen(const CHAR8 *String);
 // Byte differences are taken as unsigned values.
-INTN AsciiStrCmp(const CHAR8 *First, const CHAR8 *Second);
-INTN AsciiStrnCmp(const CHAR8 *First, const CHAR8 *Second, UINTN Length);
-CHAR8 *AsciiStrStr(const CHAR8 *String, const CHAR8 *SearchString);
-CHAR8 AsciiCharToUpper(CHAR8 Char);
+[[nodiscard]] INTN AsciiStrCmp(const CHAR8 *First, const CHAR8 *Second);
+[[nodiscard]] INTN AsciiStrnCmp(const CHAR8 *First, const CHAR8 *Second,
+                                UINTN Length);
+[[nodiscard]] CHAR8 *AsciiStrStr(const CHAR8 *String,
+                                 const CHAR8 *SearchString);
+[[nodiscard]] CHAR8 AsciiCharToUpper(CHAR8 Char);
 
 // ---- Conversions to CHAR16 ----------------------------------------------
 
 // Widens each byte of Source (bytes 80h-FFh become U+0080-U+00FF) into
 // Destination of DestMax characters. Errors as StrCpyS.
-EFI_STATUS AsciiStrToUnicodeStrS(const CHAR8 *Source, CHAR16 *Destination,
-                                 UINTN DestMax);
+[[nodiscard]] EFI_STATUS AsciiStrToUnicodeStrS(const CHAR8 *Source,
+                                               CHAR16 *Destination,
+                                               UINTN DestMax);
 
 // CHAR16 characters (terminator excluded) that the UTF-8 text of at most
 // SourceLength bytes, ending early at a NUL byte, converts to.
-UINTN Utf8StrToUnicodeLength(const CHAR8 *Source, UINTN SourceLength);
+[[nodiscard]] UINTN Utf8StrToUnicodeLength(const CHAR8 *Source,
+                                           UINTN SourceLength);
 // Converts UTF-8 text (at most SourceLength bytes, ending early at a NUL
 // byte) into UTF-16 in Destination of DestMax characters. Characters beyond
 // U+FFFF become surrogate pairs; malformed, overlong or truncated sequences
 // become U+FFFD, one per bad byte. Errors as StrCpyS.
-EFI_STATUS Utf8StrToUnicodeStrS(const CHAR8 *Source, UINTN SourceLength,
-                                CHAR16 *Destination, UINTN DestMax);
+[[nodiscard]] EFI_STATUS Utf8StrToUnicodeStrS(const CHAR8 *Source,
+                                              UINTN SourceLength,
+                                              CHAR16 *Destination,
+                                              UINTN DestMax);

@@ -5,4 +5,4 @@
 VOID *CopyMem(VOID *Destination, const VOID *Source, UINTN Length);
 VOID *SetMem(VOID *Buffer, UINTN Length, UINT8 Value);
 VOID *ZeroMem(VOID *Buffer, UINTN Length);
-INTN CompareMem(const VOID *A, const VOID *B, UINTN Length);
+[[nodiscard]] INTN CompareMem(const VOID *A, const VOID *B, UINTN Length);

@@ -12,7 +12,9 @@
                               const CHAR8 *Description);
 
 #if defined(NDEBUG)
-#define ASSERT(Expression) ((VOID)0)
+// Not evaluated, but still compiled: a value kept only for the check is not
+// an unused variable in a release image.
+#define ASSERT(Expression) ((VOID)sizeof(!(Expression)))
 #else
 #define ASSERT(Expression)                            \
   do {                                                \

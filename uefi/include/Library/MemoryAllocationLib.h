@@ -23,7 +23,7 @@ class PoolPtr {
   PoolPtr(PoolPtr &&Other) : Pointer_(Other.Release()) {}
   ~PoolPtr() { FreePool(Pointer_); }
 
-  T *Get() const { return Pointer_; }
+  [[nodiscard]] T *Get() const { return Pointer_; }
   T *operator->() const { return Pointer_; }
   explicit operator bool() const { return Pointer_ != nullptr; }
   [[nodiscard]] T *Release() {

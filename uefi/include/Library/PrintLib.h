@@ -35,8 +35,8 @@ UINTN EFIAPI AsciiVSPrint(CHAR8 *Buffer, UINTN BufferSize, const CHAR8 *Format,
 // The characters Format with the arguments of Marker formats to, without
 // the terminator, whatever buffer would receive them: a formatted text was
 // cut when this is not below the receiving buffer's characters.
-UINTN EFIAPI SPrintLength(const CHAR16 *Format, VA_LIST Marker);
+[[nodiscard]] UINTN EFIAPI SPrintLength(const CHAR16 *Format, VA_LIST Marker);
 
 // The text firmware prints for a status ("Success", "Not Found", ...), or
 // NULL for a status without a name.
-const CHAR8 *StatusText(EFI_STATUS Status);
+[[nodiscard]] const CHAR8 *StatusText(EFI_STATUS Status);

@@ -75,7 +75,7 @@ static_assert(sizeof(EFI_GUID) == 16, "EFI_GUID is 16 bytes");
 static_assert(sizeof(UINTN) == 8 && sizeof(VOID *) == 8, "x86-64 only");
 static_assert(sizeof(CHAR16) == 2, "CHAR16 is UTF-16");
 
-constexpr bool CompareGuid(const EFI_GUID &A, const EFI_GUID &B) {
+[[nodiscard]] constexpr bool CompareGuid(const EFI_GUID &A, const EFI_GUID &B) {
   if (A.Data1 != B.Data1 || A.Data2 != B.Data2 || A.Data3 != B.Data3) {
     return false;
   }

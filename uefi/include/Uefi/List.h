@@ -17,30 +17,33 @@ inline LIST_ENTRY *InitializeListHead(LIST_ENTRY *ListHead) {
   return ListHead;
 }
 
-inline BOOLEAN IsListEmpty(const LIST_ENTRY *ListHead) {
+[[nodiscard]] inline BOOLEAN IsListEmpty(const LIST_ENTRY *ListHead) {
   return ListHead->ForwardLink == ListHead ? TRUE : FALSE;
 }
 
 // Node is the head itself: the walk has come full circle.
-inline BOOLEAN IsNull(const LIST_ENTRY *List, const LIST_ENTRY *Node) {
+[[nodiscard]] inline BOOLEAN IsNull(const LIST_ENTRY *List,
+                                    const LIST_ENTRY *Node) {
   return List == Node ? TRUE : FALSE;
 }
 
-inline BOOLEAN IsNodeAtEnd(const LIST_ENTRY *List, const LIST_ENTRY *Node) {
+[[nodiscard]] inline BOOLEAN IsNodeAtEnd(const LIST_ENTRY *List,
+                                         const LIST_ENTRY *Node) {
   return (!IsNull(List, Node) && List->BackLink == Node) ? TRUE : FALSE;
 }
 
-inline LIST_ENTRY *GetFirstNode(const LIST_ENTRY *List) {
+[[nodiscard]] inline LIST_ENTRY *GetFirstNode(const LIST_ENTRY *List) {
   return List->ForwardLink;
 }
 
-inline LIST_ENTRY *GetNextNode(const LIST_ENTRY *List, const LIST_ENTRY *Node) {
+[[nodiscard]] inline LIST_ENTRY *GetNextNode(const LIST_ENTRY *List,
+                                             const LIST_ENTRY *Node) {
   (void)List;
   return Node->ForwardLink;
 }
 
-inline LIST_ENTRY *GetPreviousNode(const LIST_ENTRY *List,
-                                   const LIST_ENTRY *Node) {
+[[nodiscard]] inline LIST_ENTRY *GetPreviousNode(const LIST_ENTRY *List,
+                                                 const LIST_ENTRY *Node) {
   (void)List;
   return Node->BackLink;
 }
@@ -79,7 +82,7 @@ inline LIST_ENTRY *RemoveEntryList(LIST_ENTRY *Entry) {
 
 // TRUE when Head has been initialised: a zeroed record's list head (both
 // links NULL) was never set up and holds nothing.
-inline BOOLEAN IsListLive(const LIST_ENTRY *ListHead) {
+[[nodiscard]] inline BOOLEAN IsListLive(const LIST_ENTRY *ListHead) {
   return (ListHead->ForwardLink != nullptr && ListHead->BackLink != nullptr)
              ? TRUE
              : FALSE;
@@ -87,8 +90,8 @@ inline BOOLEAN IsListLive(const LIST_ENTRY *ListHead) {
 
 // Number of entries, walking at most Limit of them (a corrupted list cannot
 // make the count run forever).
-inline UINTN CountListEntries(const LIST_ENTRY *ListHead,
-                              UINTN Limit = ~(UINTN)0) {
+[[nodiscard]] inline UINTN CountListEntries(const LIST_ENTRY *ListHead,
+                                            UINTN Limit = ~(UINTN)0) {
   UINTN Count = 0;
   for (const LIST_ENTRY *Node = ListHead->ForwardLink;
        Node != ListHead && Count < Limit; Node = Node->ForwardLink) {
@@ -131,14 +134,14 @@ class ListRange {
   Iterator begin() const { return Iterator(Head_, Head_->ForwardLink); }
   Iterator end() const { return Iterator(Head_, Head_); }
 
-  static Record *FromLink(LIST_ENTRY *Node) {
+  [[nodiscard]] static Record *FromLink(LIST_ENTRY *Node) {
     return reinterpret_cast<Record *>(reinterpret_cast<CHAR8 *>(Node) -
                                       LinkOffset());
   }
 
  private:
   // Offset of the link inside the record; the compiler folds it to a constant.
-  static UINTN LinkOffset() {
+  [[nodiscard]] static UINTN LinkOffset() {
     union Storage {
       Storage() {}
       CHAR8 Byte;
@@ -160,13 +163,13 @@ struct LinkTraits<Link> {
 };
 
 template <auto Link>
-typename LinkTraits<Link>::Range ListOf(LIST_ENTRY &Head) {
+[[nodiscard]] typename LinkTraits<Link>::Range ListOf(LIST_ENTRY &Head) {
   return typename LinkTraits<Link>::Range(Head);
 }
 
 // The record that embeds Node as its member Link.
 template <auto Link>
-typename LinkTraits<Link>::Type *RecordOf(LIST_ENTRY *Node) {
+[[nodiscard]] typename LinkTraits<Link>::Type *RecordOf(LIST_ENTRY *Node) {
   return LinkTraits<Link>::Range::FromLink(Node);
 }
 
@@ -209,7 +212,7 @@ class ConstListRange {
 };
 
 template <auto Link>
-ConstListRange<typename LinkTraits<Link>::Type, Link> ConstListOf(
+[[nodiscard]] ConstListRange<typename LinkTraits<Link>::Type, Link> ConstListOf(
     const LIST_ENTRY &Head) {
   return ConstListRange<typename LinkTraits<Link>::Type, Link>(Head);
 }
@@ -218,7 +221,7 @@ ConstListRange<typename LinkTraits<Link>::Type, Link> ConstListOf(
 // or was never initialised; the head is left initialised then, so a release
 // walk may run over a partly built record.
 template <auto Link>
-typename LinkTraits<Link>::Type *TakeFirst(LIST_ENTRY *Head) {
+[[nodiscard]] typename LinkTraits<Link>::Type *TakeFirst(LIST_ENTRY *Head) {
   if (!IsListLive(Head) || IsListEmpty(Head)) {
     InitializeListHead(Head);
     return nullptr;

@@ -2,6 +2,8 @@
 // framework's operator actions; message boxes answered from a queue.
 #include "framework/HeadlessDriver.h"
 
+#include <Library/DebugLib.h>
+
 #include "framework/Operator.h"
 #include "framework/Screen.h"
 #include "framework/TextRenderer.h"
@@ -9,7 +11,7 @@
 namespace framework {
 namespace {
 
-std::u16string Trimmed(const CHAR16 *Text) {
+[[nodiscard]] std::u16string Trimmed(const CHAR16 *Text) {
   std::u16string Value = Text != nullptr ? Text : u"";
   size_t First = Value.find_first_not_of(u" \t");
   if (First == std::u16string::npos) {
@@ -144,11 +146,7 @@ VOID HeadlessDriver::Refresh(VOID *Context) {
 }
 
 HOST_PAGE_NODE *HeadlessDriver::Find(UINT32 NodeId) const {
-  HOST_PAGE_NODE *Node = nullptr;
-  if (Page() != nullptr) {
-    FindNode(Page(), NodeId, &Node);
-  }
-  return Node;
+  return NodeById(Page(), NodeId);
 }
 
 HOST_PAGE_NODE *HeadlessDriver::FindByText(const std::u16string &Text) const {
@@ -194,7 +192,8 @@ std::vector<std::u16string> HeadlessDriver::Options(
   std::vector<std::u16string> Texts;
   for (UINTN Index = 0; Index < OptionCount(Node); Index++) {
     OptionView Option = {};
-    OptionAt(Node, Index, &Option);
+    BOOLEAN Listed = OptionAt(Node, Index, &Option);
+    ASSERT(Listed);  // Index is below OptionCount
     Texts.push_back(Option.Text);
   }
   return Texts;

@@ -10,7 +10,7 @@
 namespace framework {
 namespace {
 
-std::string StatusWords(EFI_STATUS Status) {
+[[nodiscard]] std::string StatusWords(EFI_STATUS Status) {
   switch (Status) {
     case EFI_SUCCESS:
       return "";
@@ -28,7 +28,7 @@ std::string StatusWords(EFI_STATUS Status) {
   }
 }
 
-bool ParseNumber(const std::string &Word, UINT64 *Value) {
+[[nodiscard]] bool ParseNumber(const std::string &Word, UINT64 *Value) {
   if (Word.empty() || Word.size() > 18 ||
       Word.find_first_not_of("0123456789") != std::string::npos) {
     return false;
@@ -37,7 +37,7 @@ bool ParseNumber(const std::string &Word, UINT64 *Value) {
   return true;
 }
 
-std::string StateName(UINT8 State) {
+[[nodiscard]] std::string StateName(UINT8 State) {
   switch (State) {
     case HOST_DISPLAY_SHOWN:
       return "shown";
@@ -51,7 +51,7 @@ std::string StateName(UINT8 State) {
 }
 
 // How many words each action takes after its name.
-const std::map<std::string, size_t> &Arity() {
+[[nodiscard]] const std::map<std::string, size_t> &Arity() {
   static const std::map<std::string, size_t> kArity = {
       {"press", 1},        {"choose", 2},       {"tick", 1},
       {"untick", 1},       {"type", 2},         {"slide", 2},

@@ -1,5 +1,6 @@
 // Draws what lies over the page: the message box (plain, Yes/No or
 // progress), the help panel and an open drop-down list.
+#include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 
 #include "framework/Framework.h"
@@ -19,7 +20,7 @@ constexpr CHAR16 kBottomRight = 0x255D;
 constexpr CHAR16 kFull = 0x2588;   // █ done part of the progress bar
 constexpr CHAR16 kShade = 0x2591;  // ░ the rest
 
-BOOLEAN IsBlank(const CHAR16 *Text) {
+[[nodiscard]] BOOLEAN IsBlank(const CHAR16 *Text) {
   for (; *Text != 0; Text++) {
     if (*Text != u' ') {
       return FALSE;
@@ -68,7 +69,7 @@ VOID DrawFrame(ScreenBuffer &Screen, const Frame &Box, const CHAR16 *Title,
 }
 
 // The widest line of Text once wrapped to Limit columns.
-UINTN WidestLine(const CHAR16 *Text, UINTN Limit) {
+[[nodiscard]] UINTN WidestLine(const CHAR16 *Text, UINTN Limit) {
   UINTN Widest = 0;
   UINTN Length = 0;
   const CHAR16 *Cursor = Text;
@@ -211,7 +212,8 @@ VOID DrawDropDown(ScreenBuffer &Screen, const UiOverlay &Overlay) {
       Text = CellOptionText(Node, Overlay.DropRow, Overlay.DropColumn, Index);
     } else {
       OptionView Option = {};
-      OptionAt(Node, Index, &Option);
+      BOOLEAN Listed = OptionAt(Node, Index, &Option);
+      ASSERT(Listed);  // Index is below OptionCount
       Text = Option.Text;
     }
     UINTN TextColumns = TextWidth(Text);
@@ -237,7 +239,9 @@ VOID DrawDropDown(ScreenBuffer &Screen, const UiOverlay &Overlay) {
       State = CellOptionState(Node, Overlay.DropRow, Overlay.DropColumn, Index);
     } else {
       OptionView Option = {};
-      OptionAt(Node, Index, &Option);
+      // A cursor past the options (a value set out of range) leaves the
+      // view empty, and the line is drawn empty.
+      (VOID) OptionAt(Node, Index, &Option);
       Text = Option.Text;
       State = Option.DisplayState;
     }

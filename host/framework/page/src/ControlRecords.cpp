@@ -37,12 +37,12 @@ VOID FreeTable(TableCopy &Table) {
 }
 
 // The text of an option or cell: its own text, else its text id's.
-CHAR16 *CopyShownText(const CHAR16 *Text, EFI_STRING_ID TextId) {
+[[nodiscard]] CHAR16 *CopyShownText(const CHAR16 *Text, EFI_STRING_ID TextId) {
   return CopyText(Text != nullptr ? Text : HostString(TextId));
 }
 
 // Copies a module option list; an empty copy when memory is short.
-OptionsCopy CopyOptions(const HOST_OPTION_LIST &List) {
+[[nodiscard]] OptionsCopy CopyOptions(const HOST_OPTION_LIST &List) {
   OptionsCopy Copy = {};
   if (List.Count == 0 || List.Options == nullptr) {
     return Copy;
@@ -128,7 +128,8 @@ VOID LoadTable(HOST_PAGE_NODE *Node, Control *Record) {
 
 // Asks the data source for the control's value; TRUE when it answered.
 // *Text receives the module's text, or NULL.
-BOOLEAN LoadValue(HOST_PAGE_NODE *Node, Control *Record, const CHAR16 **Text) {
+[[nodiscard]] BOOLEAN LoadValue(HOST_PAGE_NODE *Node, Control *Record,
+                                const CHAR16 **Text) {
   *Text = nullptr;
   RAID_SETUP_DATA_SOURCE_PROTOCOL *Source = gState.DataSource;
   if (Source == nullptr || Source->GetValue == nullptr) {
@@ -148,7 +149,7 @@ BOOLEAN LoadValue(HOST_PAGE_NODE *Node, Control *Record, const CHAR16 **Text) {
 }
 
 // The first data row of a table, or 0 when it has none.
-UINT32 FirstDataRow(const TableCopy &Table) {
+[[nodiscard]] UINT32 FirstDataRow(const TableCopy &Table) {
   UINT32 First = (Table.Flags & HOST_TABLE_HEADING) != 0 ? 1 : 0;
   return First < Table.Rows ? First : 0;
 }
@@ -200,8 +201,8 @@ VOID ChooseOptionByText(Control *Record) {
 }
 
 // The text a control shows after a reload.
-const CHAR16 *ShownText(Control *Record, const CHAR16 *ModuleText,
-                        BOOLEAN Dropped) {
+[[nodiscard]] const CHAR16 *ShownText(Control *Record, const CHAR16 *ModuleText,
+                                      BOOLEAN Dropped) {
   HOST_CONTROL &Public = Record->Public;
   if (Public.Kind == HOST_CONTROL_COMBO_BOX) {
     if (Record->Options.Count != 0) {

@@ -5,7 +5,8 @@
 namespace framework {
 namespace {
 
-const CellCopy *CellOf(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column) {
+[[nodiscard]] const CellCopy *CellOf(const HOST_PAGE_NODE *Node, UINT32 Row,
+                                     UINT32 Column) {
   Control *Record = RecordOf(Node);
   if (Record == nullptr || Record->Table.Cells == nullptr ||
       Row >= Record->Table.Rows || Column >= Record->Table.Columns) {

@@ -32,7 +32,8 @@ VOID CollectNodes(HOST_PAGE_NODE *Node, FocusOrder &Order, UINTN Depth) {
 }
 
 // Position of Node in Order, or Order.Count.
-UINTN PositionOf(const FocusOrder &Order, const HOST_PAGE_NODE *Node) {
+[[nodiscard]] UINTN PositionOf(const FocusOrder &Order,
+                               const HOST_PAGE_NODE *Node) {
   for (UINTN Index = 0; Index < Order.Count; Index++) {
     if (Order.Nodes[Index] == Node) {
       return Index;
@@ -67,7 +68,7 @@ VOID MoveFocus(INTN Step) {
   }
 }
 
-BOOLEAN IsFocusableKind(UINT32 Kind) {
+[[nodiscard]] BOOLEAN IsFocusableKind(UINT32 Kind) {
   switch (Kind) {
     case HOST_CONTROL_BUTTON:
     case HOST_CONTROL_IMAGE_BUTTON:
@@ -84,7 +85,7 @@ BOOLEAN IsFocusableKind(UINT32 Kind) {
 }
 
 // A radio group can take the focus when one of its options can be chosen.
-BOOLEAN HasChoosableOption(const Control *Record) {
+[[nodiscard]] BOOLEAN HasChoosableOption(const Control *Record) {
   for (UINTN Index = 0; Index < Record->Options.Count; Index++) {
     if (Record->Options.Items[Index].DisplayState == HOST_DISPLAY_SHOWN) {
       return TRUE;

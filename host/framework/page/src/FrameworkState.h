@@ -92,12 +92,13 @@ struct State {
 extern State gState;
 
 // The framework's record behind a node, or NULL.
-Control *RecordOf(const HOST_PAGE_NODE *Node);
+[[nodiscard]] Control *RecordOf(const HOST_PAGE_NODE *Node);
 // TRUE when the framework made Node.
-BOOLEAN IsMadeNode(const HOST_PAGE_NODE *Node);
+[[nodiscard]] BOOLEAN IsMadeNode(const HOST_PAGE_NODE *Node);
 // A fresh record of Kind for a node made from a template.
-Control *NewControl(UINT32 Kind, EFI_STRING_ID TextId, UINT8 DisplayState,
-                    const HOST_LAYOUT &Layout, const EFI_GUID *Owner);
+[[nodiscard]] Control *NewControl(UINT32 Kind, EFI_STRING_ID TextId,
+                                  UINT8 DisplayState, const HOST_LAYOUT &Layout,
+                                  const EFI_GUID *Owner);
 // Frees a record and everything it owns.
 VOID FreeControl(Control *Record);
 // Reads the record's text, options, table and value again.
@@ -105,17 +106,17 @@ VOID ReloadControl(HOST_PAGE_NODE *Node);
 // Drops every text copy so that all are read again (language change).
 VOID ForgetAllTexts();
 // The text of an id in the current language; never NULL.
-const CHAR16 *HostString(EFI_STRING_ID Id);
+[[nodiscard]] const CHAR16 *HostString(EFI_STRING_ID Id);
 // The framework's own text of Id (HOST_STRING_*) in the current language;
 // NULL for an id of the module's package list.
-const CHAR16 *FrameworkText(EFI_STRING_ID Id);
+[[nodiscard]] const CHAR16 *FrameworkText(EFI_STRING_ID Id);
 // The plain box shown in place of a question that could not be shown, in
 // the current language.
 struct NoticeTexts {
   const CHAR16 *Title;
   const CHAR16 *Text;
 };
-NoticeTexts UnshownQuestionNotice();
+[[nodiscard]] NoticeTexts UnshownQuestionNotice();
 // Focus repair after states changed: the focus leaves a control that can no
 // longer take it.
 VOID RepairFocus();
@@ -125,7 +126,7 @@ VOID RequestRefresh();
 VOID CloseTransientBoxes();
 // The page node ShowPage shows for Node: Node itself when it is a page,
 // else the first page among its children; NULL when there is none.
-HOST_PAGE_NODE *PageToShow(HOST_PAGE_NODE *Node);
+[[nodiscard]] HOST_PAGE_NODE *PageToShow(HOST_PAGE_NODE *Node);
 // Calls the registered step while its page is shown, until it reports that
 // no step is due (the operator's next action waits for that).
 VOID RunDueSteps();
@@ -137,7 +138,7 @@ VOID ForgetSubtree(const HOST_PAGE_NODE *Node);
 constexpr UINTN kMaxTreeDepth = 32;
 
 // Registers and returns a fresh unlinked node, or NULL when memory is short.
-HOST_PAGE_NODE *MakeNode(UINT32 NodeId, HOST_CONTROL *Record);
+[[nodiscard]] HOST_PAGE_NODE *MakeNode(UINT32 NodeId, HOST_CONTROL *Record);
 // Frees every node the framework made (shutdown).
 VOID FreeAllMadeNodes();
 // Closes the message box, freeing its texts.
@@ -146,6 +147,7 @@ VOID CloseMessageBox();
 VOID FreeHelpLines();
 
 // TRUE when Node lies in the subtree of Root.
-BOOLEAN IsInSubtree(const HOST_PAGE_NODE *Node, const HOST_PAGE_NODE *Root);
+[[nodiscard]] BOOLEAN IsInSubtree(const HOST_PAGE_NODE *Node,
+                                  const HOST_PAGE_NODE *Root);
 
 }  // namespace framework

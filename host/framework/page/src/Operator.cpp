@@ -15,8 +15,8 @@ namespace {
 constexpr UINTN kMaxEditLength = 256;
 
 // The record of a control the operator may act on, or an error status.
-EFI_STATUS Operable(HOST_PAGE_NODE *Node, UINT32 Kind, UINT32 OtherKind,
-                    Control **Record) {
+[[nodiscard]] EFI_STATUS Operable(HOST_PAGE_NODE *Node, UINT32 Kind,
+                                  UINT32 OtherKind, Control **Record) {
   *Record = RecordOf(Node);
   if (*Record == nullptr) {
     return EFI_INVALID_PARAMETER;
@@ -33,13 +33,13 @@ EFI_STATUS Operable(HOST_PAGE_NODE *Node, UINT32 Kind, UINT32 OtherKind,
 }
 
 // TRUE for the statuses with which a data source says it keeps no value.
-BOOLEAN IsNotServed(EFI_STATUS Status) {
+[[nodiscard]] BOOLEAN IsNotServed(EFI_STATUS Status) {
   return Status == EFI_NOT_FOUND || Status == EFI_UNSUPPORTED;
 }
 
 // Hands the control's new value to the data source; an error status when
 // the module refused it.
-EFI_STATUS HandOver(HOST_PAGE_NODE *Node, Control *Record) {
+[[nodiscard]] EFI_STATUS HandOver(HOST_PAGE_NODE *Node, Control *Record) {
   RAID_SETUP_DATA_SOURCE_PROTOCOL *Source = gState.DataSource;
   if (Source == nullptr || Source->SetValue == nullptr) {
     return EFI_SUCCESS;
@@ -60,8 +60,8 @@ VOID StoreText(Control *Record, CHAR16 *Text) {
 
 // The callback, the steps of the page it showed, then the refresh marks of
 // the page shown (the callback may have shown another one, or freed Node).
-EFI_STATUS Notify(HOST_PAGE_NODE *Node, Control *Record,
-                  const HOST_CONTROL_EVENT &Event) {
+[[nodiscard]] EFI_STATUS Notify(HOST_PAGE_NODE *Node, Control *Record,
+                                const HOST_CONTROL_EVENT &Event) {
   gState.Focus = Node;
   if (Record->Callback != nullptr) {
     Record->Callback(Node, &Event);
@@ -75,7 +75,8 @@ EFI_STATUS Notify(HOST_PAGE_NODE *Node, Control *Record,
 
 // Stores Value (and for a combo box the chosen option's text), hands it
 // over and notifies; the old value comes back when the module refuses.
-EFI_STATUS ChangeValue(HOST_PAGE_NODE *Node, Control *Record, UINT64 Value) {
+[[nodiscard]] EFI_STATUS ChangeValue(HOST_PAGE_NODE *Node, Control *Record,
+                                     UINT64 Value) {
   UINT64 Old = Record->Public.Value;
   Record->Public.Value = Value;
   EFI_STATUS Status = HandOver(Node, Record);
@@ -90,7 +91,7 @@ EFI_STATUS ChangeValue(HOST_PAGE_NODE *Node, Control *Record, UINT64 Value) {
   return Notify(Node, Record, Event);
 }
 
-CellCopy *CellOf(Control *Record, UINT32 Row, UINT32 Column) {
+[[nodiscard]] CellCopy *CellOf(Control *Record, UINT32 Row, UINT32 Column) {
   TableCopy &Table = Record->Table;
   if (Table.Cells == nullptr || Row >= Table.Rows || Column >= Table.Columns) {
     return nullptr;
@@ -99,8 +100,8 @@ CellCopy *CellOf(Control *Record, UINT32 Row, UINT32 Column) {
 }
 
 // Hands a table cell's new value to the data source.
-EFI_STATUS HandOverCell(HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-                        UINT32 Value) {
+[[nodiscard]] EFI_STATUS HandOverCell(HOST_PAGE_NODE *Node, UINT32 Row,
+                                      UINT32 Column, UINT32 Value) {
   RAID_SETUP_DATA_SOURCE_PROTOCOL *Source = gState.DataSource;
   if (Source == nullptr || Source->SetTableCell == nullptr) {
     return EFI_SUCCESS;

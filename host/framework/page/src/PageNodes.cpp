@@ -30,7 +30,7 @@ HOST_PAGE_NODE *MakeNode(UINT32 NodeId, HOST_CONTROL *Record) {
 
 namespace {
 
-MadeNode *MadeOf(const HOST_PAGE_NODE *Node) {
+[[nodiscard]] MadeNode *MadeOf(const HOST_PAGE_NODE *Node) {
   for (MadeNode *Made = gState.Made; Made != nullptr; Made = Made->Next) {
     if (&Made->Node == Node) {
       return Made;
@@ -112,9 +112,10 @@ struct CopyBudget {
 
 // Copies template nodes under Parent; FALSE when memory or the budget ran
 // out (what was made stays linked, for the caller to free).
-BOOLEAN CopyTemplateNodes(const HOST_NODE_TEMPLATE *Nodes, UINT32 Count,
-                          HOST_PAGE_NODE *Parent, const EFI_GUID *Identity,
-                          UINTN Depth, CopyBudget &Budget) {
+[[nodiscard]] BOOLEAN CopyTemplateNodes(const HOST_NODE_TEMPLATE *Nodes,
+                                        UINT32 Count, HOST_PAGE_NODE *Parent,
+                                        const EFI_GUID *Identity, UINTN Depth,
+                                        CopyBudget &Budget) {
   if (Nodes == nullptr || Count == 0) {
     return TRUE;
   }
@@ -152,8 +153,8 @@ BOOLEAN CopyTemplateNodes(const HOST_NODE_TEMPLATE *Nodes, UINT32 Count,
   return TRUE;
 }
 
-HOST_PAGE_NODE *FindInSubtree(HOST_PAGE_NODE *Node, UINT32 NodeId,
-                              UINTN Depth) {
+[[nodiscard]] HOST_PAGE_NODE *FindInSubtree(HOST_PAGE_NODE *Node, UINT32 NodeId,
+                                            UINTN Depth) {
   if (Node == nullptr || Depth > kMaxTreeDepth) {
     return nullptr;
   }
@@ -260,6 +261,10 @@ EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
   }
   *Node = FindInSubtree(Root, NodeId, 0);
   return *Node != nullptr ? EFI_SUCCESS : EFI_NOT_FOUND;
+}
+
+HOST_PAGE_NODE *NodeById(HOST_PAGE_NODE *Root, UINT32 NodeId) {
+  return Root != nullptr ? FindInSubtree(Root, NodeId, 0) : nullptr;
 }
 
 // Frees every node still registered (shutdown): the module's pages that it

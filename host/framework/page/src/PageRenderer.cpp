@@ -2,6 +2,7 @@
 // display states (hidden ones absent, grayed ones dim), the focus, tables
 // with their heading, selection and scrolling, and the key line.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 
 #include "framework/Framework.h"
@@ -47,7 +48,7 @@ struct Area {
   UINTN Bottom;  // one past the last row
 };
 
-UINTN Room(const Area &Clip, UINTN Column) {
+[[nodiscard]] UINTN Room(const Area &Clip, UINTN Column) {
   return Column < Clip.Right ? Clip.Right - Column : 0;
 }
 
@@ -57,9 +58,11 @@ struct DrawContext {
   Area Clip;
 };
 
-BOOLEAN IsFocused(const HOST_PAGE_NODE *Node) { return FocusNode() == Node; }
+[[nodiscard]] BOOLEAN IsFocused(const HOST_PAGE_NODE *Node) {
+  return FocusNode() == Node;
+}
 
-UINT8 TextAttribute(const HOST_PAGE_NODE *Node, UINT8 Normal) {
+[[nodiscard]] UINT8 TextAttribute(const HOST_PAGE_NODE *Node, UINT8 Normal) {
   if (EffectiveState(Node) == HOST_DISPLAY_GRAYED) {
     return look::kGrayed;
   }
@@ -88,8 +91,9 @@ VOID ClipFill(DrawContext &Context, UINTN Column, UINTN Row, UINTN Width,
 }
 
 // A label: one line, or wrapped over its height when it has one.
-UINTN DrawLabel(DrawContext &Context, const HOST_PAGE_NODE *Node,
-                const HOST_CONTROL &Control, UINTN Column, UINTN Row) {
+[[nodiscard]] UINTN DrawLabel(DrawContext &Context, const HOST_PAGE_NODE *Node,
+                              const HOST_CONTROL &Control, UINTN Column,
+                              UINTN Row) {
   UINT8 Attribute = EffectiveState(Node) == HOST_DISPLAY_GRAYED ? look::kGrayed
                                                                  : look::kLabel;
   UINTN Width = Control.Layout.Width != 0 ? Control.Layout.Width
@@ -135,13 +139,16 @@ VOID DrawButton(DrawContext &Context, const HOST_PAGE_NODE *Node, UINTN Column,
   ClipText(Context, Column + Used, Row, u" ]", 2, Attribute);
 }
 
-UINTN DrawRadioGroup(DrawContext &Context, const HOST_PAGE_NODE *Node,
-                     const HOST_CONTROL &Control, UINTN Column, UINTN Row) {
+[[nodiscard]] UINTN DrawRadioGroup(DrawContext &Context,
+                                   const HOST_PAGE_NODE *Node,
+                                   const HOST_CONTROL &Control, UINTN Column,
+                                   UINTN Row) {
   UINTN Count = OptionCount(Node);
   BOOLEAN GroupGrayed = EffectiveState(Node) == HOST_DISPLAY_GRAYED;
   for (UINTN Index = 0; Index < Count; Index++) {
     OptionView Option = {};
-    OptionAt(Node, Index, &Option);
+    BOOLEAN Listed = OptionAt(Node, Index, &Option);
+    ASSERT(Listed);  // Index is below OptionCount
     BOOLEAN Grayed = GroupGrayed || Option.DisplayState != HOST_DISPLAY_SHOWN;
     UINT8 Attribute = Grayed ? look::kGrayed : look::kLabel;
     if (IsFocused(Node) && RadioCursor(Node) == Index) {
@@ -240,7 +247,8 @@ VOID DrawSlider(DrawContext &Context, const HOST_PAGE_NODE *Node,
 constexpr UINTN kMaxColumns = 32;
 
 // Width a cell needs.
-UINTN CellWidth(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column) {
+[[nodiscard]] UINTN CellWidth(const HOST_PAGE_NODE *Node, UINT32 Row,
+                              UINT32 Column) {
   CellView Cell = {};
   if (!CellAt(Node, Row, Column, &Cell)) {
     return 0;
@@ -291,8 +299,9 @@ VOID ColumnWidths(const HOST_PAGE_NODE *Node, UINTN TableWidth,
   }
 }
 
-UINT8 CellAttribute(const CellView &Cell, BOOLEAN SelectedRow, BOOLEAN Heading,
-                    BOOLEAN TableFocused, BOOLEAN Cursor) {
+[[nodiscard]] UINT8 CellAttribute(const CellView &Cell, BOOLEAN SelectedRow,
+                                  BOOLEAN Heading, BOOLEAN TableFocused,
+                                  BOOLEAN Cursor) {
   if (Cursor) {
     return look::kCellCursor;
   }
@@ -330,8 +339,9 @@ VOID DrawCell(DrawContext &Context, const HOST_PAGE_NODE *Node, UINT32 Row,
   }
 }
 
-UINTN DrawTable(DrawContext &Context, HOST_PAGE_NODE *Node,
-                const HOST_CONTROL &Control, UINTN Column, UINTN Row) {
+[[nodiscard]] UINTN DrawTable(DrawContext &Context, HOST_PAGE_NODE *Node,
+                              const HOST_CONTROL &Control, UINTN Column,
+                              UINTN Row) {
   UINT32 Rows = TableRows(Node);
   UINT32 Columns = TableColumns(Node);
   UINTN Width = Control.Layout.Width != 0 ? Control.Layout.Width
@@ -380,7 +390,8 @@ UINTN DrawTable(DrawContext &Context, HOST_PAGE_NODE *Node,
     UINTN X = Column;
     for (UINT32 Cell = 0; Cell < Columns; Cell++) {
       CellView View = {};
-      CellAt(Node, TableRow, Cell, &View);
+      // A cell the table's copy lacks draws from the empty view.
+      (VOID) CellAt(Node, TableRow, Cell, &View);
       BOOLEAN Cursor = Focused && IsSelected && Cell == TableCursorColumn(Node) &&
                        View.Kind != HOST_CELL_TEXT;
       UINT8 Attribute = CellAttribute(View, IsSelected, IsHeading, Focused, Cursor);
@@ -421,8 +432,8 @@ UINTN DrawTable(DrawContext &Context, HOST_PAGE_NODE *Node,
 
 // ---- Nodes ----------------------------------------------------------------
 
-UINTN DrawNode(DrawContext &Context, HOST_PAGE_NODE *Node, UINTN Column,
-               UINTN Row);
+[[nodiscard]] UINTN DrawNode(DrawContext &Context, HOST_PAGE_NODE *Node,
+                             UINTN Column, UINTN Row);
 
 // Draws the children of Node from an origin; rows of HOST_LAYOUT_NEXT_ROW
 // follow the previous visible sibling. Returns the rows used.

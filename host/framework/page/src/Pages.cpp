@@ -8,7 +8,7 @@ namespace {
 // Most descriptors one control table takes from each list.
 constexpr UINTN kMaxDescriptors = 1024;
 
-Control *PageRecord(HOST_PAGE_NODE *Node) {
+[[nodiscard]] Control *PageRecord(HOST_PAGE_NODE *Node) {
   Control *Record = RecordOf(Node);
   return Record != nullptr && Record->Public.Kind == HOST_CONTROL_PAGE
              ? Record
@@ -36,12 +36,12 @@ VOID ProcessMarks(HOST_PAGE_NODE *Node, BOOLEAN Force, UINTN Depth) {
 }
 
 // Binds one descriptor list; FALSE when a node id was not found.
-BOOLEAN BindDescriptors(HOST_PAGE_NODE *Page,
-                        const HOST_CONTROL_DESCRIPTOR *List, UINTN Count) {
+[[nodiscard]] BOOLEAN BindDescriptors(HOST_PAGE_NODE *Page,
+                                      const HOST_CONTROL_DESCRIPTOR *List,
+                                      UINTN Count) {
   BOOLEAN AllFound = TRUE;
   for (UINTN Index = 0; Index < Count; Index++) {
-    HOST_PAGE_NODE *Node = nullptr;
-    FindNode(Page, List[Index].NodeId, &Node);
+    HOST_PAGE_NODE *Node = NodeById(Page, List[Index].NodeId);
     Control *Record = RecordOf(Node);
     if (Record == nullptr) {
       AllFound = FALSE;
@@ -107,8 +107,7 @@ EFI_STATUS EFIAPI ShowPage(HOST_PAGE_NODE *Page, UINT32 FocusNodeId) {
   gState.Page = Shown;
   ProcessRefreshMarks(Shown);
   if (FocusNodeId != 0) {
-    HOST_PAGE_NODE *Wanted = nullptr;
-    FindNode(Shown, FocusNodeId, &Wanted);
+    HOST_PAGE_NODE *Wanted = NodeById(Shown, FocusNodeId);
     if (Wanted != nullptr && IsFocusable(Wanted)) {
       gState.Focus = Wanted;
     }

@@ -8,7 +8,9 @@
 namespace framework {
 namespace {
 
-BOOLEAN IsLineBreak(CHAR16 Char) { return Char == u'\r' || Char == u'\n'; }
+[[nodiscard]] BOOLEAN IsLineBreak(CHAR16 Char) {
+  return Char == u'\r' || Char == u'\n';
+}
 
 // Skips one line break ("\r\n", "\n" or "\r") at *Text, if there is one.
 VOID SkipLineBreak(const CHAR16 **Text) {

@@ -1,19 +1,26 @@
 // The interactive text UI: frames, keys to operator actions, questions.
 #include "framework/TextUi.h"
 
+#include <Library/DebugLib.h>
+
 #include "framework/Operator.h"
 
 namespace framework {
 namespace {
 
-BOOLEAN IsKind(const HOST_PAGE_NODE *Node, UINT32 Kind) {
+// A key whose action the page refuses (a grayed control, an option that
+// cannot be chosen, a language past the last) does nothing, and the screen
+// shows that: the text UI deliberately does not look at the action's status.
+VOID OutcomeOnScreen(EFI_STATUS ActionStatus) { (VOID) ActionStatus; }
+
+[[nodiscard]] BOOLEAN IsKind(const HOST_PAGE_NODE *Node, UINT32 Kind) {
   HOST_CONTROL *Control = ControlOf(Node);
   return Control != nullptr && Control->Kind == Kind;
 }
 
 // ---- Drop-down lists --------------------------------------------------------
 
-UINTN DropCount(const UiOverlay &Overlay) {
+[[nodiscard]] UINTN DropCount(const UiOverlay &Overlay) {
   if (IsKind(Overlay.DropDown, HOST_CONTROL_TABLE)) {
     CellView Cell = {};
     return CellAt(Overlay.DropDown, Overlay.DropRow, Overlay.DropColumn, &Cell)
@@ -44,9 +51,10 @@ VOID HandleDropDownKey(TextUi &Ui, const EFI_INPUT_KEY &Key) {
     HOST_PAGE_NODE *Node = Overlay.DropDown;
     Overlay.DropDown = nullptr;
     if (IsKind(Node, HOST_CONTROL_TABLE)) {
-      SetCell(Node, Overlay.DropRow, Overlay.DropColumn, Overlay.DropCursor);
+      OutcomeOnScreen(SetCell(Node, Overlay.DropRow, Overlay.DropColumn,
+                              Overlay.DropCursor));
     } else {
-      Choose(Node, Overlay.DropCursor);
+      OutcomeOnScreen(Choose(Node, Overlay.DropCursor));
     }
   }
 }
@@ -54,12 +62,14 @@ VOID HandleDropDownKey(TextUi &Ui, const EFI_INPUT_KEY &Key) {
 // ---- Controls -------------------------------------------------------------
 
 // The option Step away from From that can be chosen, or From.
-UINT32 NextChoosable(const HOST_PAGE_NODE *Node, UINT32 From, INTN Step) {
+[[nodiscard]] UINT32 NextChoosable(const HOST_PAGE_NODE *Node, UINT32 From,
+                                   INTN Step) {
   UINTN Count = OptionCount(Node);
   for (INTN Index = static_cast<INTN>(From) + Step;
        Index >= 0 && static_cast<UINTN>(Index) < Count; Index += Step) {
     OptionView Option = {};
-    OptionAt(Node, static_cast<UINTN>(Index), &Option);
+    BOOLEAN Listed = OptionAt(Node, static_cast<UINTN>(Index), &Option);
+    ASSERT(Listed);  // Index is below OptionCount
     if (Option.DisplayState == HOST_DISPLAY_SHOWN) {
       return static_cast<UINT32>(Index);
     }
@@ -67,7 +77,8 @@ UINT32 NextChoosable(const HOST_PAGE_NODE *Node, UINT32 From, INTN Step) {
   return From;
 }
 
-BOOLEAN HandleRadioKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleRadioKey(HOST_PAGE_NODE *Node,
+                                     const EFI_INPUT_KEY &Key) {
   UINT32 Cursor = RadioCursor(Node);
   if (Key.ScanCode == SCAN_UP || Key.ScanCode == SCAN_DOWN) {
     UINT32 Next = NextChoosable(Node, Cursor, Key.ScanCode == SCAN_UP ? -1 : 1);
@@ -78,13 +89,13 @@ BOOLEAN HandleRadioKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
     return TRUE;
   }
   if (Key.UnicodeChar == kCharCarriageReturn || Key.UnicodeChar == u' ') {
-    Choose(Node, Cursor);
+    OutcomeOnScreen(Choose(Node, Cursor));
     return TRUE;
   }
   return FALSE;
 }
 
-UINT32 FirstDataRow(const HOST_PAGE_NODE *Node) {
+[[nodiscard]] UINT32 FirstDataRow(const HOST_PAGE_NODE *Node) {
   return (TableFlags(Node) & HOST_TABLE_HEADING) != 0 ? 1 : 0;
 }
 
@@ -110,15 +121,15 @@ VOID ActivateCell(TextUi &Ui, HOST_PAGE_NODE *Node, UINT32 Row) {
     return;
   }
   if (Cell.Kind == HOST_CELL_CHECK_BOX) {
-    SetCell(Node, Row, Column, Cell.Value != 0 ? 0 : 1);
+    OutcomeOnScreen(SetCell(Node, Row, Column, Cell.Value != 0 ? 0 : 1));
   } else if (Cell.Kind == HOST_CELL_COMBO_BOX &&
              Cell.DisplayState == HOST_DISPLAY_SHOWN) {
     OpenDropDown(Ui, Node, Row, Column, Cell.Value);
   }
 }
 
-BOOLEAN HandleTableKey(TextUi &Ui, HOST_PAGE_NODE *Node,
-                       const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleTableKey(TextUi &Ui, HOST_PAGE_NODE *Node,
+                                     const EFI_INPUT_KEY &Key) {
   HOST_CONTROL *Control = ControlOf(Node);
   UINT32 Rows = TableRows(Node);
   UINT32 First = FirstDataRow(Node);
@@ -162,7 +173,7 @@ BOOLEAN HandleTableKey(TextUi &Ui, HOST_PAGE_NODE *Node,
       return FALSE;
   }
   if ((TableFlags(Node) & HOST_TABLE_SELECTABLE) != 0) {
-    SelectRow(Node, Target);
+    OutcomeOnScreen(SelectRow(Node, Target));
   } else {
     // A table without selection still scrolls.
     SetTableScrollTop(Node, Target);
@@ -171,7 +182,8 @@ BOOLEAN HandleTableKey(TextUi &Ui, HOST_PAGE_NODE *Node,
   return TRUE;
 }
 
-BOOLEAN HandleSliderKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleSliderKey(HOST_PAGE_NODE *Node,
+                                      const EFI_INPUT_KEY &Key) {
   HOST_CONTROL *Control = ControlOf(Node);
   UINT64 Span = Control->Maximum - Control->Minimum;
   UINT64 Step = Span / 20 == 0 ? 1 : Span / 20;
@@ -198,11 +210,12 @@ BOOLEAN HandleSliderKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
     default:
       return FALSE;
   }
-  Slide(Node, Value);
+  OutcomeOnScreen(Slide(Node, Value));
   return TRUE;
 }
 
-BOOLEAN HandleEditKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleEditKey(HOST_PAGE_NODE *Node,
+                                    const EFI_INPUT_KEY &Key) {
   if (Key.ScanCode != SCAN_NULL) {
     return FALSE;
   }
@@ -224,18 +237,18 @@ BOOLEAN HandleEditKey(HOST_PAGE_NODE *Node, const EFI_INPUT_KEY &Key) {
     return FALSE;
   }
   Text[Length] = 0;
-  TypeText(Node, Text);
+  OutcomeOnScreen(TypeText(Node, Text));
   return TRUE;
 }
 
-BOOLEAN HandleComboKey(TextUi &Ui, HOST_PAGE_NODE *Node,
-                       const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleComboKey(TextUi &Ui, HOST_PAGE_NODE *Node,
+                                     const EFI_INPUT_KEY &Key) {
   HOST_CONTROL *Control = ControlOf(Node);
   UINT32 Value = static_cast<UINT32>(Control->Value);
   if (Key.ScanCode == SCAN_LEFT || Key.ScanCode == SCAN_RIGHT) {
     UINT32 Next = NextChoosable(Node, Value, Key.ScanCode == SCAN_LEFT ? -1 : 1);
     if (Next != Value) {
-      Choose(Node, Next);
+      OutcomeOnScreen(Choose(Node, Next));
     }
     return TRUE;
   }
@@ -247,8 +260,8 @@ BOOLEAN HandleComboKey(TextUi &Ui, HOST_PAGE_NODE *Node,
 }
 
 // Keys the focused control takes; FALSE when it leaves the key alone.
-BOOLEAN HandleControlKey(TextUi &Ui, HOST_PAGE_NODE *Node,
-                         const EFI_INPUT_KEY &Key) {
+[[nodiscard]] BOOLEAN HandleControlKey(TextUi &Ui, HOST_PAGE_NODE *Node,
+                                       const EFI_INPUT_KEY &Key) {
   HOST_CONTROL *Control = ControlOf(Node);
   if (Control == nullptr) {
     return FALSE;
@@ -259,12 +272,12 @@ BOOLEAN HandleControlKey(TextUi &Ui, HOST_PAGE_NODE *Node,
     case HOST_CONTROL_BUTTON:
     case HOST_CONTROL_IMAGE_BUTTON:
       if (Activate) {
-        Press(Node);
+        OutcomeOnScreen(Press(Node));
       }
       return Activate;
     case HOST_CONTROL_CHECK_BOX:
       if (Activate) {
-        SetCheck(Node, Control->Value == 0);
+        OutcomeOnScreen(SetCheck(Node, Control->Value == 0));
       }
       return Activate;
     case HOST_CONTROL_RADIO_GROUP:
@@ -295,7 +308,7 @@ VOID HandleHelpKey(const EFI_INPUT_KEY &Key) {
 
 // ---- Host services ----------------------------------------------------------
 
-BOOLEAN AskService(VOID *Context) {
+[[nodiscard]] BOOLEAN AskService(VOID *Context) {
   return TextUiAsk(*static_cast<TextUi *>(Context));
 }
 
@@ -369,7 +382,7 @@ BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key) {
     return TRUE;
   }
   if (Key.ScanCode == SCAN_F2) {
-    SwitchLanguage((LanguageIndex() + 1) % kLanguageCount);
+    OutcomeOnScreen(SwitchLanguage((LanguageIndex() + 1) % kLanguageCount));
     return TRUE;
   }
   if (Key.ScanCode == kScanShiftTab) {

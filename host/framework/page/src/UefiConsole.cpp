@@ -28,7 +28,7 @@ VOID Write(VOID *Context, UINTN Column, UINTN Row, UINT8 Attribute,
   Console.Out->OutputString(Console.Out, Run);
 }
 
-BOOLEAN ReadKey(VOID *Context, EFI_INPUT_KEY *Key) {
+[[nodiscard]] BOOLEAN ReadKey(VOID *Context, EFI_INPUT_KEY *Key) {
   UefiConsole &Console = *static_cast<UefiConsole *>(Context);
   if (Console.In == nullptr) {
     return FALSE;

@@ -18,7 +18,7 @@ struct ParserRecord {
 
 constinit LIST_ENTRY gLiveParsers = {nullptr, nullptr};
 
-LIST_ENTRY &LiveParsers() {
+[[nodiscard]] LIST_ENTRY &LiveParsers() {
   if (!IsListLive(&gLiveParsers)) {
     InitializeListHead(&gLiveParsers);
   }
@@ -39,7 +39,7 @@ ParserRecord *Find(TARNXML_PARSER *Parser) {
 }
 
 // "UTF-8" in any case.
-BOOLEAN IsUtf8Name(const CHAR16 *Encoding) {
+[[nodiscard]] BOOLEAN IsUtf8Name(const CHAR16 *Encoding) {
   static constexpr CHAR16 kName[] = u"UTF-8";
   UINTN I = 0;
   for (; kName[I] != 0; I++) {
@@ -61,7 +61,7 @@ VOID FreeRecord(ParserRecord *Record) {
   FreePool(Record);
 }
 
-TARNXML_PARSER *EFIAPI ParserCreate(const CHAR16 *Encoding) {
+[[nodiscard]] TARNXML_PARSER *EFIAPI ParserCreate(const CHAR16 *Encoding) {
   if (Encoding == nullptr || !IsUtf8Name(Encoding)) {
     return nullptr;
   }
@@ -88,7 +88,7 @@ VOID EFIAPI SetElementHandler(TARNXML_PARSER *Parser,
 }
 
 // A fresh buffer of Size bytes; the previous one is given back.
-VOID *EFIAPI GetBuffer(TARNXML_PARSER *Parser, UINTN Size) {
+[[nodiscard]] VOID *EFIAPI GetBuffer(TARNXML_PARSER *Parser, UINTN Size) {
   ParserRecord *Record = Find(Parser);
   if (Record == nullptr || Size == 0 || Size > TARNXML_MAX_BUFFER_SIZE) {
     return nullptr;
@@ -105,8 +105,8 @@ VOID *EFIAPI GetBuffer(TARNXML_PARSER *Parser, UINTN Size) {
   return Record->Buffer;
 }
 
-EFI_STATUS EFIAPI ParseBuffer(TARNXML_PARSER *Parser, UINTN Length,
-                              BOOLEAN IsFinal) {
+[[nodiscard]] EFI_STATUS EFIAPI ParseBuffer(TARNXML_PARSER *Parser,
+                                            UINTN Length, BOOLEAN IsFinal) {
   ParserRecord *Record = Find(Parser);
   if (Record == nullptr || Length > Record->BufferSize) {
     return EFI_INVALID_PARAMETER;
@@ -130,17 +130,11 @@ EFI_TARNXML_PROTOCOL *TarnXmlProtocolInterface(VOID) {
   return &gTarnXmlProtocol;
 }
 
-UINTN TarnXmlLiveParsers(VOID) {
-  UINTN Count = 0;
-  for (ParserRecord *Record : uefi::ListOf<&ParserRecord::Link>(LiveParsers())) {
-    (VOID)Record;
-    Count++;
-  }
-  return Count;
-}
+UINTN TarnXmlLiveParsers(VOID) { return CountListEntries(&LiveParsers()); }
 
 VOID TarnXmlFreeAllParsers(VOID) {
-  while (!IsListEmpty(&LiveParsers())) {
-    FreeRecord(uefi::RecordOf<&ParserRecord::Link>(GetFirstNode(&LiveParsers())));
+  while (ParserRecord *Record =
+             uefi::TakeFirst<&ParserRecord::Link>(&LiveParsers())) {
+    FreeRecord(Record);
   }
 }

@@ -6,17 +6,17 @@
 namespace xml_detail {
 
 // Char: the characters a document may contain at all.
-constexpr BOOLEAN IsXmlChar(UINT32 C) {
+[[nodiscard]] constexpr BOOLEAN IsXmlChar(UINT32 C) {
   return C == 0x9 || C == 0xA || C == 0xD || (C >= 0x20 && C <= 0xD7FF) ||
          (C >= 0xE000 && C <= 0xFFFD) || (C >= 0x10000 && C <= 0x10FFFF);
 }
 
 // S: space, tab, carriage return, line feed.
-constexpr BOOLEAN IsXmlSpace(UINT32 C) {
+[[nodiscard]] constexpr BOOLEAN IsXmlSpace(UINT32 C) {
   return C == 0x20 || C == 0x9 || C == 0xD || C == 0xA;
 }
 
-constexpr BOOLEAN IsNameStartChar(UINT32 C) {
+[[nodiscard]] constexpr BOOLEAN IsNameStartChar(UINT32 C) {
   return C == ':' || C == '_' || (C >= 'A' && C <= 'Z') ||
          (C >= 'a' && C <= 'z') || (C >= 0xC0 && C <= 0xD6) ||
          (C >= 0xD8 && C <= 0xF6) || (C >= 0xF8 && C <= 0x2FF) ||
@@ -27,13 +27,13 @@ constexpr BOOLEAN IsNameStartChar(UINT32 C) {
          (C >= 0x10000 && C <= 0xEFFFF);
 }
 
-constexpr BOOLEAN IsNameChar(UINT32 C) {
+[[nodiscard]] constexpr BOOLEAN IsNameChar(UINT32 C) {
   return IsNameStartChar(C) || C == '-' || C == '.' || (C >= '0' && C <= '9') ||
          C == 0xB7 || (C >= 0x300 && C <= 0x36F) || (C >= 0x203F && C <= 0x2040);
 }
 
 // The value of a hexadecimal digit, or -1.
-constexpr INT32 HexDigitValue(UINT32 C) {
+[[nodiscard]] constexpr INT32 HexDigitValue(UINT32 C) {
   if (C >= '0' && C <= '9') {
     return static_cast<INT32>(C - '0');
   }

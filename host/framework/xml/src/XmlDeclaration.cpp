@@ -13,12 +13,12 @@ struct PseudoAttribute {
   UINTN ValueLength;
 };
 
-BOOLEAN IsValueChar(CHAR8 C) {
+[[nodiscard]] BOOLEAN IsValueChar(CHAR8 C) {
   return (C >= 'a' && C <= 'z') || (C >= 'A' && C <= 'Z') ||
          (C >= '0' && C <= '9') || C == '.' || C == '-' || C == '_';
 }
 
-BOOLEAN NameIs(const PseudoAttribute &A, const char *Keyword) {
+[[nodiscard]] BOOLEAN NameIs(const PseudoAttribute &A, const char *Keyword) {
   UINTN I = 0;
   for (; I < A.NameLength; I++) {
     if (Keyword[I] == 0 || Keyword[I] != A.Name[I]) {
@@ -28,7 +28,7 @@ BOOLEAN NameIs(const PseudoAttribute &A, const char *Keyword) {
   return Keyword[I] == 0;
 }
 
-BOOLEAN ValueIs(const PseudoAttribute &A, const char *Keyword) {
+[[nodiscard]] BOOLEAN ValueIs(const PseudoAttribute &A, const char *Keyword) {
   UINTN I = 0;
   for (; I < A.ValueLength; I++) {
     if (Keyword[I] == 0 || Keyword[I] != A.Value[I]) {
@@ -43,8 +43,8 @@ enum class Next { Attribute, End, Malformed };
 // Reads the next pseudo-attribute at *Position: white space, a name, '='
 // with optional white space around it, a quoted value. End when only
 // white space is left.
-Next ReadPseudoAttribute(const CHAR8 *Text, UINTN Length, UINTN *Position,
-                         PseudoAttribute *Out) {
+[[nodiscard]] Next ReadPseudoAttribute(const CHAR8 *Text, UINTN Length,
+                                       UINTN *Position, PseudoAttribute *Out) {
   UINTN P = *Position;
   if (P == Length) {
     return Next::End;

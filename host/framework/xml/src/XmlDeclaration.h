@@ -10,6 +10,6 @@ namespace xml_detail {
 // and standalone="yes|no", in that order, each after white space, values
 // in single or double quotes made of [A-Za-z0-9._-], optional trailing
 // white space.
-BOOLEAN IsWellFormedDeclaration(const CHAR8 *Text, UINTN Length);
+[[nodiscard]] BOOLEAN IsWellFormedDeclaration(const CHAR8 *Text, UINTN Length);
 
 }  // namespace xml_detail

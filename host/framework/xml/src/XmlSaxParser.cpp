@@ -108,8 +108,8 @@ using namespace xml_detail;
 
 // Appends a code point to Buffer (UTF-16, a pair above U+FFFF), keeping room
 // for a terminator. FALSE when it does not fit.
-BOOLEAN AppendUtf16(CHAR16 *Buffer, UINT32 Capacity, UINT32 *Used,
-                    UINT32 CodePoint) {
+[[nodiscard]] BOOLEAN AppendUtf16(CHAR16 *Buffer, UINT32 Capacity, UINT32 *Used,
+                                  UINT32 CodePoint) {
   const UINT32 Units = CodePoint > 0xFFFF ? 2 : 1;
   if (*Used + Units + 1 > Capacity) {
     return FALSE;
@@ -125,7 +125,7 @@ BOOLEAN AppendUtf16(CHAR16 *Buffer, UINT32 Capacity, UINT32 *Used,
 }
 
 // Ends the string being built at Buffer[*Used].
-BOOLEAN Terminate(CHAR16 *Buffer, UINT32 Capacity, UINT32 *Used) {
+[[nodiscard]] BOOLEAN Terminate(CHAR16 *Buffer, UINT32 Capacity, UINT32 *Used) {
   if (*Used + 1 > Capacity) {
     return FALSE;
   }
@@ -144,7 +144,7 @@ BOOLEAN SameText(const CHAR16 *A, const CHAR16 *B) {
 // ---- Element stack and start tags -------------------------------------------
 
 // Begins the name of a new element on the name stack.
-BOOLEAN BeginElement(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN BeginElement(XML_SAX_PARSER *P) {
   if (P->Depth >= XML_SAX_MAX_DEPTH) {
     return FALSE;
   }
@@ -154,12 +154,12 @@ BOOLEAN BeginElement(XML_SAX_PARSER *P) {
   return TRUE;
 }
 
-const CHAR16 *TopName(const XML_SAX_PARSER *P) {
+[[nodiscard]] const CHAR16 *TopName(const XML_SAX_PARSER *P) {
   return &P->NameStack[P->NameOffsets[P->Depth - 1]];
 }
 
 // Starts an attribute name or value in the attribute buffer.
-BOOLEAN BeginAttributeText(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN BeginAttributeText(XML_SAX_PARSER *P) {
   if (P->AttributeCount >= 2 * XML_SAX_MAX_ATTRIBUTES) {
     return FALSE;
   }
@@ -167,12 +167,12 @@ BOOLEAN BeginAttributeText(XML_SAX_PARSER *P) {
   return TRUE;
 }
 
-BOOLEAN AppendAttributeChar(XML_SAX_PARSER *P, UINT32 CodePoint) {
+[[nodiscard]] BOOLEAN AppendAttributeChar(XML_SAX_PARSER *P, UINT32 CodePoint) {
   return AppendUtf16(P->Attributes, XML_SAX_ATTRIBUTE_CHARS, &P->AttributesUsed,
                      CodePoint);
 }
 
-BOOLEAN EndAttributeText(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN EndAttributeText(XML_SAX_PARSER *P) {
   return Terminate(P->Attributes, XML_SAX_ATTRIBUTE_CHARS, &P->AttributesUsed);
 }
 
@@ -188,7 +188,7 @@ VOID CloseElement(XML_SAX_PARSER *P) {
 
 // The start tag is complete: refuses a repeated attribute name, reports the
 // element and opens it; an empty-element tag is closed at once.
-BOOLEAN FinishStartTag(XML_SAX_PARSER *P, BOOLEAN Empty) {
+[[nodiscard]] BOOLEAN FinishStartTag(XML_SAX_PARSER *P, BOOLEAN Empty) {
   const UINT32 Pairs = P->AttributeCount / 2;
   for (UINT32 I = 0; I < Pairs; I++) {
     P->AttributeList[2 * I] = &P->Attributes[P->AttributeOffsets[2 * I]];
@@ -215,7 +215,7 @@ BOOLEAN FinishStartTag(XML_SAX_PARSER *P, BOOLEAN Empty) {
 }
 
 // An end tag is complete: it must close the innermost open element.
-BOOLEAN FinishEndTag(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN FinishEndTag(XML_SAX_PARSER *P) {
   P->EndNameText[P->EndNameLength] = 0;
   if (P->Depth == 0 || !SameText(TopName(P), P->EndNameText)) {
     return FALSE;
@@ -229,7 +229,7 @@ BOOLEAN FinishEndTag(XML_SAX_PARSER *P) {
 // ---- References ---------------------------------------------------------------
 
 // A reference produced CodePoint: kept in an attribute value, dropped in text.
-BOOLEAN FinishReference(XML_SAX_PARSER *P, UINT32 CodePoint) {
+[[nodiscard]] BOOLEAN FinishReference(XML_SAX_PARSER *P, UINT32 CodePoint) {
   if (P->RefContext == ReferenceIn::AttributeValue) {
     P->State = Mode::AttributeValue;
     return AppendAttributeChar(P, CodePoint);
@@ -240,7 +240,7 @@ BOOLEAN FinishReference(XML_SAX_PARSER *P, UINT32 CodePoint) {
 }
 
 // The code point of a predefined entity's name, or 0.
-UINT32 PredefinedEntity(const CHAR16 *Name, UINT32 Length) {
+[[nodiscard]] UINT32 PredefinedEntity(const CHAR16 *Name, UINT32 Length) {
   struct Entity {
     const CHAR16 *Name;
     UINT32 Value;
@@ -259,7 +259,7 @@ UINT32 PredefinedEntity(const CHAR16 *Name, UINT32 Length) {
   return 0;
 }
 
-BOOLEAN StepReference(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepReference(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::Reference:
       if (C == '#') {
@@ -325,7 +325,7 @@ BOOLEAN StepReference(XML_SAX_PARSER *P, UINT32 C) {
   }
 }
 
-BOOLEAN BeginReference(XML_SAX_PARSER *P, ReferenceIn Where) {
+[[nodiscard]] BOOLEAN BeginReference(XML_SAX_PARSER *P, ReferenceIn Where) {
   P->RefContext = Where;
   P->State = Mode::Reference;
   P->ReferenceValue = 0;
@@ -335,7 +335,7 @@ BOOLEAN BeginReference(XML_SAX_PARSER *P, ReferenceIn Where) {
 
 // ---- Character data, comments, CDATA, processing instructions ------------------
 
-BOOLEAN StepText(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepText(XML_SAX_PARSER *P, UINT32 C) {
   if (C == '<') {
     P->MarkupAtStart = P->Characters == 0;
     P->State = Mode::MarkupOpen;
@@ -354,7 +354,7 @@ BOOLEAN StepText(XML_SAX_PARSER *P, UINT32 C) {
   return TRUE;
 }
 
-BOOLEAN StepMarkupOpen(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepMarkupOpen(XML_SAX_PARSER *P, UINT32 C) {
   if (C == '/') {
     P->EndNameLength = 0;
     P->State = Mode::EndName;
@@ -381,7 +381,7 @@ BOOLEAN StepMarkupOpen(XML_SAX_PARSER *P, UINT32 C) {
   return TRUE;
 }
 
-BOOLEAN StepBang(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepBang(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::Bang:
       if (C == '-') {
@@ -413,7 +413,7 @@ BOOLEAN StepBang(XML_SAX_PARSER *P, UINT32 C) {
   }
 }
 
-BOOLEAN StepComment(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepComment(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::Comment:
       if (C == '-') {
@@ -432,7 +432,7 @@ BOOLEAN StepComment(XML_SAX_PARSER *P, UINT32 C) {
   }
 }
 
-BOOLEAN StepCdata(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepCdata(XML_SAX_PARSER *P, UINT32 C) {
   if (C == '>' && P->Brackets >= 2) {
     P->State = Mode::Text;
     P->Brackets = 0;
@@ -444,7 +444,7 @@ BOOLEAN StepCdata(XML_SAX_PARSER *P, UINT32 C) {
 
 // Ends the processing instruction's target: "xml" in any case is reserved,
 // and the lower-case one is the declaration, only at the very start.
-BOOLEAN FinishPiTarget(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN FinishPiTarget(XML_SAX_PARSER *P) {
   if (P->PiTargetLength != 3) {
     return TRUE;
   }
@@ -462,7 +462,7 @@ BOOLEAN FinishPiTarget(XML_SAX_PARSER *P) {
   return TRUE;
 }
 
-BOOLEAN AppendDeclaration(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN AppendDeclaration(XML_SAX_PARSER *P, UINT32 C) {
   if (!P->PiIsDeclaration) {
     return TRUE;
   }
@@ -473,14 +473,14 @@ BOOLEAN AppendDeclaration(XML_SAX_PARSER *P, UINT32 C) {
   return TRUE;
 }
 
-BOOLEAN FinishPi(XML_SAX_PARSER *P) {
+[[nodiscard]] BOOLEAN FinishPi(XML_SAX_PARSER *P) {
   P->State = Mode::Text;
   P->Brackets = 0;
   return !P->PiIsDeclaration ||
          IsWellFormedDeclaration(P->Declaration, P->DeclarationLength);
 }
 
-BOOLEAN StepPi(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepPi(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::PiTarget:
       if (P->PiTargetLength == 0) {
@@ -529,7 +529,7 @@ BOOLEAN StepPi(XML_SAX_PARSER *P, UINT32 C) {
 
 // ---- Tags ----------------------------------------------------------------------
 
-BOOLEAN StepStartTag(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepStartTag(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::StartName:
       if (IsNameChar(C)) {
@@ -603,7 +603,7 @@ BOOLEAN StepStartTag(XML_SAX_PARSER *P, UINT32 C) {
   }
 }
 
-BOOLEAN StepAttributeValue(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepAttributeValue(XML_SAX_PARSER *P, UINT32 C) {
   const BOOLEAN AfterCr = P->PendingCr;
   P->PendingCr = FALSE;
   if (C == P->AttributeQuote) {
@@ -625,7 +625,7 @@ BOOLEAN StepAttributeValue(XML_SAX_PARSER *P, UINT32 C) {
   return AppendAttributeChar(P, IsXmlSpace(C) ? ' ' : C);
 }
 
-BOOLEAN StepEndTag(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN StepEndTag(XML_SAX_PARSER *P, UINT32 C) {
   if (P->State == Mode::EndName) {
     const BOOLEAN Valid = P->EndNameLength == 0 ? IsNameStartChar(C) : IsNameChar(C);
     if (Valid) {
@@ -654,7 +654,7 @@ BOOLEAN StepEndTag(XML_SAX_PARSER *P, UINT32 C) {
 // ---- Dispatch --------------------------------------------------------------------
 
 // Hands one character to the step function of the current state.
-BOOLEAN Dispatch(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN Dispatch(XML_SAX_PARSER *P, UINT32 C) {
   switch (P->State) {
     case Mode::Text:
       return StepText(P, C);
@@ -700,7 +700,7 @@ BOOLEAN Dispatch(XML_SAX_PARSER *P, UINT32 C) {
 }
 
 // Advances the state machine by one character of the document.
-BOOLEAN Step(XML_SAX_PARSER *P, UINT32 C) {
+[[nodiscard]] BOOLEAN Step(XML_SAX_PARSER *P, UINT32 C) {
   if (C == 0xFEFF && P->Offset == 2) {
     return TRUE;  // a byte order mark: the document's first three bytes
   }
@@ -714,7 +714,7 @@ BOOLEAN Step(XML_SAX_PARSER *P, UINT32 C) {
 
 // Decodes one byte; a completed code point goes to Step. Overlong forms,
 // surrogates and values above U+10FFFF are malformed.
-BOOLEAN DecodeByte(XML_SAX_PARSER *P, UINT8 Byte) {
+[[nodiscard]] BOOLEAN DecodeByte(XML_SAX_PARSER *P, UINT8 Byte) {
   if (P->Utf8Pending == 0) {
     if (Byte < 0x80) {
       return Step(P, Byte);
@@ -751,7 +751,7 @@ BOOLEAN DecodeByte(XML_SAX_PARSER *P, UINT8 Byte) {
   return Step(P, Value);
 }
 
-EFI_STATUS Fail(XML_SAX_PARSER *P) {
+[[nodiscard]] EFI_STATUS Fail(XML_SAX_PARSER *P) {
   if (!P->Failed) {
     P->Failed = TRUE;
     P->ErrorOffset = P->Offset;

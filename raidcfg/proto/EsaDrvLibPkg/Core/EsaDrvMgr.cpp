@@ -49,8 +49,9 @@ VOID TraceFoundControllers(const CHAR8 *Caller) {
 
 // Gives one controller its card number and tool type by its backend family.
 // A non-zero result of a backend's own card search aborts start-up.
-EFI_STATUS NumberCard(const CHAR8 *Caller, RAID_CONTROLLER *Controller, CardCounters *Counters,
-                      UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS NumberCard(const CHAR8 *Caller,
+                                    RAID_CONTROLLER *Controller,
+                                    CardCounters *Counters, UINT32 *ErrorCode) {
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
   switch (RaidLibControllerFamily(Controller)) {
     case RAID_FAMILY_STORCLI:
@@ -82,7 +83,7 @@ EFI_STATUS NumberCard(const CHAR8 *Caller, RAID_CONTROLLER *Controller, CardCoun
   return EFI_SUCCESS;
 }
 
-EFI_STATUS NumberCards(const CHAR8 *Caller, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS NumberCards(const CHAR8 *Caller, UINT32 *ErrorCode) {
   CardCounters Counters;
   EFI_STATUS Status = EFI_SUCCESS;
   for (RAID_CONTROLLER *Controller :
@@ -106,8 +107,10 @@ EFI_STATUS NumberCards(const CHAR8 *Caller, UINT32 *ErrorCode) {
 
 // Scans the bus, orders the devices by the host's slots and builds the
 // controllers that pcidb.xml names. *Made counts them.
-EFI_STATUS DiscoverControllers(const CHAR8 *Caller, const SLOT_INVENTORY_ENTRY *Slots,
-                               UINTN SlotCount, UINTN *Made, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS DiscoverControllers(const CHAR8 *Caller,
+                                             const SLOT_INVENTORY_ENTRY *Slots,
+                                             UINTN SlotCount, UINTN *Made,
+                                             UINT32 *ErrorCode) {
   LIST_ENTRY ScanList;
   LIST_ENTRY OrderedList;
   LIST_ENTRY PcidbList;
@@ -189,12 +192,12 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
   RaidLibTraceVersion();
   *ErrorCode = 0;
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  // A list head never initialised (no InitializeRaid yet) holds nothing.
+  // A list head never initialised (no InitializeRaid yet) holds nothing,
+  // and is left as it is.
   if (IsListLive(&gControllerList)) {
-    while (!IsListEmpty(&gControllerList)) {
-      LIST_ENTRY *Node = GetFirstNode(&gControllerList);
-      RemoveEntryList(Node);
-      RaidLibFreeController(uefi::RecordOf<&RAID_CONTROLLER::Link>(Node));
+    while (RAID_CONTROLLER *Controller =
+               uefi::TakeFirst<&RAID_CONTROLLER::Link>(&gControllerList)) {
+      RaidLibFreeController(Controller);
     }
   }
   if (gRaidToolOutputCopy != nullptr) {

@@ -23,7 +23,7 @@ constexpr SignatureFamily kSignatureFamilies[] = {
 
 // TRUE when Signature holds Tag and then zeros. The signature is read up
 // to its first zero or its 8 bytes, so a short C string works too.
-bool SignatureIs(const CHAR8 *Signature, const CHAR8 *Tag) {
+[[nodiscard]] bool SignatureIs(const CHAR8 *Signature, const CHAR8 *Tag) {
   for (UINTN I = 0; I < RAID_SIGNATURE_SIZE; I++) {
     if (Signature[I] != Tag[I]) {
       return false;
@@ -48,7 +48,7 @@ VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
 
 // A controller the binding applies to: matched, profiled, with a private
 // record.
-bool IsBindable(const RAID_CONTROLLER *Controller) {
+[[nodiscard]] bool IsBindable(const RAID_CONTROLLER *Controller) {
   return Controller->ToolType != RAID_TOOL_TYPE_UNMATCHED &&
          Controller->Capability != nullptr && Controller->Private != nullptr;
 }

@@ -7,8 +7,8 @@
 
 namespace {
 
-const PCIDB_ENTRY *FindDatabaseEntry(LIST_ENTRY *PcidbList,
-                                     const PCI_BUS_DEVICE *Device) {
+[[nodiscard]] const PCIDB_ENTRY *FindDatabaseEntry(
+    LIST_ENTRY *PcidbList, const PCI_BUS_DEVICE *Device) {
   for (PCIDB_ENTRY *Entry : uefi::ListOf<&PCIDB_ENTRY::Link>(*PcidbList)) {
     if (Entry->VendorId == Device->VendorId &&
         Entry->DeviceId == Device->DeviceId &&
@@ -28,7 +28,8 @@ VOID InitializeControllerLists(RAID_CONTROLLER *Controller) {
 
 // A controller record with its private record for one device, not yet
 // matched; NULL when the pool is exhausted.
-RAID_CONTROLLER *NewController(const PCI_BUS_DEVICE *Device, UINT32 Id) {
+[[nodiscard]] RAID_CONTROLLER *NewController(const PCI_BUS_DEVICE *Device,
+                                             UINT32 Id) {
   RAID_CONTROLLER *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
   if (Controller == nullptr) {
     return nullptr;

@@ -36,12 +36,12 @@ typedef struct {
 
 
 // Lists the RAID, SAS and (Marvell) SATA AHCI functions into List.
-EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode);
 VOID ReleasePciBusDeviceList(LIST_ENTRY *List);
 
 // The SMBIOS system-slot id of the first type 9 record on Bus, or
 // RAID_SLOT_NUMBER_NONE.
-UINT16 RaidLibGetSmbiosSlotNumber(UINT8 Bus);
+[[nodiscard]] UINT16 RaidLibGetSmbiosSlotNumber(UINT8 Bus);
 
 // The host's slot inventory, fetched once per discovery; Count 0 when the
 // host has none.
@@ -55,23 +55,29 @@ VOID RaidLibOrderBySlotInventory(LIST_ENTRY *ScanList, LIST_ENTRY *Ordered,
 
 // Parses a file at the root of the module's own volume. A missing file is
 // not a failure.
-EFI_STATUS RaidLibParseXml(const CHAR16 *FileName, TARNXML_START_ELEMENT Start,
-                           TARNXML_END_ELEMENT End, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RaidLibParseXml(const CHAR16 *FileName,
+                                         TARNXML_START_ELEMENT Start,
+                                         TARNXML_END_ELEMENT End,
+                                         UINT32 *ErrorCode);
 
 // Forgets the parser protocol located by RaidLibParseXml (module unload).
 VOID RaidLibResetXmlParser();
 
 // Reads pcidb.xml into PcidbList.
-EFI_STATUS RaidLibReadPcidb(LIST_ENTRY *PcidbList, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RaidLibReadPcidb(LIST_ENTRY *PcidbList,
+                                          UINT32 *ErrorCode);
 VOID ReleasePcidbList(LIST_ENTRY *List);
 
 // Makes a controller for every ordered device that the database names and
 // appends it to gControllerList; *Made counts them.
-EFI_STATUS RaidLibBuildControllers(LIST_ENTRY *Ordered, LIST_ENTRY *PcidbList,
-                                   UINTN *Made, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RaidLibBuildControllers(LIST_ENTRY *Ordered,
+                                                 LIST_ENTRY *PcidbList,
+                                                 UINTN *Made,
+                                                 UINT32 *ErrorCode);
 
 // Reconnects the adapter's UEFI driver after its configuration changed.
-EFI_STATUS UpdateRaidControllerDeviceDriver(RAID_CONTROLLER *Controller);
+[[nodiscard]] EFI_STATUS UpdateRaidControllerDeviceDriver(
+    RAID_CONTROLLER *Controller);
 
 // 1 while the Microchip card numbers must be mapped by slot again (so at
 // start, and after a change on one of several Microchip adapters, whose

@@ -9,8 +9,9 @@ namespace {
 
 // The controller, its private record and (unless only the drive state is
 // changed) its capability must be present.
-bool ControllerUsable(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
-                      UINT32 *ErrorCode) {
+[[nodiscard]] bool ControllerUsable(const CHAR8 *Caller,
+                                    const RAID_CONTROLLER *Controller,
+                                    UINT32 *ErrorCode) {
   if (Controller == nullptr || Controller->Private == nullptr ||
       Controller->Capability == nullptr) {
     RAID_LIB_TRACE_AS(
@@ -22,8 +23,9 @@ bool ControllerUsable(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
   return true;
 }
 
-bool ControllerPresent(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
-                       UINT32 *ErrorCode) {
+[[nodiscard]] bool ControllerPresent(const CHAR8 *Caller,
+                                     const RAID_CONTROLLER *Controller,
+                                     UINT32 *ErrorCode) {
   if (Controller == nullptr || Controller->Private == nullptr) {
     RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                       "[%a]Controller/Controller->Private is NULL.\n");
@@ -35,16 +37,17 @@ bool ControllerPresent(const CHAR8 *Caller, const RAID_CONTROLLER *Controller,
 
 // A missing backend operation: its message, and the same error code as a
 // missing controller.
-EFI_STATUS OperationMissing(const CHAR8 *Caller, const CHAR8 *Message,
-                            UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS OperationMissing(const CHAR8 *Caller,
+                                          const CHAR8 *Message,
+                                          UINT32 *ErrorCode) {
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, Message);
   *ErrorCode = RAID_ERROR_MISSING;
   return EFI_ABORTED;
 }
 
 // After a successful change the adapter's UEFI driver is reconnected.
-EFI_STATUS ReconnectAfterChange(const CHAR8 *Caller,
-                                RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReconnectAfterChange(const CHAR8 *Caller,
+                                              RAID_CONTROLLER *Controller) {
   EFI_STATUS Status = UpdateRaidControllerDeviceDriver(Controller);
   if (EFI_ERROR(Status)) {
     RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
@@ -57,8 +60,10 @@ EFI_STATUS ReconnectAfterChange(const CHAR8 *Caller,
 
 // The outcome of a delete or create: a failure is traced and returned with
 // the backend's error code; a success reconnects the driver.
-EFI_STATUS FinishChange(const CHAR8 *Caller, const CHAR8 *FailureMessage,
-                        RAID_CONTROLLER *Controller, EFI_STATUS Status) {
+[[nodiscard]] EFI_STATUS FinishChange(const CHAR8 *Caller,
+                                      const CHAR8 *FailureMessage,
+                                      RAID_CONTROLLER *Controller,
+                                      EFI_STATUS Status) {
   if (EFI_ERROR(Status)) {
     RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, FailureMessage);
     return Status;
@@ -66,10 +71,11 @@ EFI_STATUS FinishChange(const CHAR8 *Caller, const CHAR8 *FailureMessage,
   return ReconnectAfterChange(Caller, Controller);
 }
 
-EFI_STATUS ReadControllerInfo(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                              RAID_CONTROLLER_PRIVATE *Private,
-                              RAID_CONTROLLER **ControllerOut,
-                              UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS ReadControllerInfo(const CHAR8 *Caller,
+                                            RAID_CONTROLLER *Controller,
+                                            RAID_CONTROLLER_PRIVATE *Private,
+                                            RAID_CONTROLLER **ControllerOut,
+                                            UINT32 *ErrorCode) {
   *ErrorCode = 0;
   if (!ControllerUsable(Caller, Controller, ErrorCode)) {
     return EFI_ABORTED;

@@ -65,9 +65,11 @@ constexpr const CHAR16 *kInvalidState = u"Invalid State";
 constexpr const CHAR16 *kUnknownError = u"Unknown Error";
 
 // The message index k of an error code: its low 12 bits.
-constexpr UINT32 MessageIndex(UINT32 ErrorCode) { return ErrorCode & 0xFFF; }
+[[nodiscard]] constexpr UINT32 MessageIndex(UINT32 ErrorCode) {
+  return ErrorCode & 0xFFF;
+}
 
-constexpr bool HasMessage(UINT32 Index) {
+[[nodiscard]] constexpr bool HasMessage(UINT32 Index) {
   return Index >= RAID_ERROR_MESSAGE_FIRST && Index <= RAID_ERROR_MESSAGE_LAST;
 }
 

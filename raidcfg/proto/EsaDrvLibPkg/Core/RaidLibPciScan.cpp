@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const CHAR8 *kScanFunction = "RaidLibScanPciBus";
-
 constexpr UINT8 kClassMassStorage = 0x01;
 constexpr UINT8 kSubClassRaid = 0x04;
 constexpr UINT8 kSubClassSata = 0x06;
@@ -33,7 +31,7 @@ constexpr ExcludedDevice kExcludedDevices[] = {
     {kVendorBroadcom, 0x00B2}, {kVendorBroadcom, 0x00E6},
 };
 
-bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
+[[nodiscard]] bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
   for (const ExcludedDevice &Excluded : kExcludedDevices) {
     if (Entry->VendorId == Excluded.VendorId &&
         Entry->DeviceId == Excluded.DeviceId) {
@@ -45,8 +43,8 @@ bool IsExcluded(const PCI_BUS_DEVICE *Entry) {
 
 // Reads one 32-bit configuration word; false when the read fails or the
 // function answers all ones.
-bool ReadIdPair(EFI_PCI_IO_PROTOCOL *PciIo, UINT32 Offset, UINT16 *Low,
-                UINT16 *High) {
+[[nodiscard]] bool ReadIdPair(EFI_PCI_IO_PROTOCOL *PciIo, UINT32 Offset,
+                              UINT16 *Low, UINT16 *High) {
   UINT32 Value = 0xFFFFFFFF;
   EFI_STATUS Status =
       PciIo->Pci.Read(PciIo, EfiPciIoWidthUint32, Offset, 1, &Value);
@@ -71,14 +69,18 @@ VOID FillEntry(PCI_BUS_DEVICE *Entry, EFI_PCI_IO_PROTOCOL *PciIo,
     Entry->Device = (UINT8)Device;
     Entry->Function = (UINT8)Function;
   }
-  ReadIdPair(PciIo, 0x00, &Entry->VendorId, &Entry->DeviceId);
-  ReadIdPair(PciIo, 0x2C, &Entry->SubVendorId, &Entry->SubDeviceId);
+  // A word that cannot be read leaves its ids 0, which name no adapter
+  // family: the function is judged on them like any other.
+  (VOID) ReadIdPair(PciIo, 0x00, &Entry->VendorId, &Entry->DeviceId);
+  (VOID) ReadIdPair(PciIo, 0x2C, &Entry->SubVendorId, &Entry->SubDeviceId);
   Entry->PciIoHandle = Handle;
   Entry->SlotNumber = RaidLibGetSmbiosSlotNumber(Entry->Bus);
 }
 
 // Decides for one handle; the entry is either linked into List or freed.
-EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
+// Traced under Caller's name, the scan's.
+[[nodiscard]] EFI_STATUS ScanOneFunction(const CHAR8 *Caller, EFI_HANDLE Handle,
+                                         LIST_ENTRY *List) {
   EFI_PCI_IO_PROTOCOL *PciIo = nullptr;
   if (EFI_ERROR(gBS->HandleProtocol(Handle, &gEfiPciIoProtocolGuid,
                                     (VOID **)&PciIo)) ||
@@ -112,9 +114,9 @@ EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
   FillEntry(Entry, PciIo, Handle);
 
   if (ProgIf != 0) {
-    RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
-                   "[%a]Pci bus(SATA): 0x%x, Dev: 0x%x, Func: 0x%x\n",
-                   Entry->Bus, Entry->Device, Entry->Function);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]Pci bus(SATA): 0x%x, Dev: 0x%x, Func: 0x%x\n",
+                      Entry->Bus, Entry->Device, Entry->Function);
     // Only Marvell's M.2 RAID adapters present themselves as AHCI.
     if (Entry->VendorId != kVendorMarvell) {
       FreePool(Entry);
@@ -126,9 +128,9 @@ EFI_STATUS ScanOneFunction(EFI_HANDLE Handle, LIST_ENTRY *List) {
     return EFI_SUCCESS;
   }
 
-  RAID_LIB_TRACE_AS(kScanFunction, TARN_DEBUG_INFO,
-                 "[%a]Pci bus(RAID): 0x%x, Dev: 0x%x, Func: 0x%x\n", Entry->Bus,
-                 Entry->Device, Entry->Function);
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                    "[%a]Pci bus(RAID): 0x%x, Dev: 0x%x, Func: 0x%x\n",
+                    Entry->Bus, Entry->Device, Entry->Function);
   if (IsExcluded(Entry)) {
     FreePool(Entry);
   } else {
@@ -153,7 +155,7 @@ EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode) {
     return EFI_NOT_FOUND;
   }
   for (UINTN Index = 0; Index < HandleCount; Index++) {
-    if (EFI_ERROR(ScanOneFunction(Handles[Index], List))) {
+    if (EFI_ERROR(ScanOneFunction(__func__, Handles[Index], List))) {
       FreePool(Handles);
       ReleasePciBusDeviceList(List);
       *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
@@ -167,10 +169,8 @@ EFI_STATUS RaidLibScanPciBus(LIST_ENTRY *List, UINT32 *ErrorCode) {
 // Frees every entry of a scan or ordered list.
 VOID ReleasePciBusDeviceList(LIST_ENTRY *List) {
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  while (!IsListEmpty(List)) {
-    LIST_ENTRY *Node = GetFirstNode(List);
-    RemoveEntryList(Node);
-    FreePool(uefi::RecordOf<&PCI_BUS_DEVICE::Link>(Node));
+  while (PCI_BUS_DEVICE *Entry = uefi::TakeFirst<&PCI_BUS_DEVICE::Link>(List)) {
+    FreePool(Entry);
   }
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] end\n");
 }

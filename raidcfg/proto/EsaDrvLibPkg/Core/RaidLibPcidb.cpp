@@ -18,7 +18,8 @@ constinit BOOLEAN gPcidbOutOfResources = FALSE;
 constexpr const CHAR16 *kStorageAttributes[] = {
     u"id", u"vendorid", u"deviceid", u"subvendor", u"subdevice", u"devname"};
 
-bool AttributeAt(const CHAR16 **Attributes, UINTN Position, const CHAR16 **Value) {
+[[nodiscard]] bool AttributeAt(const CHAR16 **Attributes, UINTN Position,
+                               const CHAR16 **Value) {
   // The list ends at a NULL name; a NULL value ends it too, so that a list
   // cut after a name is never read past.
   for (UINTN Index = 0; Index <= Position; Index++) {
@@ -97,10 +98,7 @@ EFI_STATUS RaidLibReadPcidb(LIST_ENTRY *PcidbList, UINT32 *ErrorCode) {
 // Frees the database entries and their two strings.
 VOID ReleasePcidbList(LIST_ENTRY *List) {
   RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] start\n");
-  while (!IsListEmpty(List)) {
-    LIST_ENTRY *Node = GetFirstNode(List);
-    RemoveEntryList(Node);
-    PCIDB_ENTRY *Entry = uefi::RecordOf<&PCIDB_ENTRY::Link>(Node);
+  while (PCIDB_ENTRY *Entry = uefi::TakeFirst<&PCIDB_ENTRY::Link>(List)) {
     FreePool(Entry->StorageId);
     FreePool(Entry->DevName);
     FreePool(Entry);

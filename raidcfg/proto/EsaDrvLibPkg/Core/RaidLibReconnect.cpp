@@ -12,20 +12,21 @@ constinit UINT32 gMchpCtrlCount = 0;
 
 namespace {
 
-constexpr const CHAR8 *kUpdateDriver = "UpdateRaidControllerDeviceDriver";
-
-bool HasSignature(const RAID_CONTROLLER *Controller, const CHAR8 *Signature) {
+[[nodiscard]] bool HasSignature(const RAID_CONTROLLER *Controller,
+                                const CHAR8 *Signature) {
   return RaidLibControllerFamily(Controller) ==
          RaidLibFamilyOfSignature(Signature);
 }
 
-bool UsesTool(const RAID_CONTROLLER *Controller, const CHAR16 *ToolName) {
+[[nodiscard]] bool UsesTool(const RAID_CONTROLLER *Controller,
+                            const CHAR16 *ToolName) {
   const RAID_CAPABILITY *Capability = Controller->Capability;
   return Capability != nullptr && Capability->ToolName != nullptr &&
          StrCmp(Capability->ToolName, ToolName) == 0;
 }
 
-bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
+[[nodiscard]] bool IsFullReconnectMarvellBoard(
+    const RAID_CONTROLLER *Controller) {
   const RAID_CAPABILITY *Capability = Controller->Capability;
   return Capability != nullptr && Capability->ControllerName != nullptr &&
          StrStr(Capability->ControllerName, kMarvellFullReconnectBoard) !=
@@ -33,33 +34,39 @@ bool IsFullReconnectMarvellBoard(const RAID_CONTROLLER *Controller) {
 }
 
 // Marvell M.2 adapters are only connected: their driver does not survive a
-// disconnect while the boot device sits behind it.
-EFI_STATUS ConnectOnly(EFI_HANDLE Handle) {
-  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] M.2 card skip the operation\n");
+// disconnect while the boot device sits behind it. Traced under Caller's
+// name, as is the reconnect below.
+[[nodiscard]] EFI_STATUS ConnectOnly(const CHAR8 *Caller, EFI_HANDLE Handle) {
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                    "[%a] M.2 card skip the operation\n");
   EFI_STATUS Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
-                   "[%a]<err> Only connect the controller error, ingore %r\n",
-                   Status);
+    RAID_LIB_TRACE_AS(
+        Caller, TARN_DEBUG_INFO,
+        "[%a]<err> Only connect the controller error, ingore %r\n", Status);
   }
   return EFI_SUCCESS;
 }
 
-EFI_STATUS DisconnectAndConnect(EFI_HANDLE Handle) {
-  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] Disconnect the controller driver\n");
+[[nodiscard]] EFI_STATUS DisconnectAndConnect(const CHAR8 *Caller,
+                                              EFI_HANDLE Handle) {
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                    "[%a] Disconnect the controller driver\n");
   EFI_STATUS Status = gBS->DisconnectController(Handle, nullptr, nullptr);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
-                   "[%a]<err> Cannot disconnect the controller %r\n", Status);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]<err> Cannot disconnect the controller %r\n",
+                      Status);
   }
-  RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO, "[%a] Connect the controller driver\n");
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                    "[%a] Connect the controller driver\n");
   Status = gBS->ConnectController(Handle, nullptr, nullptr, TRUE);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
-                   "[%a]<err> Cannot connect the controller %r\n", Status);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]<err> Cannot connect the controller %r\n", Status);
   } else {
-    RAID_LIB_TRACE_AS(kUpdateDriver, TARN_DEBUG_INFO,
-                   "[%a] Reconnect device driver successfully.\n");
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a] Reconnect device driver successfully.\n");
   }
   return Status;
 }
@@ -81,7 +88,7 @@ EFI_STATUS UpdateRaidControllerDeviceDriver(RAID_CONTROLLER *Controller) {
   EFI_HANDLE Handle = Controller->Private->PciIoHandle;
   if (UsesTool(Controller, u"mvsetup.efi") &&
       !IsFullReconnectMarvellBoard(Controller)) {
-    return ConnectOnly(Handle);
+    return ConnectOnly(__func__, Handle);
   }
-  return DisconnectAndConnect(Handle);
+  return DisconnectAndConnect(__func__, Handle);
 }

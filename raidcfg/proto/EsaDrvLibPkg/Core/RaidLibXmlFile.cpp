@@ -10,12 +10,13 @@
 
 namespace {
 
-constexpr const CHAR8 *kParseXml = "RaidLibParseXml";
 constexpr UINTN kXmlChunkSize = 8192;
 
 constinit EFI_TARNXML_PROTOCOL *gTarnXml = nullptr;
 
-EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
+// The helpers below trace under Caller's name, the file read's.
+[[nodiscard]] EFI_STATUS LocateXmlParser(const CHAR8 *Caller,
+                                         UINT32 *ErrorCode) {
   if (gTarnXml != nullptr) {
     return EFI_SUCCESS;
   }
@@ -23,8 +24,9 @@ EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
       gBS->LocateProtocol(&gEfiTarnXmlProtocolGuid, nullptr, (VOID **)&gTarnXml);
   if (EFI_ERROR(Status) || gTarnXml == nullptr) {
     gTarnXml = nullptr;
-    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_INFO,
-                   "[%a]LocateProtocol(EFI_TARNXML_PROTOCOL): %r.\n", Status);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                      "[%a]LocateProtocol(EFI_TARNXML_PROTOCOL): %r.\n",
+                      Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
     return EFI_ERROR(Status) ? Status : EFI_NOT_FOUND;
   }
@@ -32,14 +34,16 @@ EFI_STATUS LocateXmlParser(UINT32 *ErrorCode) {
 }
 
 // The root directory of the volume the module was loaded from.
-EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS OpenOwnVolume(const CHAR8 *Caller,
+                                       EFI_FILE_PROTOCOL **Root,
+                                       UINT32 *ErrorCode) {
   EFI_LOADED_IMAGE_PROTOCOL *LoadedImage = nullptr;
   EFI_STATUS Status = gBS->HandleProtocol(
       gImageHandle, &gEfiLoadedImageProtocolGuid, (VOID **)&LoadedImage);
   if (EFI_ERROR(Status) || LoadedImage == nullptr) {
-    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_ERROR,
-                   "[%a]ERROR: HandleProtocol(gEfiLoadedImageProtocolGuid) %r.\n",
-                   Status);
+    RAID_LIB_TRACE_AS(
+        Caller, TARN_DEBUG_ERROR,
+        "[%a]ERROR: HandleProtocol(gEfiLoadedImageProtocolGuid) %r.\n", Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
     return EFI_ERROR(Status) ? Status : EFI_NOT_FOUND;
   }
@@ -48,8 +52,8 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
                                &gEfiSimpleFileSystemProtocolGuid,
                                (VOID **)&FileSystem);
   if (EFI_ERROR(Status) || FileSystem == nullptr) {
-    RAID_LIB_TRACE_AS(kParseXml, 
-        TARN_DEBUG_ERROR,
+    RAID_LIB_TRACE_AS(
+        Caller, TARN_DEBUG_ERROR,
         "[%a]ERROR: HandleProtocol(gEfiSimpleFileSystemProtocolGuid) %r.\n",
         Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
@@ -57,9 +61,9 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
   }
   Status = FileSystem->OpenVolume(FileSystem, Root);
   if (EFI_ERROR(Status)) {
-    RAID_LIB_TRACE_AS(kParseXml, TARN_DEBUG_ERROR,
-                   "[%a]ERROR: SimpleFileSystemProtocol OpenVolume %r.\n",
-                   Status);
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                      "[%a]ERROR: SimpleFileSystemProtocol OpenVolume %r.\n",
+                      Status);
     *ErrorCode = RAID_ERROR_NOT_FOUND;
     return Status;
   }
@@ -102,7 +106,7 @@ EFI_STATUS OpenOwnVolume(EFI_FILE_PROTOCOL **Root, UINT32 *ErrorCode) {
 // memory is EFI_OUT_OF_RESOURCES.
 EFI_STATUS RaidLibParseXml(const CHAR16 *FileName, TARNXML_START_ELEMENT Start,
                            TARNXML_END_ELEMENT End, UINT32 *ErrorCode) {
-  EFI_STATUS Status = LocateXmlParser(ErrorCode);
+  EFI_STATUS Status = LocateXmlParser(__func__, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -116,7 +120,7 @@ EFI_STATUS RaidLibParseXml(const CHAR16 *FileName, TARNXML_START_ELEMENT Start,
   gTarnXml->SetElementHandler(Parser, Start, End);
 
   EFI_FILE_PROTOCOL *Root = nullptr;
-  Status = OpenOwnVolume(&Root, ErrorCode);
+  Status = OpenOwnVolume(__func__, &Root, ErrorCode);
   if (EFI_ERROR(Status)) {
     gTarnXml->ParserFree(Parser);
     return Status;

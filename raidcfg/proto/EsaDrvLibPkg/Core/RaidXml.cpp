@@ -98,13 +98,13 @@ struct ProfileAttributes {
   const CHAR16 *Default;
 };
 
-bool NameIs(const CHAR16 *Name, const CHAR16 *Expected) {
+[[nodiscard]] bool NameIs(const CHAR16 *Name, const CHAR16 *Expected) {
   return StrCmp(Name, Expected) == 0;
 }
 
 // Reads "ID" from the first pair and "DEFAULT" from the second. A pair
 // missing its value ends the list.
-ProfileAttributes ReadAttributes(const CHAR16 **Attributes) {
+[[nodiscard]] ProfileAttributes ReadAttributes(const CHAR16 **Attributes) {
   ProfileAttributes Result = {nullptr, nullptr};
   if (Attributes == nullptr || Attributes[0] == nullptr ||
       Attributes[1] == nullptr) {
@@ -120,11 +120,11 @@ ProfileAttributes ReadAttributes(const CHAR16 **Attributes) {
   return Result;
 }
 
-UINT32 ReadNumber(const CHAR16 *Text) {
+[[nodiscard]] UINT32 ReadNumber(const CHAR16 *Text) {
   return static_cast<UINT32>(RaidLibReadDecimal(Text));
 }
 
-UINT8 ReadIsDefault(const CHAR16 *Default) {
+[[nodiscard]] UINT8 ReadIsDefault(const CHAR16 *Default) {
   return (Default != nullptr && RaidLibReadDecimal(Default) == 1) ? 1 : 0;
 }
 
@@ -134,7 +134,7 @@ VOID ReplaceText(CHAR16 **Field, const CHAR16 *Text) {
   Noted(RaidLibCopyText(Text, Field));
 }
 
-RAID_CAPABILITY *NewCapability() {
+[[nodiscard]] RAID_CAPABILITY *NewCapability() {
   RAID_CAPABILITY *Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
   if (Capability == nullptr) {
     return nullptr;
@@ -246,7 +246,8 @@ VOID ApplyStartElement(RAID_CAPABILITY *Capability, const CHAR16 *Name,
 
 // A controller of the family that CONTROLLER's ID names: matched in the
 // database, with a private record whose StorageId is that ID exactly.
-bool IsOfFamily(const RAID_CONTROLLER *Controller, const CHAR16 *Family) {
+[[nodiscard]] bool IsOfFamily(const RAID_CONTROLLER *Controller,
+                              const CHAR16 *Family) {
   return Family != nullptr && Controller->ToolType != RAID_TOOL_TYPE_UNMATCHED &&
          Controller->Private != nullptr &&
          Controller->Private->StorageId != nullptr &&
@@ -284,7 +285,7 @@ VOID HandOutCapability() {
 // Copies a list of named profile records (levels or policies); FALSE when
 // the pool ran out.
 template <typename Record>
-bool CopyNamedRecords(LIST_ENTRY *Target, LIST_ENTRY *Source) {
+[[nodiscard]] bool CopyNamedRecords(LIST_ENTRY *Target, LIST_ENTRY *Source) {
   for (Record *From : uefi::ListOf<&Record::Link>(*Source)) {
     Record *Copy = uefi::AllocateRecord<Record>();
     if (Copy == nullptr) {
@@ -300,11 +301,11 @@ bool CopyNamedRecords(LIST_ENTRY *Target, LIST_ENTRY *Source) {
   return true;
 }
 
-bool CopyLevels(LIST_ENTRY *Target, LIST_ENTRY *Source) {
+[[nodiscard]] bool CopyLevels(LIST_ENTRY *Target, LIST_ENTRY *Source) {
   return CopyNamedRecords<RAID_LEVEL_CAP>(Target, Source);
 }
 
-bool CopyPolicies(LIST_ENTRY *Target, LIST_ENTRY *Source) {
+[[nodiscard]] bool CopyPolicies(LIST_ENTRY *Target, LIST_ENTRY *Source) {
   return CopyNamedRecords<RAID_POLICY_ENTRY>(Target, Source);
 }
 

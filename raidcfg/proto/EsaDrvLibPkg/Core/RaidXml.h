@@ -24,11 +24,12 @@ VOID RaidXmlResetParserState();
 // Whether an allocation failed since the last reset: an element was dropped
 // or a controller got no copy of its family's record, so the profile in the
 // model is not the one the file describes.
-BOOLEAN RaidXmlShortOfMemory();
+[[nodiscard]] BOOLEAN RaidXmlShortOfMemory();
 // Frees a record that no CONTROLLER end handed out (a truncated file, or
 // one read with no controllers) and clears the parser state.
 VOID RaidXmlFinishParsing();
 
 // A deep copy of a capability (lists, strings, numbers), or NULL when the
 // pool runs out (nothing is left allocated then).
-RAID_CAPABILITY *RaidXmlCopyCapability(const RAID_CAPABILITY *Source);
+[[nodiscard]] RAID_CAPABILITY *RaidXmlCopyCapability(
+    const RAID_CAPABILITY *Source);

@@ -30,7 +30,7 @@
 #define RAID_ERROR_BUFFER_TOO_SMALL 0x00200005U
 
 // The error code for a firmware service that failed with Status.
-constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
+[[nodiscard]] constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
   return RAID_ERROR_BASE | static_cast<UINT32>(Status & 0xFFF);
 }
 
@@ -164,9 +164,11 @@ constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
 #define RAID_STATE_INVALID 58
 
 // ---- Policy codes (RAID_POLICY_ENTRY.Value, RAID_VOLUME, parameters) -------
-// The codes are not ordered alike across lists; each "OTHER" code is the
-// list's "any other text" and, in a creation request, "leave the tool's
-// default".
+// The codes are deliberately not ordered alike across lists (read ahead is
+// 0, and so are "Cached" and "Off"): each list numbers its own words, and
+// every backend's word tables map to these numbers, so they must not be
+// lined up. Each "OTHER" code is the list's "any other text" and, in a
+// creation request, "leave the tool's default".
 
 #define RAID_READ_POLICY_ALWAYS_READ_AHEAD 0
 #define RAID_READ_POLICY_NO_READ_AHEAD 1
@@ -476,7 +478,7 @@ VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment);
 VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller);
 
 // The drives of List whose Id is Id.
-UINT32 RaidLibCountDrivesWithId(LIST_ENTRY *List, UINT32 Id);
+[[nodiscard]] UINT32 RaidLibCountDrivesWithId(LIST_ENTRY *List, UINT32 Id);
 
 // ---- Profile words (RaidLibWords.cpp) ---------------------------------------
 
@@ -490,18 +492,19 @@ typedef enum {
 
 // The code of a policy or stripe-size word in its list (exact, case
 // included); the list's "other" code for any other word or NULL.
-UINT32 RaidLibPolicyValue(RAID_POLICY_KIND Kind, const CHAR16 *Word);
+[[nodiscard]] UINT32 RaidLibPolicyValue(RAID_POLICY_KIND Kind,
+                                        const CHAR16 *Word);
 // The list's "any other text" code (2, 3, 2, 3, 2049).
-UINT32 RaidLibPolicyOtherValue(RAID_POLICY_KIND Kind);
+[[nodiscard]] UINT32 RaidLibPolicyOtherValue(RAID_POLICY_KIND Kind);
 
 // ---- Backend families and binding (RaidLibBinding.cpp) ----------------------
 
 // The family of a signature ("$lsi" 0, "$m.2" 1, "rste" 2, "$arc" 3, else
 // 4); RAID_FAMILY_NONE for NULL. The signature is read within its 8 bytes.
-UINT32 RaidLibFamilyOfSignature(const CHAR8 *Signature);
+[[nodiscard]] UINT32 RaidLibFamilyOfSignature(const CHAR8 *Signature);
 // The family of a controller's bound backend; RAID_FAMILY_NONE without a
 // controller or private record.
-UINT32 RaidLibControllerFamily(const RAID_CONTROLLER *Controller);
+[[nodiscard]] UINT32 RaidLibControllerFamily(const RAID_CONTROLLER *Controller);
 
 // Clears an operation table and writes Signature into it, zero-padded; the
 // first step of every backend's binding operation.

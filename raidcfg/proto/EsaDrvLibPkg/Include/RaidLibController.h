@@ -16,6 +16,6 @@ VOID RaidLibTraceVersion();
 
 // The controller with this Id, or NULL after "[GetController]Not find
 // controller".
-RAID_CONTROLLER *GetController(UINT32 Id);
+[[nodiscard]] RAID_CONTROLLER *GetController(UINT32 Id);
 // The same, and makes its card the current one for the tools' command lines.
-RAID_CONTROLLER *RaidLibGetController(UINT32 Id);
+[[nodiscard]] RAID_CONTROLLER *RaidLibGetController(UINT32 Id);

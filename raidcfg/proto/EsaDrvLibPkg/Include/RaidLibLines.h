@@ -21,21 +21,23 @@ typedef struct {
 VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars);
 // The next line, or NULL at the end of the output.
-CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines);
+[[nodiscard]] CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines);
 // The next line without moving on, or NULL.
-CHAR16 *RaidLibPeekLine(const RAID_LINE_CURSOR *Lines);
+[[nodiscard]] CHAR16 *RaidLibPeekLine(const RAID_LINE_CURSOR *Lines);
 // Moves Count lines on and returns the last of them ("the line Count
 // further on"), or NULL when the output ends first (Count 0 gives NULL).
-CHAR16 *RaidLibSkipLines(RAID_LINE_CURSOR *Lines, UINTN Count);
+[[nodiscard]] CHAR16 *RaidLibSkipLines(RAID_LINE_CURSOR *Lines, UINTN Count);
 // The line Count further on, without moving.
-CHAR16 *RaidLibLineAhead(const RAID_LINE_CURSOR *Lines, UINTN Count);
+[[nodiscard]] CHAR16 *RaidLibLineAhead(const RAID_LINE_CURSOR *Lines,
+                                       UINTN Count);
 // The line last returned is returned again by the next RaidLibNextLine: a
 // section reader that met the next section's first line hands it back.
 VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);
 // The next line while *Budget lasts (each line returned costs one): the
 // bounded look-ahead of a block of known greatest length. NULL when the
 // budget or the output is used up.
-CHAR16 *RaidLibNextLineWithin(RAID_LINE_CURSOR *Lines, UINTN *Budget);
+[[nodiscard]] CHAR16 *RaidLibNextLineWithin(RAID_LINE_CURSOR *Lines,
+                                            UINTN *Budget);
 
 // Traces every line of the output between Output and End as
 // "[<Caller>]<line>"; terminates the lines it meets.

@@ -6,7 +6,7 @@
 
 // The text of a state code; "Invalid State" for a code the table does not
 // list (58 among them).
-const CHAR16 *RaidLibStateText(UINT32 State);
+[[nodiscard]] const CHAR16 *RaidLibStateText(UINT32 State);
 
 // The error box's messages are indexed by the low 12 bits k of an error code.
 #define RAID_ERROR_MESSAGE_FIRST 1
@@ -24,7 +24,7 @@ typedef struct {
 extern const RAID_ERROR_MESSAGE gRaidErrorMessages[RAID_ERROR_MESSAGE_LAST];
 
 // The message for an error code's low 12 bits; "Unknown Error" outside 1-112.
-const CHAR16 *RaidLibErrorMessage(UINT32 ErrorCode);
+[[nodiscard]] const CHAR16 *RaidLibErrorMessage(UINT32 ErrorCode);
 
 // The UI string id of an error code's message, 0 when k is outside 1-112.
-EFI_STRING_ID RaidLibErrorMessageStringId(UINT32 ErrorCode);
+[[nodiscard]] EFI_STRING_ID RaidLibErrorMessageStringId(UINT32 ErrorCode);

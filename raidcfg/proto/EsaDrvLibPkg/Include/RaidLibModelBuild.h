@@ -83,8 +83,8 @@ typedef struct {
                                                 UINT32 Capacity);
 // Puts Drive into the next entry; FALSE (and nothing written) once the
 // table is full.
-BOOLEAN RaidLibAppendToDriveTable(RAID_DRIVE_TABLE_FILL *Fill,
-                                  RAID_PHYSICAL_DRIVE *Drive);
+[[nodiscard]] BOOLEAN RaidLibAppendToDriveTable(RAID_DRIVE_TABLE_FILL *Fill,
+                                                RAID_PHYSICAL_DRIVE *Drive);
 // DiskDriveCount becomes the number of entries filled, so a cut or faulty
 // output leaves no empty entry before the table's end.
 VOID RaidLibFinishDriveTable(const RAID_DRIVE_TABLE_FILL *Fill);

@@ -8,7 +8,8 @@
 
 // TRUE when the controller has what a command line needs: its private
 // record (the card number) and a capability naming the tool.
-BOOLEAN RaidLibControllerCanRunTool(const RAID_CONTROLLER *Controller);
+[[nodiscard]] BOOLEAN RaidLibControllerCanRunTool(
+    const RAID_CONTROLLER *Controller);
 
 // Before a command is built: the shell-command service is located (a
 // failure is traced under Caller and returned with its firmware error
@@ -24,7 +25,7 @@ typedef struct {
   UINT32 ErrorCode;  // the read's own error code
 } RAID_REFRESH;
 
-inline BOOLEAN RaidLibRefreshFailed(const RAID_REFRESH &Refresh) {
+[[nodiscard]] inline BOOLEAN RaidLibRefreshFailed(const RAID_REFRESH &Refresh) {
   return (EFI_ERROR(Refresh.Status) || Refresh.ErrorCode != 0) ? TRUE : FALSE;
 }
 

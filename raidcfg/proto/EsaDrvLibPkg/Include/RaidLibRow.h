@@ -26,23 +26,26 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.
-const CHAR16 *RaidLibValueAfter(const CHAR16 *Line, CHAR16 Separator);
+[[nodiscard]] const CHAR16 *RaidLibValueAfter(const CHAR16 *Line,
+                                              CHAR16 Separator);
 // The decimal number behind the first Separator; 0 without one.
-UINT64 RaidLibNumberAfter(const CHAR16 *Line, CHAR16 Separator);
+[[nodiscard]] UINT64 RaidLibNumberAfter(const CHAR16 *Line, CHAR16 Separator);
 // The second piece of Line cut at Separators (runs count as one), as it
 // stands; NULL when there is none. Points into Scratch.
-CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
-                           RAID_ROW *Scratch);
+[[nodiscard]] CHAR16 *RaidLibSecondPiece(const CHAR16 *Line,
+                                         const CHAR16 *Separators,
+                                         RAID_ROW *Scratch);
 // The same piece with white space stripped at both ends.
-CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
-                            RAID_ROW *Scratch);
+[[nodiscard]] CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line,
+                                          const CHAR16 *Separators,
+                                          RAID_ROW *Scratch);
 
 // TRUE when Word equals Text exactly (NULL never does).
-BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text);
+[[nodiscard]] BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text);
 // Unit code of a row's unit word, ignoring the CR that sticks to a row's
 // last word.
-UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);
+[[nodiscard]] UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);
 // A pool copy of Text with white space stripped at both ends, at most
 // MaxChars characters (0: no limit but the text's own end); NULL for NULL
 // or when the pool is exhausted.
-CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars);
+[[nodiscard]] CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars);

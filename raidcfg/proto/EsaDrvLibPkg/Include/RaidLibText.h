@@ -9,14 +9,15 @@
 
 // TRUE when Line is at least as long as Prefix and begins with it. An empty
 // prefix matches every line; NULL never matches.
-BOOLEAN RaidLibStartsWith(const CHAR16 *Line, const CHAR16 *Prefix);
+[[nodiscard]] BOOLEAN RaidLibStartsWith(const CHAR16 *Line,
+                                        const CHAR16 *Prefix);
 
 // TRUE when Needle occurs anywhere in Line (an empty needle always does);
 // NULL never matches.
-BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
+[[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
-BOOLEAN RaidLibIsSpace(CHAR16 Char);
+[[nodiscard]] BOOLEAN RaidLibIsSpace(CHAR16 Char);
 
 // Removes leading and trailing is-space characters in place; the text moves
 // to the start of the buffer so the caller's pointer stays valid for
@@ -29,8 +30,8 @@ CHAR16 *RaidLibTrim(CHAR16 *Line);
 // caller, so walks can nest. The line is modified (each token's end gets a
 // terminator). Runs of delimiters produce no empty tokens. Returns the next
 // token, or NULL when none is left.
-CHAR16 *RaidLibTokenize(CHAR16 *Line, const CHAR16 *Delimiters,
-                        CHAR16 **SavePtr);
+[[nodiscard]] CHAR16 *RaidLibTokenize(CHAR16 *Line, const CHAR16 *Delimiters,
+                                      CHAR16 **SavePtr);
 
 // The tokens of Line (as RaidLibTokenize finds them) in a NULL-terminated
 // array from the pool, grown one slot at a time. The tokens point into Line,
@@ -38,7 +39,7 @@ CHAR16 *RaidLibTokenize(CHAR16 *Line, const CHAR16 *Delimiters,
 // NULL) gives an array holding only the NULL end mark. Returns NULL when the
 // pool is exhausted, with nothing left allocated. Release with
 // RaidLibFreeSplit.
-CHAR16 **RaidLibSplit(CHAR16 *Line, const CHAR16 *Delimiters);
+[[nodiscard]] CHAR16 **RaidLibSplit(CHAR16 *Line, const CHAR16 *Delimiters);
 
 // Releases an array from RaidLibSplit (not the line it points into); NULL is
 // ignored.
@@ -50,21 +51,22 @@ VOID RaidLibFreeSplit(CHAR16 **Tokens);
 // 0. Leading blanks and tabs are skipped; the number ends at the first
 // character that does not belong to it (so "1.090TB" reads 1090). Values too
 // large for 64 bits give the largest value.
-UINT64 RaidLibReadThousandths(const CHAR16 *Text);
+[[nodiscard]] UINT64 RaidLibReadThousandths(const CHAR16 *Text);
 
 // Unit code of a unit word: "MB" 0, "GB" 1, "TB" 2, anything else 3. The
 // comparison is exact and case-sensitive.
-UINT32 RaidLibUnitCode(const CHAR16 *Unit);
+[[nodiscard]] UINT32 RaidLibUnitCode(const CHAR16 *Unit);
 
 // Media type code from the tool's interface and medium words: SATA HDD 0,
 // SATA SSD 1, SAS HDD 2, SAS SSD 3, PCIe SSD 4, NVMe SSD 4, anything else 5.
 // Exact, case-sensitive comparisons.
-UINT32 RaidLibMediaCode(const CHAR16 *Interface, const CHAR16 *Medium);
+[[nodiscard]] UINT32 RaidLibMediaCode(const CHAR16 *Interface,
+                                      const CHAR16 *Medium);
 
 // Reads the decimal digits at the start of Text after leading blanks and
 // tabs, stopping at the first non-digit. No digits give 0; values too large
 // for 64 bits give the largest value.
-UINT64 RaidLibReadDecimal(const CHAR16 *Text);
+[[nodiscard]] UINT64 RaidLibReadDecimal(const CHAR16 *Text);
 
 // Reads Word as an id: a device, group, volume, enclosure, slot or card
 // number that names something the tool is to act on. TRUE when Word is one
@@ -73,33 +75,33 @@ UINT64 RaidLibReadDecimal(const CHAR16 *Text);
 // word, a sign, a blank, a point, a value of 4294967296 or more) gives FALSE
 // and leaves *Id alone: an id is read exactly or not at all, never wrapped
 // and never saturated.
-BOOLEAN RaidLibReadId(const CHAR16 *Word, UINT32 *Id);
+[[nodiscard]] BOOLEAN RaidLibReadId(const CHAR16 *Word, UINT32 *Id);
 
 // The two ids of a word joined by Separator ("252:4", "0/3"): TRUE when the
 // text before the first Separator and the text after it are each an id as
 // RaidLibReadId reads one. *First and *Second are stored only then.
-BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
-                          UINT32 *Second);
+[[nodiscard]] BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator,
+                                        UINT32 *First, UINT32 *Second);
 
 // Formats into Buffer of BufferChars characters, terminated (when
 // BufferChars is not 0). TRUE when the whole text fitted; FALSE when it was
 // cut, and the cut text left in Buffer may serve a trace but must never be
 // used as if it were whole.
-BOOLEAN EFIAPI RaidLibFormat(CHAR16 *Buffer, UINTN BufferChars,
-                             const CHAR16 *Format, ...);
-BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars, const CHAR16 *Format,
-                       VA_LIST Marker);
+[[nodiscard]] BOOLEAN EFIAPI RaidLibFormat(CHAR16 *Buffer, UINTN BufferChars,
+                                           const CHAR16 *Format, ...);
+[[nodiscard]] BOOLEAN RaidLibVFormat(CHAR16 *Buffer, UINTN BufferChars,
+                                     const CHAR16 *Format, VA_LIST Marker);
 
 // Reads a hexadecimal number: leading blanks, tabs and zeros are skipped, an
 // "x" or "X" directly after a zero is skipped ("0x1B4B", "0X1b4b"), and the
 // number stops at the first non-hex character. No digits give 0; values too
 // large for 64 bits give the largest value.
-UINT64 RaidLibReadHex(const CHAR16 *Text);
+[[nodiscard]] UINT64 RaidLibReadHex(const CHAR16 *Text);
 
 // A copy of Source from the pool. NULL for a NULL source, and NULL after the
 // trace "[AllocDestStr] Out of resource" when the pool is exhausted.
-CHAR16 *AllocDestStr(const CHAR16 *Source);
+[[nodiscard]] CHAR16 *AllocDestStr(const CHAR16 *Source);
 
 // Stores a pool copy of Text in *Copy (NULL for a NULL Text). FALSE only
 // when the pool is exhausted.
-BOOLEAN RaidLibCopyText(const CHAR16 *Text, CHAR16 **Copy);
+[[nodiscard]] BOOLEAN RaidLibCopyText(const CHAR16 *Text, CHAR16 **Copy);

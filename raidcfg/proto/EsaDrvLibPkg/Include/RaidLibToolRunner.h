@@ -23,7 +23,8 @@ extern UINT32 gRaidCurrentCardId;
 
 // Locates the shell-command service on first use; a failure is traced
 // under Caller's name, the operation that needed the tool.
-EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller,
+                                                   UINT32 *ErrorCode);
 
 // Formats a command line into CommandLine of CommandChars characters. A
 // line that does not fit is refused, never cut: traced as "[<Caller>]Command
@@ -31,9 +32,11 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode);
 // RAID_ERROR_BUFFER_TOO_SMALL, EFI_BUFFER_TOO_SMALL. A cut line can name
 // another object than the whole one ("/v12" cut to "/v1"), so nothing may
 // run a refused line.
-EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                                       UINTN CommandChars, UINT32 *ErrorCode,
-                                       const CHAR16 *Format, ...);
+[[nodiscard]] EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller,
+                                                     CHAR16 *CommandLine,
+                                                     UINTN CommandChars,
+                                                     UINT32 *ErrorCode,
+                                                     const CHAR16 *Format, ...);
 
 // One run of a vendor tool: the operation that runs it (named in the
 // "Command:" trace), the buffer its command line is formatted into, and
@@ -48,7 +51,7 @@ typedef struct {
 } RAID_TOOL_RUN;
 
 // A run into the shared output buffer.
-inline RAID_TOOL_RUN RaidLibSharedRun(
+[[nodiscard]] inline RAID_TOOL_RUN RaidLibSharedRun(
     const CHAR8 *Caller,
     UINTN CommandChars = RAID_TOOL_COMMAND_SIZE / sizeof(CHAR16)) {
   return {Caller, CommandChars, gRaidToolOutput, RAID_TOOL_OUTPUT_SIZE};

@@ -28,19 +28,19 @@ typedef struct {
 
 // A table over a constant array of entries.
 template <UINTN N>
-constexpr RAID_WORD_TABLE RaidLibWordTable(const RAID_WORD_CODE (&Entries)[N],
-                                           RAID_WORD_MATCH Match,
-                                           UINT32 DefaultCode,
-                                           UINT32 DefaultDetail = 0) {
+[[nodiscard]] constexpr RAID_WORD_TABLE RaidLibWordTable(
+    const RAID_WORD_CODE (&Entries)[N], RAID_WORD_MATCH Match,
+    UINT32 DefaultCode, UINT32 DefaultDetail = 0) {
   return {Entries, N, Match, {nullptr, DefaultCode, DefaultDetail}};
 }
 
 // The first entry, in table order, whose word matches Text; NULL for none
 // (and for NULL text).
-const RAID_WORD_CODE *RaidLibFindWord(const RAID_WORD_TABLE &Table,
-                                      const CHAR16 *Text);
+[[nodiscard]] const RAID_WORD_CODE *RaidLibFindWord(
+    const RAID_WORD_TABLE &Table, const CHAR16 *Text);
 // The matching entry, or the table's default.
-const RAID_WORD_CODE &RaidLibClassifyWord(const RAID_WORD_TABLE &Table,
-                                          const CHAR16 *Text);
+[[nodiscard]] const RAID_WORD_CODE &RaidLibClassifyWord(
+    const RAID_WORD_TABLE &Table, const CHAR16 *Text);
 // The code of the matching entry, or the default's code.
-UINT32 RaidLibCodeOfWord(const RAID_WORD_TABLE &Table, const CHAR16 *Text);
+[[nodiscard]] UINT32 RaidLibCodeOfWord(const RAID_WORD_TABLE &Table,
+                                       const CHAR16 *Text);

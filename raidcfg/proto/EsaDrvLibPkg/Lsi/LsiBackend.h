@@ -66,51 +66,59 @@ extern UINT32 gLsiControllerCount;
 // ---- Operations -------------------------------------------------------------
 
 // Finds the adapter's storcli controller number and stores it as CardId.
-EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller,
+                                      UINT32 *ErrorCode);
 // Runs storcli and rebuilds the controller's model, unless Flags bit 0 says
 // the model is current. Private is unused (the controller's own is used).
-EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
-                                RAID_CONTROLLER_PRIVATE *Private OPTIONAL,
-                                UINT32 *ErrorCode);
-EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Reserved,
-                           UINT32 *ErrorCode);
-EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode);
-EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode);
-EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
-                                    RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
-                                    UINT32 *ErrorCode);
-EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
-                                       UINT32 State, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiGetControllerInfo(
+    RAID_CONTROLLER *Controller, RAID_CONTROLLER_PRIVATE *Private OPTIONAL,
+    UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiCreateVolume(RAID_VOLUME_PARAMETER *Parameter,
+                                         UINTN Reserved, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume,
+                                         UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
+                                                  RAID_PHYSICAL_DRIVE *Drive,
+                                                  UINT32 State,
+                                                  UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS LsiSetAllPhysicalDriveState(
+    RAID_CONTROLLER *Controller, UINT32 State, UINT32 *ErrorCode);
 
 // ---- Parsers ----------------------------------------------------------------
 
 // "Controller Count = N" of "show ctrlcount"; 0 when there is none.
-UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output, UINT32 *ErrorCode);
+[[nodiscard]] UINT32 LsiParseControllerShowCtrlCount(CHAR16 *Output,
+                                                     UINT32 *ErrorCode);
 // Sets CardId to CandidateCardId when the "Bus Number" line and the two
 // after it name the adapter's PCI location.
-EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
-                    UINT32 CandidateCardId, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseBDF(CHAR16 *Output, RAID_CONTROLLER *Controller,
+                                  UINT32 CandidateCardId, UINT32 *ErrorCode);
 // The controller summary ("/cN show"): names, arrays, volumes, drives.
-EFI_STATUS ParseControllerShow(CHAR16 *Output, RAID_CONTROLLER *Controller,
-                               UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseControllerShow(CHAR16 *Output,
+                                             RAID_CONTROLLER *Controller,
+                                             UINT32 *ErrorCode);
 // The free-space report ("/cN show freespace"): free segments per array.
-EFI_STATUS ParseControllerShowFS(CHAR16 *Output, RAID_CONTROLLER *Controller,
-                                 UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseControllerShowFS(CHAR16 *Output,
+                                               RAID_CONTROLLER *Controller,
+                                               UINT32 *ErrorCode);
 // One volume's properties ("/cN/vM show all"): strip size and policies.
-EFI_STATUS ParseControllerShowVolume(CHAR16 *Output, RAID_VOLUME *Volume,
-                                     UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseControllerShowVolume(CHAR16 *Output,
+                                                   RAID_VOLUME *Volume,
+                                                   UINT32 *ErrorCode);
 // The verdict of a volume command, as an error code; always EFI_SUCCESS.
-EFI_STATUS ParseErrCd(CHAR16 *Output, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseErrCd(CHAR16 *Output, UINT32 *ErrorCode);
 // The verdict of a drive command into *Result (LSI_ACTION_*); EFI_ABORTED
 // for a NULL output.
-EFI_STATUS ParseActionStatus(CHAR16 *Output, RAID_CONTROLLER *Controller,
-                             UINT32 *Result);
+[[nodiscard]] EFI_STATUS ParseActionStatus(CHAR16 *Output,
+                                           RAID_CONTROLLER *Controller,
+                                           UINT32 *Result);
 
 // ---- Command building -------------------------------------------------------
 
 // Drives per span ("pdperarray") for RAID 10, 50 and 60 with DriveCount
 // drives; 0 when no even split exists.
-UINT32 LsiDrivesPerSpan(UINT32 RaidLevel, UINT32 DriveCount);
+[[nodiscard]] UINT32 LsiDrivesPerSpan(UINT32 RaidLevel, UINT32 DriveCount);
 
 // Selects drives for a drive list.
 typedef BOOLEAN (*LSI_DRIVE_FILTER)(const RAID_PHYSICAL_DRIVE *Drive,

@@ -40,7 +40,7 @@ VOID SetWord(WORD_BUFFER Word, const CHAR16 *Text) {
 }
 
 // The unit text of the size word; storcli's default unit for others.
-const CHAR16 *UnitText(UINT32 Unit) {
+[[nodiscard]] const CHAR16 *UnitText(UINT32 Unit) {
   switch (Unit) {
     case RAID_UNIT_GB:
       return u"GB";
@@ -58,7 +58,8 @@ struct CreateLines {
 };
 
 // Refuses the create for a part that does not fit its buffer.
-bool RefuseCut(const CHAR8 *Caller, const CHAR8 *Part, UINTN Chars, UINT32 *ErrorCode) {
+[[nodiscard]] bool RefuseCut(const CHAR8 *Caller, const CHAR8 *Part,
+                             UINTN Chars, UINT32 *ErrorCode) {
   *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                "[%a]%a does not fit in %u characters; nothing is run\n", Part,
@@ -68,9 +69,9 @@ bool RefuseCut(const CHAR8 *Caller, const CHAR8 *Part, UINTN Chars, UINT32 *Erro
 
 // The size, name and policy words; FALSE (refused) when the name does not
 // fit its word.
-bool BuildParameterWords(const CHAR8 *Caller,
-                         const RAID_VOLUME_PARAMETER *Parameter,
-                         CreateWords *Words, UINT32 *ErrorCode) {
+[[nodiscard]] bool BuildParameterWords(const CHAR8 *Caller,
+                                       const RAID_VOLUME_PARAMETER *Parameter,
+                                       CreateWords *Words, UINT32 *ErrorCode) {
   UINT64 Whole = Parameter->Size / 1000;
   if (Whole == 0) {
     SetWord(Words->Size, u" ");  // The tool then takes all the space.
@@ -120,7 +121,7 @@ VOID BuildSpanWord(UINT32 RaidLevel, UINT32 DriveCount, CreateWords *Words) {
 
 // TRUE when Id is in the id block, which ends at RAID_DRIVE_LIST_END or
 // after Limit entries.
-bool IdListed(const UINT32 *Ids, UINTN Limit, UINT32 Id) {
+[[nodiscard]] bool IdListed(const UINT32 *Ids, UINTN Limit, UINT32 Id) {
   for (UINTN Index = 0; Ids != nullptr && Index < Limit; Index++) {
     if (Ids[Index] == RAID_DRIVE_LIST_END) {
       return false;
@@ -138,12 +139,14 @@ struct IdBlock {
   UINTN Limit;
 };
 
-BOOLEAN TakeListedDrive(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
+[[nodiscard]] BOOLEAN TakeListedDrive(const RAID_PHYSICAL_DRIVE *Drive,
+                                      const VOID *Context) {
   const IdBlock *Block = static_cast<const IdBlock *>(Context);
   return IdListed(Block->Ids, Block->Limit, Drive->Id) ? TRUE : FALSE;
 }
 
-BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive, const VOID *Context) {
+[[nodiscard]] BOOLEAN TakeArrayMember(const RAID_PHYSICAL_DRIVE *Drive,
+                                      const VOID *Context) {
   return Drive->Role != RAID_ROLE_HOT_SPARE ? TRUE : FALSE;
 }
 
@@ -155,7 +158,8 @@ constexpr UINTN kMaxListedDrives = 1024;
 // id two drives carry) or lack one that was (an id that names a drive
 // elsewhere or none at all, such as a member of another array), and the
 // tool would build another array than the one the operator chose.
-bool EachIdNamesOneDrive(const CHAR8 *Caller, LIST_ENTRY *List, const IdBlock &Block) {
+[[nodiscard]] bool EachIdNamesOneDrive(const CHAR8 *Caller, LIST_ENTRY *List,
+                                       const IdBlock &Block) {
   for (UINTN Index = 0; Block.Ids != nullptr && Index < Block.Limit &&
                         Block.Ids[Index] != RAID_DRIVE_LIST_END;
        Index++) {
@@ -172,9 +176,11 @@ bool EachIdNamesOneDrive(const CHAR8 *Caller, LIST_ENTRY *List, const IdBlock &B
 
 // Formats "add vd" in the module's command form; FALSE (refused) when the
 // line does not fit.
-bool FormatCreate(const CHAR8 *Caller, RAID_CONTROLLER *Controller, UINT32 RaidLevel,
-                  const RAID_VOLUME_PARAMETER *Parameter,
-                  const CreateWords *Words, CHAR16 *Line, UINT32 *ErrorCode) {
+[[nodiscard]] bool FormatCreate(const CHAR8 *Caller,
+                                RAID_CONTROLLER *Controller, UINT32 RaidLevel,
+                                const RAID_VOLUME_PARAMETER *Parameter,
+                                const CreateWords *Words, CHAR16 *Line,
+                                UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   EFI_STATUS Status;
@@ -204,11 +210,15 @@ bool FormatCreate(const CHAR8 *Caller, RAID_CONTROLLER *Controller, UINT32 RaidL
   return !EFI_ERROR(Status);
 }
 
-// Formats the new array's hot-spare command. Only the first enclosure is
-// named: the slots piece runs up to the next ":" of the list.
-bool FormatAddHotSpares(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                        const RAID_VOLUME_PARAMETER *Parameter, CHAR16 *Line,
-                        UINT32 *ErrorCode) {
+// Formats the new array's hot-spare command. Deliberately only the first
+// enclosure is named: the slots piece runs up to the next ":" of the list,
+// so with spares in two enclosures it carries the next enclosure's number
+// after the slots. Splitting it per enclosure would change what storcli is
+// told on adapters in use; keep the line as it is built.
+[[nodiscard]] bool FormatAddHotSpares(const CHAR8 *Caller,
+                                      RAID_CONTROLLER *Controller,
+                                      const RAID_VOLUME_PARAMETER *Parameter,
+                                      CHAR16 *Line, UINT32 *ErrorCode) {
   CHAR16 Spares[LSI_DRIVE_LIST_CHARS];
   IdBlock Block = {Parameter->SpareList, kMaxListedDrives};
   if (EFI_ERROR(LsiBuildDriveList(&Controller->PhysicalDriveList,
@@ -245,10 +255,11 @@ VOID RunLines(const CHAR8 *Caller, const CreateLines &Lines, UINT32 *ErrorCode) 
 
 // A new array from the parameter's member drives, then its hot spares.
 // Returns FALSE (with the error code set) when nothing could be run.
-bool CreateInNewArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                      const RAID_VOLUME_PARAMETER *Parameter,
-                      CreateWords *Words, CreateLines *Lines,
-                      UINT32 *ErrorCode) {
+[[nodiscard]] bool CreateInNewArray(const CHAR8 *Caller,
+                                    RAID_CONTROLLER *Controller,
+                                    const RAID_VOLUME_PARAMETER *Parameter,
+                                    CreateWords *Words, CreateLines *Lines,
+                                    UINT32 *ErrorCode) {
   IdBlock Members = {Parameter->DriveList, Parameter->DriveCount};
   if (Parameter->DriveList == nullptr || Parameter->DriveCount == 0 ||
       Parameter->DriveList[0] == RAID_DRIVE_LIST_END) {
@@ -283,10 +294,11 @@ bool CreateInNewArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
 }
 
 // A volume in the chosen free segment of an existing array.
-bool CreateInExistingArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                           const RAID_VOLUME_PARAMETER *Parameter,
-                           CreateWords *Words, CreateLines *Lines,
-                           UINT32 *ErrorCode) {
+[[nodiscard]] bool CreateInExistingArray(const CHAR8 *Caller,
+                                         RAID_CONTROLLER *Controller,
+                                         const RAID_VOLUME_PARAMETER *Parameter,
+                                         CreateWords *Words, CreateLines *Lines,
+                                         UINT32 *ErrorCode) {
   RAID_ARRAY *Array = nullptr;
   for (RAID_ARRAY *Candidate :
        uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {

@@ -14,7 +14,7 @@ namespace lsi {
 namespace {
 
 // The controller behind an array, complete enough to build commands.
-RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
+[[nodiscard]] RAID_CONTROLLER *UsableController(RAID_ARRAY *Array) {
   if (Array == nullptr || !RaidLibControllerCanRunTool(Array->Controller)) {
     return nullptr;
   }
@@ -27,8 +27,10 @@ typedef CHAR16 DELETE_LINE[kDeleteChars];
 
 // Formats the deletion of one volume; refused (traced, error code set) when
 // the line does not fit, since a cut "/v12" would name volume 1.
-EFI_STATUS FormatDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                        UINT32 VolumeId, DELETE_LINE Line, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS FormatDelete(const CHAR8 *Caller,
+                                      RAID_CONTROLLER *Controller,
+                                      UINT32 VolumeId, DELETE_LINE Line,
+                                      UINT32 *ErrorCode) {
   return RaidLibFormatCommand(Caller, Line, kDeleteChars, ErrorCode,
                               u"%S /c%u/v%u del force mronly nolog",
                               Controller->Capability->ToolName,
@@ -36,8 +38,9 @@ EFI_STATUS FormatDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
 }
 
 // Runs one formatted deletion; the verdict lands in *ErrorCode.
-EFI_STATUS DeleteOne(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                     const DELETE_LINE Line, UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS DeleteOne(const CHAR8 *Caller,
+                                   RAID_CONTROLLER *Controller,
+                                   const DELETE_LINE Line, UINT32 *ErrorCode) {
   RaidLibOutputJudgedByCaller(
       RaidLibRunTool(RaidLibSharedRun(Caller), ErrorCode, u"%s", Line));
   EFI_STATUS Status = ParseErrCd(gRaidToolOutput, ErrorCode);

@@ -11,8 +11,8 @@ namespace {
 
 // Appends formatted text at *Used within Buffer; FALSE when it does not fit
 // whole.
-bool Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
-            const CHAR16 *Format, UINT32 Number) {
+[[nodiscard]] bool Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
+                          const CHAR16 *Format, UINT32 Number) {
   if (!RaidLibFormat(Buffer + *Used, BufferChars - *Used, Format, Number)) {
     return false;
   }
@@ -22,8 +22,10 @@ bool Append(CHAR16 *Buffer, UINTN BufferChars, UINTN *Used,
 
 // TRUE when Drive is taken and an earlier taken drive of the list shares its
 // enclosure (so its enclosure's group is already written).
-bool EnclosureSeenBefore(LIST_ENTRY *List, RAID_PHYSICAL_DRIVE *Drive,
-                         LSI_DRIVE_FILTER Filter, const VOID *Context) {
+[[nodiscard]] bool EnclosureSeenBefore(LIST_ENTRY *List,
+                                       RAID_PHYSICAL_DRIVE *Drive,
+                                       LSI_DRIVE_FILTER Filter,
+                                       const VOID *Context) {
   for (RAID_PHYSICAL_DRIVE *Earlier :
        uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
     if (Earlier == Drive) {
@@ -49,7 +51,7 @@ EFI_STATUS LsiBuildDriveList(LIST_ENTRY *List, LSI_DRIVE_FILTER Filter,
     return EFI_BUFFER_TOO_SMALL;
   }
   Buffer[0] = 0;
-  if (List == nullptr || List->ForwardLink == nullptr) {
+  if (List == nullptr || !IsListLive(List)) {
     return EFI_SUCCESS;
   }
   UINTN Used = 0;

@@ -25,8 +25,10 @@ constexpr const CHAR16 *kDriveActions[] = {
 // TRUE when every command a change of this drive may run fits its buffer,
 // so that a change of two commands never stops after the first; else the
 // refusal is traced and in *ErrorCode.
-bool DriveCommandsFit(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
-                      UINT32 *ErrorCode) {
+[[nodiscard]] bool DriveCommandsFit(const CHAR8 *Caller,
+                                    RAID_CONTROLLER *Controller,
+                                    RAID_PHYSICAL_DRIVE *Drive,
+                                    UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   CHAR16 Line[LSI_DRIVE_COMMAND_CHARS];
@@ -43,30 +45,37 @@ bool DriveCommandsFit(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHY
                                          CardId));
 }
 
+// The verdict of the drive command just run. The shared output is never
+// NULL, so the parse always leaves its verdict in Result.
+[[nodiscard]] bool DriveCommandSucceeded(RAID_CONTROLLER *Controller) {
+  UINT32 Result = LSI_ACTION_FAILED;
+  (VOID) ParseActionStatus(gRaidToolOutput, Controller, &Result);
+  return Result == LSI_ACTION_SUCCEEDED;
+}
+
 // Runs "<tool> /cN/eE/sS <Action> mronly nolog"; TRUE when the tool said
 // success.
-bool RunOnDrive(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
-                const CHAR16 *Action, UINT32 *ErrorCode) {
+[[nodiscard]] bool RunOnDrive(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+                              RAID_PHYSICAL_DRIVE *Drive, const CHAR16 *Action,
+                              UINT32 *ErrorCode) {
   RaidLibOutputJudgedByCaller(RaidLibRunTool(
       RaidLibSharedRun(Caller, LSI_DRIVE_COMMAND_CHARS), ErrorCode,
       kDriveFormat, Controller->Capability->ToolName,
       Controller->Private->CardId,
       Drive->Position->Values[LSI_POSITION_ENCLOSURE],
       Drive->Position->Values[LSI_POSITION_SLOT], Action));
-  UINT32 Result = LSI_ACTION_FAILED;
-  ParseActionStatus(gRaidToolOutput, Controller, &Result);
-  return Result == LSI_ACTION_SUCCEEDED;
+  return DriveCommandSucceeded(Controller);
 }
 
 // Clears the adapter's foreign configuration ("/fall delete").
-bool RunForeignDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+[[nodiscard]] bool RunForeignDelete(const CHAR8 *Caller,
+                                    RAID_CONTROLLER *Controller,
+                                    UINT32 *ErrorCode) {
   RaidLibOutputJudgedByCaller(RaidLibRunTool(
       RaidLibSharedRun(Caller, LSI_DRIVE_COMMAND_CHARS), ErrorCode,
       kForeignDeleteFormat, Controller->Capability->ToolName,
       Controller->Private->CardId));
-  UINT32 Result = LSI_ACTION_FAILED;
-  ParseActionStatus(gRaidToolOutput, Controller, &Result);
-  return Result == LSI_ACTION_SUCCEEDED;
+  return DriveCommandSucceeded(Controller);
 }
 
 // A global hot spare that is no longer one: back to the unconfigured list.
@@ -129,7 +138,8 @@ VOID MakeJbod(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL_DR
     }
     MoveSpareToUnconfigured(Controller, Drive);
   }
-  RunOnDrive(Caller, Controller, Drive, u"set jbod", ErrorCode);  // Not judged.
+  // Deliberately not judged: the model shows JBOD whatever the tool said.
+  (VOID) RunOnDrive(Caller, Controller, Drive, u"set jbod", ErrorCode);
   Drive->Role = RAID_ROLE_UNCONFIGURED;
   Drive->State = RAID_STATE_JBOD;
 }
@@ -191,9 +201,10 @@ VOID ChangeState(const CHAR8 *Caller, RAID_CONTROLLER *Controller, RAID_PHYSICAL
 
 }  // namespace
 
-// Changes one drive's state and edits the model to match. On a failure the
-// status is the error code's low byte, without the error bit: callers judge
-// by the error code.
+// Changes one drive's state and edits the model to match, deliberately
+// without re-reading the adapter. On a failure the status is the error
+// code's low byte, without the error bit, also deliberately: callers judge
+// by the error code alone, so neither rule may be "corrected".
 EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
                                     RAID_PHYSICAL_DRIVE *Drive, UINT32 State,
                                     UINT32 *ErrorCode) {

@@ -70,7 +70,7 @@ constexpr RAID_WORD_TABLE kVolumeStates =
     RaidLibWordTable(kVolumeWords, RaidMatchExact, RAID_STATE_INVALID);
 
 // The digits after "RAID" in a type word ("RAID10" gives 10).
-UINT8 LevelOfType(const CHAR16 *Type) {
+[[nodiscard]] UINT8 LevelOfType(const CHAR16 *Type) {
   if (Type == nullptr || StrLen(Type) <= 4) {
     return 0;
   }

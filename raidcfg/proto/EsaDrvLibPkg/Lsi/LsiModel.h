@@ -12,7 +12,7 @@
 namespace lsi {
 
 // The array with drive-group number Id, or NULL.
-RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
+[[nodiscard]] RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
 
 // Every id a row carries (DG, DG/VD, EID:Slt, DID) is read exactly, as
 // RaidLibReadId reads it; a row with an id that is not is left out of the
@@ -20,21 +20,24 @@ RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id);
 
 // An array from a TOPOLOGY row (DG, -, -, -, -, RAIDn, ..., size, unit),
 // appended to ArrayList.
-EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller, const RAID_ROW *Row);
+[[nodiscard]] EFI_STATUS LsiAddArray(RAID_CONTROLLER *Controller,
+                                     const RAID_ROW *Row);
 
 // A volume from a VD LIST row (DG/VD, TYPE, State, Access, Consist, Cache,
 // Cac, sCC, size, unit, name), appended to its array's SegmentList. A row
 // naming no known array is skipped.
-EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row);
+[[nodiscard]] EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller,
+                                      const RAID_ROW *Row);
 
 // A drive from a PD LIST row (EID:Slt, DID, State, DG, size, unit, Intf,
 // Med, SED, PI, SeSz, Model), linked where its DG and State put it. *Drive
 // is the new record, or NULL when the row was skipped (a DG of no known
 // array).
-EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
-                       RAID_PHYSICAL_DRIVE **Drive);
+[[nodiscard]] EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller,
+                                     const RAID_ROW *Row,
+                                     RAID_PHYSICAL_DRIVE **Drive);
 
 // The volume state code of a VD LIST State word.
-UINT32 LsiVolumeStateCode(const CHAR16 *Word);
+[[nodiscard]] UINT32 LsiVolumeStateCode(const CHAR16 *Word);
 
 }  // namespace lsi

@@ -7,6 +7,7 @@
 // Tables are read through a copy of the line walk, so the walk itself still
 // sees every line and a table the tool left out costs no later line.
 #include <Library/BaseLib.h>
+#include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
 #include <Protocol/Host/TarnSetup.h>
@@ -15,8 +16,8 @@
 #include "LsiBackend.h"
 #include "LsiModel.h"
 #include "RaidLibLines.h"
-#include "RaidLibRow.h"
 #include "RaidLibModelBuild.h"
+#include "RaidLibRow.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -50,7 +51,8 @@ VOID CheckSummaryStatus(const CHAR8 *Caller, CHAR16 *Output, RAID_LINE_CURSOR Li
 
 // Stores the stripped value of a name line in *Field, or traces Missing and
 // keeps the old value when the tool printed a blank value.
-EFI_STATUS StoreName(const CHAR8 *Caller, const CHAR16 *Line, CHAR16 **Field, const CHAR8 *Missing) {
+[[nodiscard]] EFI_STATUS StoreName(const CHAR8 *Caller, const CHAR16 *Line,
+                                   CHAR16 **Field, const CHAR8 *Missing) {
   RAID_ROW Scratch;
   CHAR16 *Value = RaidLibSecondPiece(Line, u"=", &Scratch);
   if (Value == nullptr || StrCmp(Value, u" \r") == 0) {
@@ -64,7 +66,8 @@ EFI_STATUS StoreName(const CHAR8 *Caller, const CHAR16 *Line, CHAR16 **Field, co
 
 // The TOPOLOGY table: one array per disk-group row ("-" in the Arr column,
 // a RAID type rather than DRIVE).
-EFI_STATUS ReadDriveGroups(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReadDriveGroups(RAID_LINE_CURSOR Lines,
+                                         RAID_CONTROLLER *Controller) {
   for (CHAR16 *Line = RaidLibSkipLines(&Lines, kTableRowOffset);
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
        Line = RaidLibNextLine(&Lines)) {
@@ -83,8 +86,9 @@ EFI_STATUS ReadDriveGroups(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) 
 }
 
 // The VD LIST table: RowCount volumes.
-EFI_STATUS ReadVirtualDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
-                             RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReadVirtualDrives(RAID_LINE_CURSOR Lines,
+                                           UINT64 RowCount,
+                                           RAID_CONTROLLER *Controller) {
   CHAR16 *Line = RowCount == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
   for (UINT64 Index = 0; Index < RowCount && Line != nullptr;
        Index++, Line = RaidLibNextLine(&Lines)) {
@@ -115,8 +119,9 @@ VOID WarnSlidColumns(const RAID_ROW &Row) {
 }
 
 // The PD LIST table: RowCount drives; DriveTable gets RowCount + 1 entries.
-EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
-                              RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines,
+                                            UINT64 RowCount,
+                                            RAID_CONTROLLER *Controller) {
   if (RowCount > kMaxTableRows) {
     RowCount = kMaxTableRows;
   }
@@ -143,7 +148,9 @@ EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
       break;
     }
     if (Drive != nullptr) {
-      RaidLibAppendToDriveTable(&Table, Drive);
+      // At most Count rows are read, and the table has Count entries.
+      BOOLEAN Tabled = RaidLibAppendToDriveTable(&Table, Drive);
+      ASSERT(Tabled);
     }
   }
   // A cut or faulty table leaves fewer drives than announced; the count
@@ -153,8 +160,10 @@ EFI_STATUS ReadPhysicalDrives(RAID_LINE_CURSOR Lines, UINT64 RowCount,
 }
 
 // Acts on one line of the summary; Lines stands just behind it.
-EFI_STATUS ReadSummaryLine(const CHAR8 *Caller, const CHAR16 *Line, const RAID_LINE_CURSOR &Lines,
-                           RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReadSummaryLine(const CHAR8 *Caller,
+                                         const CHAR16 *Line,
+                                         const RAID_LINE_CURSOR &Lines,
+                                         RAID_CONTROLLER *Controller) {
   RAID_CONTROLLER_PRIVATE *Private = Controller->Private;
   if (RaidLibStartsWith(Line, u"Product Name")) {
     return StoreName(Caller, Line, &Private->ProductName,

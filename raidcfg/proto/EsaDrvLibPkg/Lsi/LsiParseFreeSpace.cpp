@@ -24,7 +24,7 @@ constexpr UINT64 kNextUnitThreshold = 102400;
 constexpr const CHAR16 *kUnitText[] = {u"MB", u"GB", u"TB"};
 
 // A segment's size in thousandths of a MB.
-UINT64 ThousandthsOfMb(UINT64 Figure, UINT32 Unit) {
+[[nodiscard]] UINT64 ThousandthsOfMb(UINT64 Figure, UINT32 Unit) {
   switch (Unit) {
     case RAID_UNIT_TB:
       return Figure * 1048576;
@@ -36,7 +36,7 @@ UINT64 ThousandthsOfMb(UINT64 Figure, UINT32 Unit) {
 }
 
 // TRUE when some record of the list carries Id.
-bool ListHasId(RAID_ARRAY *Array, UINT32 Id) {
+[[nodiscard]] bool ListHasId(RAID_ARRAY *Array, UINT32 Id) {
   for (RAID_VOLUME *Record :
        uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
     if (Record->Id == Id) {
@@ -55,7 +55,7 @@ struct SegmentIds {
 
 // Reads the row's ids exactly. An AftrVD of 4294967295 is the mark of "-"
 // and could not be told from it, so it is no usable id either.
-bool ReadSegmentIds(const RAID_ROW *Row, SegmentIds *Ids) {
+[[nodiscard]] bool ReadSegmentIds(const RAID_ROW *Row, SegmentIds *Ids) {
   Ids->AfterVd = RAID_SEGMENT_AFTER_NO_VOLUME;
   bool After = RaidLibWordIs(Row->Words[2], u"-") ||
                (RaidLibReadId(Row->Words[2], &Ids->AfterVd) &&
@@ -66,7 +66,8 @@ bool ReadSegmentIds(const RAID_ROW *Row, SegmentIds *Ids) {
 
 // A free segment from one row, linked into its array. A row whose ids are
 // not usable is left out.
-EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
+[[nodiscard]] EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller,
+                                        const RAID_ROW *Row) {
   SegmentIds Ids = {};
   if (!ReadSegmentIds(Row, &Ids)) {
     RAID_LIB_TRACE(TARN_DEBUG_ERROR,
@@ -83,8 +84,9 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
   UINT32 SizeUnit = RaidLibUnitCodeOfWord(Row->Words[4]);
   bool Placed = Ids.AfterVd == RAID_SEGMENT_AFTER_NO_VOLUME ||
                 ListHasId(Array, Ids.AfterVd);
-  // A segment after no listed record still joins the list (at its tail), so
-  // the array owns it, but the report is refused.
+  // The kit places the segment as the wizard expects (deliberately ahead of
+  // the record it lies after). A segment after no listed record still joins
+  // the list (at its tail), so the array owns it, but the report is refused.
   if (RaidLibAddFreeSegment(Array, Ids.Id, Ids.AfterVd, SizeFigure, SizeUnit,
                             kSegmentExtraSize) == nullptr) {
     return EFI_OUT_OF_RESOURCES;
@@ -95,8 +97,10 @@ EFI_STATUS AddFreeSegment(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
 
 // The rows of one free-space table, up to its closing ruler. Row KB sizes
 // are too small to use.
-EFI_STATUS ReadFreeSpaceRows(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines, CHAR16 *FirstRow,
-                             RAID_CONTROLLER *Controller) {
+[[nodiscard]] EFI_STATUS ReadFreeSpaceRows(const CHAR8 *Caller,
+                                           RAID_LINE_CURSOR *Lines,
+                                           CHAR16 *FirstRow,
+                                           RAID_CONTROLLER *Controller) {
   for (CHAR16 *Line = FirstRow;
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
        Line = RaidLibNextLine(Lines)) {
@@ -137,7 +141,7 @@ VOID NormaliseFreeCapacity(const CHAR8 *Caller, RAID_CONTROLLER *Controller) {
 }
 
 // The trimmed value of the report's first "Status" line, or NULL.
-CHAR16 *FindStatus(RAID_LINE_CURSOR Lines, RAID_ROW *Scratch) {
+[[nodiscard]] CHAR16 *FindStatus(RAID_LINE_CURSOR Lines, RAID_ROW *Scratch) {
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Status")) {

@@ -15,7 +15,7 @@ namespace {
 // The tool's error number from the row two lines below an "ErrorCode"
 // line: the third word when the first reads as a non-zero number, else the
 // second. NULL words read as 0.
-UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
+[[nodiscard]] UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
   RAID_ROW Row;
   RaidLibSplitRow(Line, &Row);
   const CHAR16 *Number =
@@ -25,7 +25,9 @@ UINT32 ErrorNumberOfRow(const CHAR16 *Line) {
 
 // After a "Failure" status: every following line must be an "ErrorCode"
 // line for the last number read to stand; the first other line makes the
-// verdict "failed without an error code".
+// verdict "failed without an error code". Deliberately strict: a number
+// survives only when "ErrorCode" lines run to the end of the output, and
+// the codes the operator is shown depend on it; do not relax it.
 VOID JudgeFailure(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines, UINT32 *ErrorCode) {
   for (CHAR16 *Line = RaidLibNextLine(Lines); Line != nullptr;
        Line = RaidLibNextLine(Lines)) {

@@ -15,9 +15,10 @@ namespace {
 
 // Runs "show all" for every volume of every array; a fault of one volume
 // does not stop the others.
-EFI_STATUS ReadVolumeProperties(const CHAR8 *Caller,
-                                RAID_CONTROLLER *Controller, EFI_STATUS Status,
-                                UINT32 *ErrorCode) {
+[[nodiscard]] EFI_STATUS ReadVolumeProperties(const CHAR8 *Caller,
+                                              RAID_CONTROLLER *Controller,
+                                              EFI_STATUS Status,
+                                              UINT32 *ErrorCode) {
   const CHAR16 *Tool = Controller->Capability->ToolName;
   UINT32 CardId = Controller->Private->CardId;
   for (RAID_ARRAY *Array :
@@ -71,7 +72,9 @@ EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   }
   for (UINT32 CardId = 0; CardId < gLsiControllerCount; CardId++) {
     if (gLsiControllerCount == 2 && CardId == 1) {
-      // Two controllers and card 0 is not ours: card 1 must be.
+      // Two controllers and card 0 is not ours: card 1 must be. A
+      // deliberate shortcut that saves a tool run at start-up: card 1 is
+      // taken without running its command, and card 0's code is cleared.
       Controller->Private->CardId = 1;
       *ErrorCode = 0;
       return EFI_SUCCESS;

@@ -33,12 +33,8 @@ constexpr UINTN kMaxListLength = 4096;
 // Link is at offset 0, and two lists would share one instantiation.
 template <typename Record, typename Visit>
 VOID EachRecord(const LIST_ENTRY &Head, Visit Each) {
-  LIST_ENTRY &Ring = const_cast<LIST_ENTRY &>(Head);
-  if (Ring.ForwardLink == nullptr || Ring.BackLink == nullptr) {
-    return;
-  }
   UINTN Count = 0;
-  for (const Record *Item : uefi::ListOf<&Record::Link>(Ring)) {
+  for (const Record *Item : uefi::ConstListOf<&Record::Link>(Head)) {
     if (++Count > kMaxListLength) {
       return;
     }

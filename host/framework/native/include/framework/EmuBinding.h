@@ -26,7 +26,7 @@ class EmuBinding {
   EmuBinding(const EmuBinding &) = delete;
   EmuBinding &operator=(const EmuBinding &) = delete;
 
-  EFI_STATUS StartStatus() const { return StartStatus_; }
+  [[nodiscard]] EFI_STATUS StartStatus() const { return StartStatus_; }
   // Called with the language code when the operator switches language;
   // without a handler every language is accepted and nothing changes.
   using LanguageHandler = std::function<EFI_STATUS(const std::string &)>;
@@ -37,10 +37,12 @@ class EmuBinding {
   void SetFallbackHiiHandle(EFI_HII_HANDLE Handle) { Fallback_ = Handle; }
 
  private:
-  static const CHAR16 *GetString(VOID *Context, EFI_HII_HANDLE HiiHandle,
-                                 EFI_STRING_ID Id);
-  static EFI_STATUS SetLanguage(VOID *Context, const CHAR8 *Language);
-  static BOOLEAN Ask(VOID *Context);
+  [[nodiscard]] static const CHAR16 *GetString(VOID *Context,
+                                               EFI_HII_HANDLE HiiHandle,
+                                               EFI_STRING_ID Id);
+  [[nodiscard]] static EFI_STATUS SetLanguage(VOID *Context,
+                                              const CHAR8 *Language);
+  [[nodiscard]] static BOOLEAN Ask(VOID *Context);
   static VOID Refresh(VOID *Context);
 
   emu::SetupProtocol &Setup_;

@@ -32,42 +32,48 @@ class HeadlessDriver {
   HeadlessDriver &operator=(const HeadlessDriver &) = delete;
 
   // Ask answers from the queue, Refresh notes the progress seen.
-  HostServices Services();
+  [[nodiscard]] HostServices Services();
 
   // ---- Finding controls on the page shown
-  HOST_PAGE_NODE *Page() const { return CurrentPage(); }
+  [[nodiscard]] HOST_PAGE_NODE *Page() const { return CurrentPage(); }
   // The control of NodeId on the page shown, or NULL.
-  HOST_PAGE_NODE *Find(UINT32 NodeId) const;
+  [[nodiscard]] HOST_PAGE_NODE *Find(UINT32 NodeId) const;
   // The first control (visible ones first) whose text, with blanks
   // trimmed, equals Text; NULL when none.
-  HOST_PAGE_NODE *FindByText(const std::u16string &Text) const;
+  [[nodiscard]] HOST_PAGE_NODE *FindByText(const std::u16string &Text) const;
   // "#12" (a node id) or a visible text, UTF-8.
-  HOST_PAGE_NODE *Resolve(const std::string &Reference) const;
+  [[nodiscard]] HOST_PAGE_NODE *Resolve(const std::string &Reference) const;
 
   // ---- Reading
-  UINT8 State(const HOST_PAGE_NODE *Node) const;  // effective state
-  std::u16string Text(const HOST_PAGE_NODE *Node) const;
-  UINT64 Value(const HOST_PAGE_NODE *Node) const;
-  std::vector<std::u16string> Options(const HOST_PAGE_NODE *Node) const;
-  std::u16string Cell(const HOST_PAGE_NODE *Node, UINT32 Row,
-                      UINT32 Column) const;
-  std::u16string Title() const;
+  // The effective display state.
+  [[nodiscard]] UINT8 State(const HOST_PAGE_NODE *Node) const;
+  [[nodiscard]] std::u16string Text(const HOST_PAGE_NODE *Node) const;
+  [[nodiscard]] UINT64 Value(const HOST_PAGE_NODE *Node) const;
+  [[nodiscard]] std::vector<std::u16string> Options(
+      const HOST_PAGE_NODE *Node) const;
+  [[nodiscard]] std::u16string Cell(const HOST_PAGE_NODE *Node, UINT32 Row,
+                                    UINT32 Column) const;
+  [[nodiscard]] std::u16string Title() const;
 
   // ---- Operating (statuses of framework/Operator.h)
-  EFI_STATUS Press(HOST_PAGE_NODE *Node);
-  EFI_STATUS Choose(HOST_PAGE_NODE *Node, UINTN Index);
+  [[nodiscard]] EFI_STATUS Press(HOST_PAGE_NODE *Node);
+  [[nodiscard]] EFI_STATUS Choose(HOST_PAGE_NODE *Node, UINTN Index);
   // The option whose text (blanks trimmed) is Option.
-  EFI_STATUS Choose(HOST_PAGE_NODE *Node, const std::u16string &Option);
-  EFI_STATUS Tick(HOST_PAGE_NODE *Node, bool Checked);
-  EFI_STATUS Type(HOST_PAGE_NODE *Node, const std::u16string &Text);
-  EFI_STATUS Slide(HOST_PAGE_NODE *Node, UINT64 Value);
-  EFI_STATUS SelectRow(HOST_PAGE_NODE *Node, UINT32 Row);
+  [[nodiscard]] EFI_STATUS Choose(HOST_PAGE_NODE *Node,
+                                  const std::u16string &Option);
+  [[nodiscard]] EFI_STATUS Tick(HOST_PAGE_NODE *Node, bool Checked);
+  [[nodiscard]] EFI_STATUS Type(HOST_PAGE_NODE *Node,
+                                const std::u16string &Text);
+  [[nodiscard]] EFI_STATUS Slide(HOST_PAGE_NODE *Node, UINT64 Value);
+  [[nodiscard]] EFI_STATUS SelectRow(HOST_PAGE_NODE *Node, UINT32 Row);
   // The first row holding a cell whose text (blanks trimmed) is Text.
-  EFI_STATUS SelectRow(HOST_PAGE_NODE *Node, const std::u16string &Text);
-  EFI_STATUS SetCell(HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-                     UINT32 Value);
-  EFI_STATUS ChooseCell(HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-                        const std::u16string &Option);
+  [[nodiscard]] EFI_STATUS SelectRow(HOST_PAGE_NODE *Node,
+                                     const std::u16string &Text);
+  [[nodiscard]] EFI_STATUS SetCell(HOST_PAGE_NODE *Node, UINT32 Row,
+                                   UINT32 Column, UINT32 Value);
+  [[nodiscard]] EFI_STATUS ChooseCell(HOST_PAGE_NODE *Node, UINT32 Row,
+                                      UINT32 Column,
+                                      const std::u16string &Option);
   void FocusNext();
   void FocusPrevious();
 
@@ -78,26 +84,28 @@ class HeadlessDriver {
   void SetAskHandler(std::function<BOOLEAN()> Handler) {
     AskHandler_ = std::move(Handler);
   }
-  size_t PendingAnswers() const { return Answers_.size(); }
-  const std::vector<MessageBoxRecord> &MessageBoxes() const {
+  [[nodiscard]] size_t PendingAnswers() const { return Answers_.size(); }
+  [[nodiscard]] const std::vector<MessageBoxRecord> &MessageBoxes() const {
     return MessageBoxes_;
   }
   // Percentages the progress boxes moved to, in order (100 closes a box
   // and is not seen).
-  const std::vector<UINT8> &ProgressSeen() const { return Progress_; }
+  [[nodiscard]] const std::vector<UINT8> &ProgressSeen() const {
+    return Progress_;
+  }
 
   // ---- Module-wide actions
   void Help();
   void CloseHelp();
   // A language code ("fr-FR"); EFI_NOT_FOUND for an unknown one.
-  EFI_STATUS SwitchLanguage(const std::string &Code);
+  [[nodiscard]] EFI_STATUS SwitchLanguage(const std::string &Code);
   void ReturnToModule();
 
   // The screen as the operator would see it now, as UTF-8 text.
-  std::string Dump() const;
+  [[nodiscard]] std::string Dump() const;
 
  private:
-  static BOOLEAN Ask(VOID *Context);
+  [[nodiscard]] static BOOLEAN Ask(VOID *Context);
   static VOID Refresh(VOID *Context);
 
   UINTN Columns_;
@@ -111,7 +119,7 @@ class HeadlessDriver {
 };
 
 // UTF-8 and UTF-16 conversions used by the driver and scripts.
-std::string ToUtf8(const std::u16string &Text);
-std::u16string FromUtf8(const std::string &Text);
+[[nodiscard]] std::string ToUtf8(const std::u16string &Text);
+[[nodiscard]] std::u16string FromUtf8(const std::string &Text);
 
 }  // namespace framework

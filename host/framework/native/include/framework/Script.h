@@ -23,22 +23,28 @@ class ScriptRunner {
       : Driver_(Driver), Out_(Out) {}
 
   // Runs every line; stops at the first failing one. TRUE when all ran.
-  bool RunText(const std::string &Text, const std::string &Source);
-  bool RunFile(const std::string &Path);
-  const std::vector<ScriptError> &Errors() const { return Errors_; }
+  [[nodiscard]] bool RunText(const std::string &Text,
+                             const std::string &Source);
+  [[nodiscard]] bool RunFile(const std::string &Path);
+  [[nodiscard]] const std::vector<ScriptError> &Errors() const {
+    return Errors_;
+  }
 
   // Splits one line into words: blanks separate, "..." quotes (with \" and
   // \\), a '#' at the start of a word begins a comment unless it is a node
   // reference "#<digits>" after the first word.
-  static std::vector<std::string> Words(const std::string &Line,
-                                        std::string *Problem);
+  [[nodiscard]] static std::vector<std::string> Words(const std::string &Line,
+                                                      std::string *Problem);
 
  private:
   // Runs one line's words; an empty string when it went well, else why not.
-  std::string RunWords(const std::vector<std::string> &Words);
-  std::string RunControlAction(const std::vector<std::string> &Words);
-  std::string RunTableAction(const std::vector<std::string> &Words);
-  std::string RunExpectation(const std::vector<std::string> &Words);
+  [[nodiscard]] std::string RunWords(const std::vector<std::string> &Words);
+  [[nodiscard]] std::string RunControlAction(
+      const std::vector<std::string> &Words);
+  [[nodiscard]] std::string RunTableAction(
+      const std::vector<std::string> &Words);
+  [[nodiscard]] std::string RunExpectation(
+      const std::vector<std::string> &Words);
 
   HeadlessDriver &Driver_;
   std::ostream &Out_;

@@ -55,14 +55,15 @@ struct HelpState {
 
 // The languages F2 cycles through, in order.
 constexpr UINTN kLanguageCount = 11;
-const CHAR8 *LanguageCode(UINTN Index);
+[[nodiscard]] const CHAR8 *LanguageCode(UINTN Index);
 
 // ---- Life ---------------------------------------------------------------
 
 // Starts the framework: a fresh module root, no page, English. Identity is
 // the GUID handed to the module; FirstPageId the id slot 2 gives.
-EFI_STATUS Initialize(const HostServices &Services, const EFI_GUID &Identity,
-                      UINT32 FirstPageId);
+[[nodiscard]] EFI_STATUS Initialize(const HostServices &Services,
+                                    const EFI_GUID &Identity,
+                                    UINT32 FirstPageId);
 // Frees every node the framework made, every copy and the boxes.
 VOID Shutdown();
 // Fills the setup protocol's framework slots (0-12, 15-19) with the
@@ -76,59 +77,61 @@ VOID SetHiiHandle(EFI_HII_HANDLE HiiHandle);
 
 // ---- State --------------------------------------------------------------
 
-HOST_PAGE_NODE *ModuleRoot();
+[[nodiscard]] HOST_PAGE_NODE *ModuleRoot();
 // The page shown now (a node of kind HOST_CONTROL_PAGE), or NULL.
-HOST_PAGE_NODE *CurrentPage();
+[[nodiscard]] HOST_PAGE_NODE *CurrentPage();
 // The control with the focus, or NULL.
-HOST_PAGE_NODE *FocusNode();
-const MessageBoxState &MessageBox();
-const HelpState &Help();
-UINTN LanguageIndex();
+[[nodiscard]] HOST_PAGE_NODE *FocusNode();
+[[nodiscard]] const MessageBoxState &MessageBox();
+[[nodiscard]] const HelpState &Help();
+[[nodiscard]] UINTN LanguageIndex();
 // Number of nodes the framework made that are alive.
-UINTN LiveNodeCount();
+[[nodiscard]] UINTN LiveNodeCount();
 // Number of those made for the module's pages: every live node but the
 // module root, which the framework makes at Initialize and keeps until
 // Shutdown (a module cannot free it). After the module unloaded, anything
 // but 0 is a page it left behind.
-UINTN LiveModuleNodeCount();
+[[nodiscard]] UINTN LiveModuleNodeCount();
 
 // ---- The setup protocol's framework slots, callable directly ------------
 
-EFI_STATUS EFIAPI GetModuleRoot(HOST_PAGE_NODE **Root);
-EFI_STATUS EFIAPI GetModuleIdentity(EFI_GUID **Identity);
-EFI_STATUS EFIAPI GetFirstPageId(UINT32 *PageId);
-EFI_STATUS EFIAPI RegisterPage(EFI_HANDLE ImageHandle,
-                               EFI_HII_HANDLE HiiHandle, UINT32 Page,
-                               TARN_PAGE_CALLBACK EnterCallback,
-                               TARN_PAGE_CALLBACK LeaveCallback,
-                               TARN_MODULE_CALLBACK LanguageCallback);
-EFI_STATUS EFIAPI InstantiatePage(const HOST_PAGE_TEMPLATE *Template,
-                                  HOST_PAGE_NODE *Parent,
-                                  const EFI_GUID *Identity,
-                                  HOST_PAGE_NODE **Page);
-BOOLEAN EFIAPI ShowMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
-                              EFI_STRING_ID TextId, const CHAR16 *Text);
-EFI_STATUS EFIAPI SetProgress(UINT8 Percent);
-EFI_STATUS EFIAPI BuildControlTable(HOST_PAGE_NODE *Page,
-                                    const HOST_CONTROL_DESCRIPTOR *Common,
-                                    UINTN CommonCount,
-                                    const HOST_CONTROL_DESCRIPTOR *Own,
-                                    UINTN OwnCount);
-EFI_STATUS EFIAPI ShowPage(HOST_PAGE_NODE *Page, UINT32 FocusNodeId);
-EFI_STATUS EFIAPI RedrawControl(HOST_PAGE_NODE *Node);
-EFI_STATUS EFIAPI RedrawScreen();
-EFI_STATUS EFIAPI RegisterModuleCallbacks(
+[[nodiscard]] EFI_STATUS EFIAPI GetModuleRoot(HOST_PAGE_NODE **Root);
+[[nodiscard]] EFI_STATUS EFIAPI GetModuleIdentity(EFI_GUID **Identity);
+[[nodiscard]] EFI_STATUS EFIAPI GetFirstPageId(UINT32 *PageId);
+[[nodiscard]] EFI_STATUS EFIAPI
+RegisterPage(EFI_HANDLE ImageHandle, EFI_HII_HANDLE HiiHandle, UINT32 Page,
+             TARN_PAGE_CALLBACK EnterCallback, TARN_PAGE_CALLBACK LeaveCallback,
+             TARN_MODULE_CALLBACK LanguageCallback);
+[[nodiscard]] EFI_STATUS EFIAPI
+InstantiatePage(const HOST_PAGE_TEMPLATE *Template, HOST_PAGE_NODE *Parent,
+                const EFI_GUID *Identity, HOST_PAGE_NODE **Page);
+[[nodiscard]] BOOLEAN EFIAPI ShowMessageBox(UINT8 Style, EFI_STRING_ID TitleId,
+                                            EFI_STRING_ID TextId,
+                                            const CHAR16 *Text);
+[[nodiscard]] EFI_STATUS EFIAPI SetProgress(UINT8 Percent);
+[[nodiscard]] EFI_STATUS EFIAPI BuildControlTable(
+    HOST_PAGE_NODE *Page, const HOST_CONTROL_DESCRIPTOR *Common,
+    UINTN CommonCount, const HOST_CONTROL_DESCRIPTOR *Own, UINTN OwnCount);
+[[nodiscard]] EFI_STATUS EFIAPI ShowPage(HOST_PAGE_NODE *Page,
+                                         UINT32 FocusNodeId);
+[[nodiscard]] EFI_STATUS EFIAPI RedrawControl(HOST_PAGE_NODE *Node);
+[[nodiscard]] EFI_STATUS EFIAPI RedrawScreen();
+[[nodiscard]] EFI_STATUS EFIAPI RegisterModuleCallbacks(
     TARN_MODULE_CALLBACK ReturnCallback, TARN_MODULE_CALLBACK HelpCallback,
     TARN_MODULE_CALLBACK LanguageCallback);
-EFI_STATUS EFIAPI ShowHelp(HOST_PAGE_NODE *Page,
-                           const HOST_HELP_ENTRY *Entries, UINTN Count);
-EFI_STATUS EFIAPI RegisterDefaultCallbacks();
-EFI_STATUS EFIAPI FreePageNode(HOST_PAGE_NODE *Node);
-EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
-                           HOST_PAGE_NODE **Node);
-EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
-EFI_STATUS EFIAPI RegisterStepCallback(HOST_PAGE_NODE *Page,
-                                       TARN_STEP_CALLBACK Step);
+[[nodiscard]] EFI_STATUS EFIAPI ShowHelp(HOST_PAGE_NODE *Page,
+                                         const HOST_HELP_ENTRY *Entries,
+                                         UINTN Count);
+[[nodiscard]] EFI_STATUS EFIAPI RegisterDefaultCallbacks();
+[[nodiscard]] EFI_STATUS EFIAPI FreePageNode(HOST_PAGE_NODE *Node);
+[[nodiscard]] EFI_STATUS EFIAPI FindNode(HOST_PAGE_NODE *Root, UINT32 NodeId,
+                                         HOST_PAGE_NODE **Node);
+// The node NodeId below Root, or NULL (none there, or no Root): FindNode for
+// the framework's own callers, whose answer is the node alone.
+[[nodiscard]] HOST_PAGE_NODE *NodeById(HOST_PAGE_NODE *Root, UINT32 NodeId);
+[[nodiscard]] EFI_STATUS EFIAPI GetLanguage(CHAR8 *Buffer, UINTN BufferSize);
+[[nodiscard]] EFI_STATUS EFIAPI RegisterStepCallback(HOST_PAGE_NODE *Page,
+                                                     TARN_STEP_CALLBACK Step);
 
 // ---- Reading controls (renderer, driver) ---------------------------------
 
@@ -149,38 +152,41 @@ struct CellView {
 };
 
 // The framework's record of a node, or NULL for a node without one.
-HOST_CONTROL *ControlOf(const HOST_PAGE_NODE *Node);
+[[nodiscard]] HOST_CONTROL *ControlOf(const HOST_PAGE_NODE *Node);
 // The text the control shows (never NULL).
-const CHAR16 *TextOf(const HOST_PAGE_NODE *Node);
-UINTN OptionCount(const HOST_PAGE_NODE *Node);
-BOOLEAN OptionAt(const HOST_PAGE_NODE *Node, UINTN Index, OptionView *View);
+[[nodiscard]] const CHAR16 *TextOf(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINTN OptionCount(const HOST_PAGE_NODE *Node);
+[[nodiscard]] BOOLEAN OptionAt(const HOST_PAGE_NODE *Node, UINTN Index,
+                               OptionView *View);
 // Table shape; 0 for a node that is not a table.
-UINT32 TableRows(const HOST_PAGE_NODE *Node);
-UINT32 TableColumns(const HOST_PAGE_NODE *Node);
-UINT32 TableFlags(const HOST_PAGE_NODE *Node);
-UINT16 TableColumnWidth(const HOST_PAGE_NODE *Node, UINT32 Column);
-BOOLEAN CellAt(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-               CellView *View);
-const CHAR16 *CellOptionText(const HOST_PAGE_NODE *Node, UINT32 Row,
-                             UINT32 Column, UINTN Option);
-UINT8 CellOptionState(const HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-                      UINTN Option);
+[[nodiscard]] UINT32 TableRows(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 TableColumns(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 TableFlags(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT16 TableColumnWidth(const HOST_PAGE_NODE *Node,
+                                      UINT32 Column);
+[[nodiscard]] BOOLEAN CellAt(const HOST_PAGE_NODE *Node, UINT32 Row,
+                             UINT32 Column, CellView *View);
+[[nodiscard]] const CHAR16 *CellOptionText(const HOST_PAGE_NODE *Node,
+                                           UINT32 Row, UINT32 Column,
+                                           UINTN Option);
+[[nodiscard]] UINT8 CellOptionState(const HOST_PAGE_NODE *Node, UINT32 Row,
+                                    UINT32 Column, UINTN Option);
 // Scroll position and cell cursor of a table, kept by the framework.
-UINT32 TableScrollTop(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 TableScrollTop(const HOST_PAGE_NODE *Node);
 VOID SetTableScrollTop(HOST_PAGE_NODE *Node, UINT32 Top);
-UINT32 TableCursorColumn(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 TableCursorColumn(const HOST_PAGE_NODE *Node);
 VOID SetTableCursorColumn(HOST_PAGE_NODE *Node, UINT32 Column);
 // The option under a radio group's cursor.
-UINT32 RadioCursor(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 RadioCursor(const HOST_PAGE_NODE *Node);
 VOID SetRadioCursor(HOST_PAGE_NODE *Node, UINT32 Option);
 
 // Effective display state: hidden when the node or an ancestor is hidden,
 // grayed when the node or an ancestor is grayed, shown otherwise.
-UINT8 EffectiveState(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT8 EffectiveState(const HOST_PAGE_NODE *Node);
 // TRUE for a control the operator can move the focus to: a visible,
 // enabled button, radio group, combo box, check box, edit box, slider or
 // table.
-BOOLEAN IsFocusable(const HOST_PAGE_NODE *Node);
+[[nodiscard]] BOOLEAN IsFocusable(const HOST_PAGE_NODE *Node);
 
 // Reads again what the refresh marks below Node say (and any control whose
 // cached text was dropped), then clears the marks.

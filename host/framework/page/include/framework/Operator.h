@@ -22,26 +22,26 @@ namespace framework {
 VOID FocusNext();
 VOID FocusPrevious();
 // Focus on Node; EFI_ACCESS_DENIED when it cannot take the focus.
-EFI_STATUS FocusOn(HOST_PAGE_NODE *Node);
+[[nodiscard]] EFI_STATUS FocusOn(HOST_PAGE_NODE *Node);
 
-EFI_STATUS Press(HOST_PAGE_NODE *Node);
+[[nodiscard]] EFI_STATUS Press(HOST_PAGE_NODE *Node);
 // Radio group or combo box: the option at Index.
-EFI_STATUS Choose(HOST_PAGE_NODE *Node, UINTN Index);
-EFI_STATUS SetCheck(HOST_PAGE_NODE *Node, BOOLEAN Checked);
-EFI_STATUS TypeText(HOST_PAGE_NODE *Node, const CHAR16 *Text);
+[[nodiscard]] EFI_STATUS Choose(HOST_PAGE_NODE *Node, UINTN Index);
+[[nodiscard]] EFI_STATUS SetCheck(HOST_PAGE_NODE *Node, BOOLEAN Checked);
+[[nodiscard]] EFI_STATUS TypeText(HOST_PAGE_NODE *Node, const CHAR16 *Text);
 // Slider: the value is clamped to the slider's range.
-EFI_STATUS Slide(HOST_PAGE_NODE *Node, UINT64 Value);
+[[nodiscard]] EFI_STATUS Slide(HOST_PAGE_NODE *Node, UINT64 Value);
 // Table: select data row Row (row 0 is the heading).
-EFI_STATUS SelectRow(HOST_PAGE_NODE *Node, UINT32 Row);
+[[nodiscard]] EFI_STATUS SelectRow(HOST_PAGE_NODE *Node, UINT32 Row);
 // Table: a check box cell's state or a combo box cell's option.
-EFI_STATUS SetCell(HOST_PAGE_NODE *Node, UINT32 Row, UINT32 Column,
-                   UINT32 Value);
+[[nodiscard]] EFI_STATUS SetCell(HOST_PAGE_NODE *Node, UINT32 Row,
+                                 UINT32 Column, UINT32 Value);
 
 // F1: the module's help callback (the host's own help when none).
 VOID RequestHelp();
 // F2 and its kin: make language Index current, re-read every text and tell
 // the module. EFI_INVALID_PARAMETER for an index out of range.
-EFI_STATUS SwitchLanguage(UINTN Index);
+[[nodiscard]] EFI_STATUS SwitchLanguage(UINTN Index);
 // The operator comes back to the module: the entry callback of the first
 // page registered with one, else the module's return callback.
 VOID ReturnToModule();

@@ -11,7 +11,7 @@ namespace framework {
 namespace attr {
 constexpr UINT8 kBlack = 0x0, kBlue = 0x1, kCyan = 0x3, kRed = 0x4,
                 kLightGray = 0x7, kDarkGray = 0x8, kYellow = 0xE, kWhite = 0xF;
-constexpr UINT8 Make(UINT8 Foreground, UINT8 Background) {
+[[nodiscard]] constexpr UINT8 Make(UINT8 Foreground, UINT8 Background) {
   return static_cast<UINT8>(Foreground | (Background << 4));
 }
 }  // namespace attr
@@ -48,7 +48,8 @@ struct ScreenSink {
 
 // Allocates a screen (sizes clamped to the limits above); FALSE when memory
 // is short.
-BOOLEAN AllocateScreen(ScreenBuffer &Screen, UINTN Columns, UINTN Rows);
+[[nodiscard]] BOOLEAN AllocateScreen(ScreenBuffer &Screen, UINTN Columns,
+                                     UINTN Rows);
 VOID FreeScreen(ScreenBuffer &Screen);
 VOID FillScreen(ScreenBuffer &Screen, CHAR16 Char, UINT8 Attribute);
 // Fills a rectangle, clipped to the screen.

@@ -47,7 +47,7 @@ struct BodyArea {
   UINTN Width;
   UINTN Height;
 };
-BodyArea BodyOf(const ScreenBuffer &Screen);
+[[nodiscard]] BodyArea BodyOf(const ScreenBuffer &Screen);
 
 // Draws everything the operator sees now. Overlay may be NULL.
 VOID ComposeScreen(ScreenBuffer &Screen, const UiOverlay *Overlay);
@@ -59,10 +59,10 @@ VOID DrawHelpPanel(ScreenBuffer &Screen);
 VOID DrawDropDown(ScreenBuffer &Screen, const UiOverlay &Overlay);
 // Screen position of a control drawn in the last ComposeScreen; FALSE when
 // it was not drawn.
-BOOLEAN ControlPosition(const HOST_PAGE_NODE *Node, UINTN *Column,
-                        UINTN *Row, UINTN *Width);
+[[nodiscard]] BOOLEAN ControlPosition(const HOST_PAGE_NODE *Node, UINTN *Column,
+                                      UINTN *Row, UINTN *Width);
 // Number of data rows a table shows at once, as last drawn (1 when it was
 // not drawn).
-UINT32 TableVisibleRows(const HOST_PAGE_NODE *Node);
+[[nodiscard]] UINT32 TableVisibleRows(const HOST_PAGE_NODE *Node);
 
 }  // namespace framework

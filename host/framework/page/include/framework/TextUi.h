@@ -42,21 +42,22 @@ struct TextUi {
 };
 
 // Prepares the UI for a console of Columns x Rows.
-EFI_STATUS TextUiStart(TextUi &Ui, UINTN Columns, UINTN Rows,
-                       const ScreenSink &Sink, const KeySource &Keys);
+[[nodiscard]] EFI_STATUS TextUiStart(TextUi &Ui, UINTN Columns, UINTN Rows,
+                                     const ScreenSink &Sink,
+                                     const KeySource &Keys);
 VOID TextUiStop(TextUi &Ui);
 // Host services that route the framework's questions and redraws to Ui;
 // GetString and SetLanguage are left for the caller to fill.
-HostServices TextUiServices(TextUi &Ui);
+[[nodiscard]] HostServices TextUiServices(TextUi &Ui);
 // Draws the current state (only what changed since the last frame).
 VOID TextUiRender(TextUi &Ui);
 // Redraws every cell on the next render (after the console was cleared).
 VOID TextUiInvalidate(TextUi &Ui);
 // Handles one key; FALSE when the operator leaves.
-BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key);
+[[nodiscard]] BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key);
 // Renders and handles keys until the operator leaves or input ends.
 VOID TextUiRun(TextUi &Ui);
 // The open box's answer from the keyboard (the framework's Ask service).
-BOOLEAN TextUiAsk(TextUi &Ui);
+[[nodiscard]] BOOLEAN TextUiAsk(TextUi &Ui);
 
 }  // namespace framework

@@ -20,8 +20,8 @@ struct UefiConsole {
 VOID UefiConsoleOpen(UefiConsole &Console, EFI_SYSTEM_TABLE *SystemTable);
 // The current text mode's size (80x25 when the console cannot tell).
 VOID UefiConsoleSize(const UefiConsole &Console, UINTN *Columns, UINTN *Rows);
-ScreenSink UefiConsoleSink(UefiConsole &Console);
-KeySource UefiConsoleKeys(UefiConsole &Console);
+[[nodiscard]] ScreenSink UefiConsoleSink(UefiConsole &Console);
+[[nodiscard]] KeySource UefiConsoleKeys(UefiConsole &Console);
 // Restores a plain console: default attribute, cleared, cursor shown.
 VOID UefiConsoleClose(UefiConsole &Console);
 

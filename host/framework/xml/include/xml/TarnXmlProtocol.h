@@ -11,10 +11,10 @@
 // The protocol's function table, ready to install. Parsers live in the pool
 // and are known by the protocol until ParserFree; a pointer it did not hand
 // out is refused (NULL buffer, EFI_INVALID_PARAMETER) without being read.
-EFI_TARNXML_PROTOCOL *TarnXmlProtocolInterface(VOID);
+[[nodiscard]] EFI_TARNXML_PROTOCOL *TarnXmlProtocolInterface(VOID);
 
 // Parsers created and not yet freed.
-UINTN TarnXmlLiveParsers(VOID);
+[[nodiscard]] UINTN TarnXmlLiveParsers(VOID);
 
 // Frees every parser still alive (a host that unloads its module).
 VOID TarnXmlFreeAllParsers(VOID);

@@ -35,7 +35,7 @@ typedef VOID(EFIAPI *XML_SAX_END_ELEMENT)(VOID *Context, const CHAR16 *Name);
 typedef struct _XML_SAX_PARSER XML_SAX_PARSER;
 
 // A new parser from the pool, or NULL when memory is short.
-XML_SAX_PARSER *XmlSaxCreate(VOID);
+[[nodiscard]] XML_SAX_PARSER *XmlSaxCreate(VOID);
 
 // Sets the element callbacks (either may be NULL) and the context they get.
 VOID XmlSaxSetHandlers(XML_SAX_PARSER *Parser, XML_SAX_START_ELEMENT Start,
@@ -46,12 +46,12 @@ VOID XmlSaxSetHandlers(XML_SAX_PARSER *Parser, XML_SAX_START_ELEMENT Start,
 // empty or unfinished one at the final call included), exceeds a limit, or
 // failed or ended before; EFI_INVALID_PARAMETER for a NULL parser, or NULL
 // bytes with a non-zero length.
-EFI_STATUS XmlSaxParse(XML_SAX_PARSER *Parser, const UINT8 *Bytes,
-                       UINTN Length, BOOLEAN IsFinal);
+[[nodiscard]] EFI_STATUS XmlSaxParse(XML_SAX_PARSER *Parser, const UINT8 *Bytes,
+                                     UINTN Length, BOOLEAN IsFinal);
 
 // Byte offset of the first byte the parser refused (the input's length
 // so far when it failed at the final call); all ones while it has not failed.
-UINT64 XmlSaxErrorOffset(const XML_SAX_PARSER *Parser);
+[[nodiscard]] UINT64 XmlSaxErrorOffset(const XML_SAX_PARSER *Parser);
 
 // Frees the parser; NULL is ignored.
 VOID XmlSaxFree(XML_SAX_PARSER *Parser);

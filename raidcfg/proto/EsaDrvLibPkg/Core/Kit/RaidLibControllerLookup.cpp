@@ -7,7 +7,7 @@
 
 namespace {
 
-RAID_CONTROLLER *FindController(const CHAR8 *Caller, UINT32 Id) {
+[[nodiscard]] RAID_CONTROLLER *FindController(const CHAR8 *Caller, UINT32 Id) {
   for (RAID_CONTROLLER *Controller :
        uefi::ListOf<&RAID_CONTROLLER::Link>(gControllerList)) {
     if (Controller->Id == Id) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-bool InList(LIST_ENTRY *List, const RAID_PHYSICAL_DRIVE *Drive) {
+[[nodiscard]] bool InList(LIST_ENTRY *List, const RAID_PHYSICAL_DRIVE *Drive) {
   for (RAID_PHYSICAL_DRIVE *Listed :
        uefi::ListOf<&RAID_PHYSICAL_DRIVE::Link>(*List)) {
     if (Listed == Drive) {
@@ -44,11 +44,12 @@ constexpr const CHAR8 *kEndMarkId =
     "[%a]Drive %S: device id %u is the end mark of a drive id list; drive "
     "left out\n";
 
-// Traces why the drive in *Entry goes, drops it and empties the entry.
-VOID LeaveOut(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE **Entry,
-              const CHAR8 *Why) {
-  RAID_LIB_TRACE_AS("RaidLibLeaveOutAmbiguousDrives", TARN_DEBUG_ERROR, Why,
-                    (*Entry)->Location, (*Entry)->Id);
+// Traces why the drive in *Entry goes, under Caller's name, drops it and
+// empties the entry.
+VOID LeaveOut(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
+              RAID_PHYSICAL_DRIVE **Entry, const CHAR8 *Why) {
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR, Why, (*Entry)->Location,
+                    (*Entry)->Id);
   Drop(Controller, *Entry);
   *Entry = nullptr;
 }
@@ -69,14 +70,14 @@ VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller) {
     bool Repeated = false;
     for (UINT32 Later = Index + 1; Later < Count; Later++) {
       if (Table[Later] != nullptr && Table[Later]->Id == Id) {
-        LeaveOut(Controller, &Table[Later], kRepeatedId);
+        LeaveOut(__func__, Controller, &Table[Later], kRepeatedId);
         Repeated = true;
       }
     }
     if (Repeated) {
-      LeaveOut(Controller, &Table[Index], kRepeatedId);
+      LeaveOut(__func__, Controller, &Table[Index], kRepeatedId);
     } else if (Id == RAID_DRIVE_LIST_END) {
-      LeaveOut(Controller, &Table[Index], kEndMarkId);
+      LeaveOut(__func__, Controller, &Table[Index], kEndMarkId);
     }
   }
   UINT32 Kept = 0;

@@ -9,7 +9,9 @@
 namespace {
 
 // Line feeds separate lines; so do terminators written by earlier walks.
-bool IsLineBreak(CHAR16 Char) { return Char == u'\n' || Char == 0; }
+[[nodiscard]] bool IsLineBreak(CHAR16 Char) {
+  return Char == u'\n' || Char == 0;
+}
 
 }  // namespace
 

@@ -11,14 +11,15 @@
 namespace {
 
 // A pool copy of a numbered name ("Array%d", "FreeCapacity%d").
-CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
+[[nodiscard]] CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
   CHAR16 Name[32];
   UnicodeSPrint(Name, sizeof(Name), Format, Number);
   return AllocDestStr(Name);
 }
 
 // The list a placed drive sits in, and the count that counts it there.
-UINT32 *CountOfPlace(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
+[[nodiscard]] UINT32 *CountOfPlace(RAID_CONTROLLER *Controller,
+                                   RAID_PHYSICAL_DRIVE *Drive) {
   bool Spare = Drive->Role == RAID_ROLE_HOT_SPARE;
   if (Drive->Owner == Controller) {
     return Spare ? &Controller->GlobalSpareCount
@@ -130,6 +131,8 @@ RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id, const CHAR16 *Location,
 
 VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                        RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  // An array's drives are counted on the array's own controller.
+  ASSERT(Array == nullptr || Array->Controller == Controller);
   Drive->State = State;
   Drive->Role = Role;
   LIST_ENTRY *List = nullptr;
@@ -147,6 +150,7 @@ VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
 
 VOID RaidLibMoveDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,
                       RAID_ARRAY *Array, UINT32 State, UINT32 Role) {
+  ASSERT(Drive->Owner != nullptr);  // only a placed drive has a list to leave
   if (UINT32 *Count = CountOfPlace(Controller, Drive);
       Count != nullptr && *Count > 0) {
     (*Count)--;

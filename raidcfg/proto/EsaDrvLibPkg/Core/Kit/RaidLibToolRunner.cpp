@@ -2,6 +2,7 @@
 // shared output buffer.
 #include "RaidLibToolRunner.h"
 
+#include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 #include <Protocol/Host/ShellCommand.h>
@@ -44,9 +45,9 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
 namespace {
 
 // Formats a command line, refusing one that was cut.
-EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                         UINTN CommandChars, UINT32 *ErrorCode,
-                         const CHAR16 *Format, VA_LIST Marker) {
+[[nodiscard]] EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
+                                       UINTN CommandChars, UINT32 *ErrorCode,
+                                       const CHAR16 *Format, VA_LIST Marker) {
   if (RaidLibVFormat(CommandLine, CommandChars, Format, Marker)) {
     return EFI_SUCCESS;
   }
@@ -73,12 +74,15 @@ EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
 namespace {
 
 // Formats, traces and runs one command line.
-EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
-                   const CHAR16 *Format, VA_LIST Marker) {
+[[nodiscard]] EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
+                                 const CHAR16 *Format, VA_LIST Marker) {
   EFI_STATUS Status = RaidLibLocateShellCommand(Run.Caller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
+  // Every backend sizes its lines within the longest; a release image
+  // clamps all the same.
+  ASSERT(Run.CommandChars <= RAID_TOOL_LONGEST_COMMAND_CHARS);
   UINTN CommandChars = Run.CommandChars;
   if (CommandChars > RAID_TOOL_LONGEST_COMMAND_CHARS) {
     CommandChars = RAID_TOOL_LONGEST_COMMAND_CHARS;

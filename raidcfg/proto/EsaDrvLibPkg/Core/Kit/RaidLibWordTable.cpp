@@ -7,7 +7,8 @@
 
 namespace {
 
-bool Matches(RAID_WORD_MATCH Match, const CHAR16 *Text, const CHAR16 *Word) {
+[[nodiscard]] bool Matches(RAID_WORD_MATCH Match, const CHAR16 *Text,
+                           const CHAR16 *Word) {
   switch (Match) {
     case RaidMatchPrefix:
       return RaidLibStartsWith(Text, Word) != FALSE;

@@ -47,7 +47,8 @@ struct WordList {
 };
 
 template <UINTN N>
-constexpr WordList MakeList(const WordCode (&Words)[N], UINT32 Other) {
+[[nodiscard]] constexpr WordList MakeList(const WordCode (&Words)[N],
+                                          UINT32 Other) {
   return {Words, N, Other};
 }
 
@@ -60,7 +61,7 @@ constexpr WordList kLists[] = {
     MakeList(kStripeWords, RAID_STRIPE_SIZE_OTHER),
 };
 
-const WordList *ListOfKind(RAID_POLICY_KIND Kind) {
+[[nodiscard]] const WordList *ListOfKind(RAID_POLICY_KIND Kind) {
   UINTN Index = static_cast<UINTN>(Kind);
   return Index < ARRAY_SIZE(kLists) ? &kLists[Index] : nullptr;
 }
