@@ -11,6 +11,14 @@
 [[nodiscard]] BOOLEAN RaidLibControllerCanRunTool(
     const RAID_CONTROLLER *Controller);
 
+// The start of an operation that runs the tool: the controller must pass
+// RaidLibControllerCanRunTool (else RAID_ERROR_MISSING and EFI_ABORTED) and
+// the shell-command service is located (a failure is traced under Caller
+// and returned with its firmware error code).
+[[nodiscard]] EFI_STATUS RaidLibToolAvailable(const CHAR8 *Caller,
+                                              const RAID_CONTROLLER *Controller,
+                                              UINT32 *ErrorCode);
+
 // Before a command is built: the shell-command service is located (a
 // failure is traced under Caller and returned with its firmware error
 // code) and the card has a number (else RAID_ERROR_INVALID_CARD_ID and

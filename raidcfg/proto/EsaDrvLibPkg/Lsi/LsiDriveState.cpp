@@ -230,11 +230,7 @@ EFI_STATUS LsiSetPhysicalDriveState(RAID_CONTROLLER *Controller,
 EFI_STATUS LsiSetAllPhysicalDriveState(RAID_CONTROLLER *Controller,
                                        UINT32 State, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (!RaidLibControllerCanRunTool(Controller)) {
-    *ErrorCode = RAID_ERROR_MISSING;
-    return EFI_ABORTED;
-  }
-  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
+  EFI_STATUS Status = RaidLibToolAvailable(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

@@ -43,11 +43,7 @@ namespace {
 // each controller's summary is compared with our PCI location.
 EFI_STATUS LsiGetCardId(RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
   *ErrorCode = 0;
-  if (!RaidLibControllerCanRunTool(Controller)) {
-    *ErrorCode = RAID_ERROR_MISSING;
-    return EFI_ABORTED;
-  }
-  EFI_STATUS Status = RaidLibLocateShellCommand(__func__, ErrorCode);
+  EFI_STATUS Status = RaidLibToolAvailable(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -111,7 +107,7 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
     return EFI_SUCCESS;
   }
   EFI_STATUS Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
-  if (Status == EFI_ABORTED) {
+  if (EFI_ERROR(Status) && *ErrorCode == RAID_ERROR_INVALID_CARD_ID) {
     RAID_LIB_TRACE(TARN_DEBUG_ERROR, "[%a] Invalid controller id\n");
   }
   if (EFI_ERROR(Status)) {

@@ -21,6 +21,16 @@ BOOLEAN RaidLibControllerCanRunTool(const RAID_CONTROLLER *Controller) {
              : FALSE;
 }
 
+EFI_STATUS RaidLibToolAvailable(const CHAR8 *Caller,
+                                const RAID_CONTROLLER *Controller,
+                                UINT32 *ErrorCode) {
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
+    return EFI_ABORTED;
+  }
+  return RaidLibLocateShellCommand(Caller, ErrorCode);
+}
+
 EFI_STATUS RaidLibReadyToRunTool(const CHAR8 *Caller,
                                  const RAID_CONTROLLER *Controller,
                                  UINT32 *ErrorCode) {
