@@ -5,6 +5,7 @@
 // writes only its signature, so the controller is known by its family and
 // every operation on it is refused as missing.
 #include "RaidBackends.h"
+#include "RaidLibOperation.h"
 #include "RaidLib.h"
 
 namespace {

@@ -506,11 +506,6 @@ typedef enum {
 // controller or private record.
 [[nodiscard]] UINT32 RaidLibControllerFamily(const RAID_CONTROLLER *Controller);
 
-// Clears an operation table and writes Signature into it, zero-padded; the
-// first step of every backend's binding operation.
-VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
-                            const CHAR8 *Signature);
-
 // Fills an operation table with one family's backend.
 typedef VOID (*RAID_BIND_BACKEND)(RAID_OPERATIONS *Operations);
 

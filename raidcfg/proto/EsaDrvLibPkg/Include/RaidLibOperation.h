@@ -6,6 +6,11 @@
 
 #include "RaidLib.h"
 
+// Clears an operation table and writes Signature into it, zero-padded; the
+// first step of every backend's binding operation.
+VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
+                            const CHAR8 *Signature);
+
 // TRUE when the controller has what a command line needs: its private
 // record (the card number) and a capability naming the tool.
 [[nodiscard]] BOOLEAN RaidLibControllerCanRunTool(

@@ -2,6 +2,7 @@
 #include "LsiBackend.h"
 
 #include "RaidBackends.h"
+#include "RaidLibOperation.h"
 
 namespace lsi {
 
