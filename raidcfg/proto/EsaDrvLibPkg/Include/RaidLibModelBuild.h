@@ -11,8 +11,8 @@
 
 // ---- Starting afresh --------------------------------------------------------
 
-// Frees the controller's arrays and drives and zeroes its counts, then gives
-// it an empty drive table. EFI_OUT_OF_RESOURCES when not even that could be
+// Frees the controller's arrays and drives (those held by the drive table
+// alone too) and zeroes its counts, then gives it an empty drive table. EFI_OUT_OF_RESOURCES when not even that could be
 // allocated.
 [[nodiscard]] EFI_STATUS RaidLibResetControllerModel(
     RAID_CONTROLLER *Controller);
@@ -24,6 +24,11 @@
 // when the pool is exhausted (nothing is left allocated).
 [[nodiscard]] RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller,
                                           UINT32 Id, UINTN ExtraSize);
+// The same with a copy of Name in place of "Array%u", for a tool whose
+// arrays the module names itself in another way.
+[[nodiscard]] RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller,
+                                               UINT32 Id, const CHAR16 *Name,
+                                               UINTN ExtraSize);
 
 // A volume numbered Id with a copy of Name (an empty name for NULL) and a
 // zeroed Extra block, appended to the array's SegmentList; VolumeCount is
@@ -88,3 +93,10 @@ typedef struct {
 // DiskDriveCount becomes the number of entries filled, so a cut or faulty
 // output leaves no empty entry before the table's end.
 VOID RaidLibFinishDriveTable(const RAID_DRIVE_TABLE_FILL *Fill);
+
+// A drive that the tool lists in a state of no list is never placed: it
+// sits in DriveTable alone (Owner NULL), and the table owns it. Frees every
+// such drive of the table and empties the table (DiskDriveCount 0); the
+// release of a controller and RaidLibResetControllerModel call it before
+// the lists are freed, while every entry still points at a live drive.
+VOID RaidLibFreeTableOnlyDrives(RAID_CONTROLLER *Controller);

@@ -33,7 +33,10 @@ VOID Drop(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
                         : Array->MemberDriveCount;
     Count = Count > 0 ? Count - 1 : 0;
   }
-  RemoveEntryList(&Drive->Link);
+  // A drive of no list (Owner NULL) is the table's alone.
+  if (Drive->Owner != nullptr) {
+    RemoveEntryList(&Drive->Link);
+  }
   RaidLibFreePhysicalDrive(Drive);
 }
 

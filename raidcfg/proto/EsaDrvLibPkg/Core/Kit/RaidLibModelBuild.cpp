@@ -35,6 +35,7 @@ namespace {
 }  // namespace
 
 EFI_STATUS RaidLibResetControllerModel(RAID_CONTROLLER *Controller) {
+  RaidLibFreeTableOnlyDrives(Controller);
   RaidLibFreeArrayLink(&Controller->ArrayList);
   RaidLibFreeDriveList(&Controller->PhysicalDriveList);
   RaidLibFreeDriveList(&Controller->SpareDriveList);
@@ -47,13 +48,20 @@ EFI_STATUS RaidLibResetControllerModel(RAID_CONTROLLER *Controller) {
 
 RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
                             UINTN ExtraSize) {
+  CHAR16 Name[32];
+  UnicodeSPrint(Name, sizeof(Name), u"Array%u", Id);
+  return RaidLibAddNamedArray(Controller, Id, Name, ExtraSize);
+}
+
+RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller, UINT32 Id,
+                                 const CHAR16 *Name, UINTN ExtraSize) {
   uefi::PoolPtr<RAID_ARRAY> Array(uefi::AllocateRecord<RAID_ARRAY>());
   if (!Array) {
     return nullptr;
   }
   InitializeListHead(&Array->DriveList);
   InitializeListHead(&Array->SegmentList);
-  Array->Name = NewNumberedName(u"Array%u", Id);
+  Array->Name = AllocDestStr(Name);
   Array->Extra = AllocateZeroPool(ExtraSize);
   if (Array->Name == nullptr || Array->Extra == nullptr) {
     FreePool(Array->Name);

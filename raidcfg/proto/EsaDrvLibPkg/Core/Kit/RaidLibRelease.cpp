@@ -4,6 +4,7 @@
 #include <Library/MemoryAllocationLib.h>
 
 #include "RaidLib.h"
+#include "RaidLibModelBuild.h"
 #include "RaidLibTrace.h"
 
 namespace {
@@ -56,6 +57,22 @@ VOID RaidLibFreePhysicalDrive(RAID_PHYSICAL_DRIVE *Drive) {
   FreePool(Drive->Model);
   FreePool(Drive->Position);
   FreePool(Drive);
+}
+
+// Frees the drives the table alone holds. The table is emptied (its count
+// 0, its first entry NULL): it is about to be freed or replaced.
+VOID RaidLibFreeTableOnlyDrives(RAID_CONTROLLER *Controller) {
+  RAID_PHYSICAL_DRIVE **Table = Controller->DriveTable;
+  if (Table == nullptr) {
+    return;
+  }
+  for (UINTN Index = 0; Table[Index] != nullptr; Index++) {
+    if (Table[Index]->Owner == nullptr) {
+      RaidLibFreePhysicalDrive(Table[Index]);
+    }
+  }
+  Table[0] = nullptr;
+  Controller->DiskDriveCount = 0;
 }
 
 // Frees every drive of a list and leaves the list empty.
@@ -114,6 +131,7 @@ VOID RaidLibFreeController(RAID_CONTROLLER *Controller) {
   FreeField(Controller->Name);
   FreeField(Controller->FirmwareVersion);
   FreeField(Controller->SerialNumber);
+  RaidLibFreeTableOnlyDrives(Controller);
   FreeField(Controller->DriveTable);
   RaidLibFreeCapability(Controller->Capability);
   Controller->Capability = nullptr;
