@@ -40,9 +40,6 @@ constexpr SignatureFamily kSignatureFamilies[] = {
 VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
   RaidLibStartOperations(Operations, RAID_SIGNATURE_ARC);
 }
-VOID M2BindBackend(RAID_OPERATIONS *Operations) {
-  RaidLibStartOperations(Operations, RAID_SIGNATURE_M2);
-}
 VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
   RaidLibStartOperations(Operations, RAID_SIGNATURE_RSTE);
 }
@@ -63,7 +60,7 @@ constinit const RAID_BACKEND_BINDING
          TRUE},
         {MchpBindBackend, RAID_VENDOR_ID_MICROCHIP, u"arcconf.efi",
          RAID_SIGNATURE_ARC, TRUE},
-        {M2BindBackend, RAID_VENDOR_ID_MARVELL, u"mvsetup.efi",
+        {m2::M2BindBackend, RAID_VENDOR_ID_MARVELL, u"mvsetup.efi",
          RAID_SIGNATURE_M2, TRUE},
         {RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
          RAID_SIGNATURE_RSTE, TRUE},

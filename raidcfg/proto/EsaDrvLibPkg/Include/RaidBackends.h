@@ -10,3 +10,8 @@ namespace lsi {
 // Broadcom/LSI MegaRAID through storcli ("$lsi").
 VOID LsiBindBackend(RAID_OPERATIONS *Operations);
 }  // namespace lsi
+
+namespace m2 {
+// Marvell M.2 RAID through mvsetup or mnv_cli ("$m.2").
+VOID M2BindBackend(RAID_OPERATIONS *Operations);
+}  // namespace m2
