@@ -33,10 +33,8 @@ struct DriveRead {
 };
 
 // The drive count the report gives: "Total # of PD", 0 when empty or absent.
-[[nodiscard]] UINT32 ReportedDriveCount(CHAR16 *Output) {
+[[nodiscard]] UINT32 ReportedDriveCount(RAID_LINE_CURSOR Lines) {
   UINT32 Count = 0;
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Total # of PD")) {
@@ -126,10 +124,8 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
 }
 
 // The second pass: every drive block.
-[[nodiscard]] EFI_STATUS ReadDrives(const CHAR8 *Caller, CHAR16 *Output,
-                                    DriveRead *Read) {
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
+[[nodiscard]] EFI_STATUS ReadDrives(const CHAR8 *Caller,
+                                    RAID_LINE_CURSOR Lines, DriveRead *Read) {
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     RAID_ROW Scratch;
@@ -167,10 +163,13 @@ EFI_STATUS ParsePhysicalDriveInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;
   }
-  const UINT32 Reported = ReportedDriveCount(Output);
+  // Both passes walk the output from its start: the walk is copied.
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
+  const UINT32 Reported = ReportedDriveCount(Lines);
   // The report's member drives are the volume report's "# of PDs" already.
   const UINT32 Members = Array->MemberDriveCount;
-  EFI_STATUS Status = ReadDrives(__func__, Output, &Read);
+  EFI_STATUS Status = ReadDrives(__func__, Lines, &Read);
   EndDrive(&Read);
   Array->MemberDriveCount = Members;
   RaidLibFinishDriveTable(&Read.Table);

@@ -93,6 +93,8 @@ EFI_STATUS M2GetControllerInfo(RAID_CONTROLLER *Controller,
   }
   Array->FreeCapacityUnit = RAID_UNIT_GB;
   Array->SizeUnit = RAID_UNIT_GB;
+  // A report without a "RAID mode" line reads as if it were empty.
+  Array->RaidLevel = M2RaidLevel(nullptr);
 
   RaidLibOutputJudgedByCaller(
       RaidLibRunTool(Run, ErrorCode, u"%S %d info -o vd", Tool, CardId));

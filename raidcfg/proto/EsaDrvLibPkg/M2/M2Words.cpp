@@ -35,6 +35,19 @@ constexpr RAID_WORD_CODE kDriveStates[] = {
     {u"rebuild", RAID_STATE3_REBUILD, RAID_ROLE_MEMBER},
 };
 
+constexpr RAID_WORD_TABLE kVolumeStateTable =
+    RaidLibWordTable(kVolumeStates, RaidMatchExact, RAID_STATE_INVALID);
+constexpr RAID_WORD_TABLE kStripeSizeTable =
+    RaidLibWordTable(kStripeSizes, RaidMatchExact, RAID_STRIPE_SIZE_OTHER);
+constexpr RAID_WORD_TABLE kRaidModeTable =
+    RaidLibWordTable(kRaidModes, RaidMatchExact, M2_RAID_LEVEL_UNKNOWN);
+constexpr RAID_WORD_TABLE kMediaTypeTable =
+    RaidLibWordTable(kMediaTypes, RaidMatchExact, RAID_MEDIA_SAS_SSD);
+// Role RAID_ROLE_UNCONFIGURED for a word of no entry: its role is not
+// changed, since the drive is placed nowhere.
+constexpr RAID_WORD_TABLE kDriveStateTable =
+    RaidLibWordTable(kDriveStates, RaidMatchExact, RAID_STATE_INVALID);
+
 // One GB is 1024 MB and 1048576 KB. A volume's "K" is taken as it stands,
 // a drive's is divided: the tools print volumes and drives in these units.
 constexpr UINT64 kPerTera = 1024;
@@ -83,35 +96,26 @@ UINT32 M2VolumeState(const CHAR16 *Value) {
   if (Value == nullptr) {
     return RAID_STATE3_OFFLINE;
   }
-  return RaidLibCodeOfWord(
-      RaidLibWordTable(kVolumeStates, RaidMatchExact, RAID_STATE_INVALID),
-      Value);
+  return RaidLibCodeOfWord(kVolumeStateTable, Value);
 }
 
 UINT32 M2StripeSize(const CHAR16 *Value) {
-  return RaidLibCodeOfWord(
-      RaidLibWordTable(kStripeSizes, RaidMatchExact, RAID_STRIPE_SIZE_OTHER),
-      Value);
+  return RaidLibCodeOfWord(kStripeSizeTable, Value);
 }
 
 UINT8 M2RaidLevel(const CHAR16 *Value) {
-  return static_cast<UINT8>(RaidLibCodeOfWord(
-      RaidLibWordTable(kRaidModes, RaidMatchExact, M2_RAID_LEVEL_UNKNOWN),
-      Value));
+  return static_cast<UINT8>(RaidLibCodeOfWord(kRaidModeTable, Value));
 }
 
 UINT32 M2MediaType(const CHAR16 *Value) {
   if (Value == nullptr) {
     return RAID_MEDIA_SATA_SSD;
   }
-  return RaidLibCodeOfWord(
-      RaidLibWordTable(kMediaTypes, RaidMatchExact, RAID_MEDIA_SAS_SSD), Value);
+  return RaidLibCodeOfWord(kMediaTypeTable, Value);
 }
 
 M2DriveStatus M2DriveStatusOf(const CHAR16 *Value) {
-  const RAID_WORD_CODE &Word = RaidLibClassifyWord(
-      RaidLibWordTable(kDriveStates, RaidMatchExact, RAID_STATE_INVALID),
-      Value);
+  const RAID_WORD_CODE &Word = RaidLibClassifyWord(kDriveStateTable, Value);
   M2DrivePlace Place = M2DrivePlace::Nowhere;
   if (Word.Code == RAID_STATE3_READY) {
     Place = M2DrivePlace::Unconfigured;
