@@ -8,6 +8,7 @@
 
 #include "sim/common/PciIdentity.h"
 #include "sim/common/VirtualFamily.h"
+#include "sim/marvell/MarvellFamily.h"
 #include "sim/megaraid/MegaRaidFamily.h"
 
 namespace host {
@@ -90,6 +91,7 @@ const FamilyRegistry &FamilyRegistry::Builtin() {
     };
     // The scenario's "family" name and the sim folder that simulates it.
     Add("megaraid", sim::megaraid::MakeFamily);
+    Add("marvell", sim::marvell::MakeFamily);
     return Registry;
   }();
   return kRegistry;
