@@ -92,7 +92,7 @@ std::string Verdict(const Change &Result, const std::string &Done) {
   return Line(Result.Error ? *Result.Error : Done);
 }
 
-std::string RunOnAdapter(Adapter &Target, CommandWords &Words) {
+std::string RunOnAdapter(Adapter &Target, size_t Number, CommandWords &Words) {
   if (Words.Take("info")) {
     if (!Words.Take("-o")) {
       return InvalidCommand();
@@ -101,7 +101,7 @@ std::string RunOnAdapter(Adapter &Target, CommandWords &Words) {
       return VolumeReport(Target);
     }
     if (Words.Take("pd") && Words.Done()) {
-      return DriveReport(Target);
+      return DriveReport(Target, Number);
     }
     return InvalidCommand();
   }
@@ -152,7 +152,7 @@ std::string Mvcli::Run(const std::string &CommandLine) {
                 " does not exist.");
   }
   Words.Skip();
-  return RunOnAdapter(Adapters_[*Number], Words);
+  return RunOnAdapter(Adapters_[*Number], *Number, Words);
 }
 
 }  // namespace sim::marvell

@@ -97,10 +97,10 @@ std::string VolumeReport(const Adapter &State) {
   return Out.Text();
 }
 
-std::string DriveReport(const Adapter &State) {
+std::string DriveReport(const Adapter &State, size_t Number) {
   Report Out(kKeyWidth);
   for (const Drive &D : State.Drives) {
-    Out.Key("Adapter", "0");
+    Out.Key("Adapter", std::to_string(Number));
     Out.Key("PD ID", std::to_string(D.Id));
     Out.Key("Type", D.Type == DriveType::Sata ? "SATA PD" : "NVMe PD");
     Out.Key("Size", D.Size);

@@ -95,8 +95,19 @@ typedef struct {
 VOID RaidLibFinishDriveTable(const RAID_DRIVE_TABLE_FILL *Fill);
 
 // A drive that the tool lists in a state of no list is never placed: it
-// sits in DriveTable alone (Owner NULL), and the table owns it. Frees every
-// such drive of the table and empties the table (DiskDriveCount 0); the
-// release of a controller and RaidLibResetControllerModel call it before
-// the lists are freed, while every entry still points at a live drive.
+// sits in DriveTable alone, its links NULL and its Owner NULL, and the table
+// owns it. RaidLibNewDrive makes drives so; RaidLibHoldInTableOnly turns a
+// drive just taken out of its list into one.
+[[nodiscard]] inline BOOLEAN RaidLibInNoList(const RAID_PHYSICAL_DRIVE *Drive) {
+  return Drive->Link.ForwardLink == nullptr ? TRUE : FALSE;
+}
+inline VOID RaidLibHoldInTableOnly(RAID_PHYSICAL_DRIVE *Drive) {
+  Drive->Link.ForwardLink = nullptr;
+  Drive->Link.BackLink = nullptr;
+  Drive->Owner = nullptr;
+}
+// Frees every drive of the table that sits in no list and empties the table
+// (DiskDriveCount 0); the release of a controller and
+// RaidLibResetControllerModel call it before the lists are freed, while
+// every entry still points at a live drive.
 VOID RaidLibFreeTableOnlyDrives(RAID_CONTROLLER *Controller);

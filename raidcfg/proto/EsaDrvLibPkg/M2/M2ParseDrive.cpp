@@ -49,7 +49,7 @@ struct DriveRead {
 // no list would be held by nothing: it is dropped.
 VOID EndDrive(DriveRead *Read) {
   if (Read->Current != nullptr && !Read->CurrentInTable &&
-      Read->Current->Owner == nullptr) {
+      RaidLibInNoList(Read->Current)) {
     RaidLibFreePhysicalDrive(Read->Current);
   }
   Read->Current = nullptr;
@@ -91,7 +91,7 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
   }
   RAID_ARRAY *Array =
       Status.Place == M2DrivePlace::Array ? Read->Array : nullptr;
-  if (Drive->Owner == nullptr) {
+  if (RaidLibInNoList(Drive)) {
     RaidLibPlaceDrive(Read->Controller, Drive, Array, Status.State,
                       Status.Role);
   } else {

@@ -34,7 +34,7 @@ VOID DropArrayWithoutVolumes(RAID_CONTROLLER *Controller, RAID_ARRAY *Array) {
   }
   while (RAID_PHYSICAL_DRIVE *Drive =
              uefi::TakeFirst<&RAID_PHYSICAL_DRIVE::Link>(&Array->DriveList)) {
-    Drive->Owner = nullptr;
+    RaidLibHoldInTableOnly(Drive);
     if (!InDriveTable(Controller, Drive)) {
       RaidLibFreePhysicalDrive(Drive);
     }

@@ -4,6 +4,7 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "RaidLib.h"
+#include "RaidLibModelBuild.h"
 #include "RaidLibTrace.h"
 
 namespace {
@@ -33,8 +34,8 @@ VOID Drop(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive) {
                         : Array->MemberDriveCount;
     Count = Count > 0 ? Count - 1 : 0;
   }
-  // A drive of no list (Owner NULL) is the table's alone.
-  if (Drive->Owner != nullptr) {
+  // A drive of no list is the table's alone.
+  if (!RaidLibInNoList(Drive)) {
     RemoveEntryList(&Drive->Link);
   }
   RaidLibFreePhysicalDrive(Drive);

@@ -67,7 +67,7 @@ VOID RaidLibFreeTableOnlyDrives(RAID_CONTROLLER *Controller) {
     return;
   }
   for (UINTN Index = 0; Table[Index] != nullptr; Index++) {
-    if (Table[Index]->Owner == nullptr) {
+    if (RaidLibInNoList(Table[Index])) {
       RaidLibFreePhysicalDrive(Table[Index]);
     }
   }

@@ -13,6 +13,7 @@ namespace sim::marvell {
 // Every adapter's block, in the tool's numbering order.
 std::string HbaReport(const std::vector<Adapter> &Adapters);
 std::string VolumeReport(const Adapter &State);
-std::string DriveReport(const Adapter &State);
+// Number: the adapter's number in the tools' numbering.
+std::string DriveReport(const Adapter &State, size_t Number);
 
 }  // namespace sim::marvell
