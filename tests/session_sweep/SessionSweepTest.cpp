@@ -42,9 +42,11 @@ std::string ReadScript(const std::string &Name) {
   return Text.str();
 }
 
-// Every read of the tools is a "show"; any other command changes something.
+// Every read of the tools is a "show", or an "info" report of the M.2
+// tools; any other command changes something.
 bool IsChange(const std::string &CommandLine) {
-  return CommandLine.find(" show") == std::string::npos;
+  return CommandLine.find(" show") == std::string::npos &&
+         CommandLine.find(" info -o ") == std::string::npos;
 }
 
 // Management-controller events that report a failed change.
