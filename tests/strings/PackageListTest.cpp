@@ -3,6 +3,7 @@
 // the error box's text fits the buffer the module formats it into.
 #include <Library/PrintLib.h>
 #include <gtest/gtest.h>
+#include "RaidLib.h"
 #include "RaidLibMessages.h"
 #include <strings/RaidcfgStrings.h>
 
@@ -135,3 +136,20 @@ TEST(PackageListTest, ErrorBoxTextFitsItsBufferInEveryLanguage) {
 }
 
 }  // namespace
+
+// The drive legend of the help (pages 7 and 11) names every state word an
+// M.2 adapter shows, in every language: the words are shown as the state
+// table has them, so the legend keeps them as they are.
+TEST(StateLegendTest, NamesEveryM2StateInEveryLanguage) {
+  constexpr EFI_STRING_ID kLegend = 901;
+  for (const std::string &Language : strings_test::kLanguages) {
+    const std::u16string &Legend = TextsOf(Language.c_str()).at(kLegend);
+    for (UINT32 State = RAID_STATE3_READY; State <= RAID_STATE3_FOREIGN;
+         State++) {
+      const std::u16string Word(
+          reinterpret_cast<const char16_t *>(RaidLibStateText(State)));
+      EXPECT_NE(Legend.find(Word), std::u16string::npos)
+          << Language << " lacks " << Utf8(Word);
+    }
+  }
+}
