@@ -9,5 +9,7 @@ namespace wizard_test {
 constexpr UINTN kEmptyMegaRaid = 0;       // eight unconfigured drives
 constexpr UINTN kConfiguredMegaRaid = 1;  // two arrays, three virtual disks
 constexpr UINTN kSasMegaRaid = 2;         // eight unconfigured SAS drives
+// Its virtual Marvell M.2 adapter (two ready SATA M.2 drives).
+constexpr UINTN kM2Adapter = 5;
 
 }  // namespace wizard_test
