@@ -184,6 +184,22 @@ TEST(Record, RecordedRunReplaysToTheSameDump) {
   EXPECT_EQ(Live.Model.dump(), Replayed.Model.dump());
 }
 
+// A server with an M.2 adapter behind each M.2 tool: the recording holds
+// both tools' runs and replays to the same model.
+TEST(Record, BothM2ToolsReplayToTheSameDump) {
+  ScratchDirectory Dir;
+  const host::Scenario Scenario = host::LoadScenarioFile(
+      std::string(RAIDCFG_SCENARIO_DIR) + "/marvell-two-tools.json");
+  DumpRun Live = RunDump(Scenario, {std::nullopt, Dir.Path()});
+  DumpRun Replayed = RunDump(Scenario, {Dir.Path(), std::nullopt});
+  EXPECT_TRUE(Live.Problems.empty());
+  EXPECT_TRUE(Replayed.Problems.empty());
+  EXPECT_EQ(Live.Model.dump(), Replayed.Model.dump());
+  const std::string Commands = Dir.Read("commands.txt");
+  EXPECT_NE(Commands.find("\tmvsetup.efi 0 info -o pd\n"), std::string::npos);
+  EXPECT_NE(Commands.find("\tmnv_cli.efi 1 info -o pd\n"), std::string::npos);
+}
+
 TEST(MegaRaidFamily, StorcliAnswersForTheScenariosAdapter) {
   host::Server Server(host::ParseScenario(FourFamilyScenario(), "."));
   EXPECT_NE(RunShellCommand("storcli.efi /c0 show").find("Bus Number = 59"),
