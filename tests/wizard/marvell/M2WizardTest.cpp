@@ -6,6 +6,7 @@
 #include "DemoServer.h"
 #include "Golden.h"
 #include "WizardWorld.h"
+#include "native/EmbeddedFiles.h"
 #include "wizard/RaidPageNodes.h"
 #include "wizard/RaidWizard.h"
 
@@ -155,6 +156,28 @@ TEST_F(M2WizardTest, MnvCliMirrorIsShownAndDeleted) {
   EXPECT_TRUE(After["marvell"][0]["volumes"].empty());
   EXPECT_EQ(After["marvell"][0]["drives"][1]["status"], "ready");
   EXPECT_TRUE(TraceHas("mnv_cli.efi 0 delete -o vd -i 0 -f --waiveconfirmation"));
+}
+
+// The demo's M.2 adapter with a profile naming mnv_cli.efi (kind 3): the
+// simple path passes its checks but plans no member drive, as the wizard
+// keeps it for this kind, so the create is refused as having no drives and
+// the adapter is left as it was.
+TEST_F(M2WizardTest, MnvCliSimplePathPlansNoDrives) {
+  json Server = DemoScenarioJson();
+  std::string Xml(*host::FindEmbeddedFile("raid.xml"));
+  Xml.replace(Xml.find("mvsetup.efi"), 11, "mnv_cli.efi");
+  Server["volumeFiles"] = {{"raid.xml", {{"text", Xml}}}};
+  Start(ScenarioFrom(Server));
+  ASSERT_EQ(ChooseAdapter(kM2Adapter), EFI_SUCCESS);
+  EXPECT_EQ(gRaidAdapterKind, RAID_ADAPTER_KIND_MNV_CLI);
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+  NextTo(RAID_PAGE_SIMPLE_VERIFY);
+  EXPECT_EQ(Text(RAID_NODE_VERIFY_DRIVES), u"Disk Drives: 0");
+  CreateFrom(RAID_PAGE_SIMPLE_VERIFY);
+  EXPECT_EQ(AdapterStates(), Started_);
+  EXPECT_TRUE(TraceHas("[M2CreateVolume]No Free Physical Drives!"));
+  EXPECT_EQ(Events(), std::vector<UINT32>{0xFE21});
 }
 
 TEST_F(M2WizardTest, GoldenScreens) {
