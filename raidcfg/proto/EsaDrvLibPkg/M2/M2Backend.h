@@ -14,6 +14,7 @@
 #include <Uefi.h>
 
 #include "RaidLib.h"
+#include "RaidLibLines.h"
 #include "RaidLibRow.h"
 
 namespace m2 {
@@ -97,6 +98,14 @@ namespace m2 {
 
 // ---- Reading values ---------------------------------------------------------
 
+// A walk over a whole report.
+[[nodiscard]] inline RAID_LINE_CURSOR M2ReportLines(CHAR16 *Output) {
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
+  return Lines;
+}
+
+
 // The value of a "key: value" line: the piece behind the first ":",
 // stripped of blanks and line ends at both ends; points into Scratch. NULL
 // when it is empty or there is no ":".
@@ -125,6 +134,36 @@ struct M2DriveStatus {
 
 // A count value, held at the largest UINT32; 0 when it is empty.
 [[nodiscard]] UINT32 M2ReadCount(const CHAR16 *Value);
+// Hands every line of the walk and its value (M2LineValue) to Each, which
+// returns a status; the walk stops at the first failure and returns it.
+template <typename Visit>
+[[nodiscard]] EFI_STATUS M2EachKeyLine(RAID_LINE_CURSOR Lines, Visit &&Each) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
+    RAID_ROW Scratch;
+    const CHAR16 *Value = M2LineValue(Line, &Scratch);
+    EFI_STATUS Status = Each(static_cast<const CHAR16 *>(Line), Value);
+    if (EFI_ERROR(Status)) {
+      return Status;
+    }
+  }
+  return EFI_SUCCESS;
+}
+
+// An allocation failure of a parser in its error code; Status handed on.
+[[nodiscard]] inline EFI_STATUS M2ParseResult(EFI_STATUS Status,
+                                              UINT32 *ErrorCode) {
+  if (EFI_ERROR(Status)) {
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+  }
+  return Status;
+}
+
+// A value as a trace shows it: an empty one as an empty text.
+[[nodiscard]] inline const CHAR16 *M2Shown(const CHAR16 *Value) {
+  return Value != nullptr ? Value : u"";
+}
+
 // An id value: its number, or M2_ID_NONE when it is empty or no id.
 [[nodiscard]] UINT32 M2ReadId(const CHAR16 *Value);
 

@@ -48,32 +48,26 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Output == nullptr || Controller == nullptr) {
     return EFI_ABORTED;
   }
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    RAID_ROW Scratch;
-    const CHAR16 *Value = M2LineValue(Line, &Scratch);
-    EFI_STATUS Status = EFI_SUCCESS;
-    if (RaidLibStartsWith(Line, u"Adapter ID")) {
-      RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a]Adapter ID: %s\n",
-                     Value != nullptr ? Value : u"");
-    } else if (RaidLibStartsWith(Line, u"SerialNo")) {
-      Status = StoreText(Value, &Controller->SerialNumber);
-    } else if (RaidLibStartsWith(Line, u"Firmware version")) {
-      Status = StoreText(Value, &Controller->FirmwareVersion);
-    } else if (RaidLibStartsWith(Line, u"slot number")) {
-      StoreSlot(__func__, Value, Controller);
-    } else if (RaidLibStartsWith(Line, u"Maximum supported disk")) {
-      Controller->DiskDriveCount =
-          Value == nullptr ? M2_DEFAULT_DISK_COUNT : M2ReadCount(Value);
-    }
-    if (EFI_ERROR(Status)) {
-      *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
-      return Status;
-    }
-  }
-  return EFI_SUCCESS;
+  const CHAR8 *Caller = __func__;
+  EFI_STATUS Status = M2EachKeyLine(
+      M2ReportLines(Output), [Caller, Controller](const CHAR16 *Line,
+                                                  const CHAR16 *Value) {
+        if (RaidLibStartsWith(Line, u"Adapter ID")) {
+          RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
+                            "[%a]Adapter ID: %s\n", M2Shown(Value));
+        } else if (RaidLibStartsWith(Line, u"SerialNo")) {
+          return StoreText(Value, &Controller->SerialNumber);
+        } else if (RaidLibStartsWith(Line, u"Firmware version")) {
+          return StoreText(Value, &Controller->FirmwareVersion);
+        } else if (RaidLibStartsWith(Line, u"slot number")) {
+          StoreSlot(Caller, Value, Controller);
+        } else if (RaidLibStartsWith(Line, u"Maximum supported disk")) {
+          Controller->DiskDriveCount =
+              Value == nullptr ? M2_DEFAULT_DISK_COUNT : M2ReadCount(Value);
+        }
+        return EFI_SUCCESS;
+      });
+  return M2ParseResult(Status, ErrorCode);
 }
 
 }  // namespace m2

@@ -35,13 +35,13 @@ struct DriveRead {
 // The drive count the report gives: "Total # of PD", 0 when empty or absent.
 [[nodiscard]] UINT32 ReportedDriveCount(RAID_LINE_CURSOR Lines) {
   UINT32 Count = 0;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
+  (VOID)M2EachKeyLine(Lines, [&Count](const CHAR16 *Line,
+                                      const CHAR16 *Value) {
     if (RaidLibStartsWith(Line, u"Total # of PD")) {
-      RAID_ROW Scratch;
-      Count = M2ReadCount(M2LineValue(Line, &Scratch));
+      Count = M2ReadCount(Value);
     }
-  }
+    return EFI_SUCCESS;
+  });
   return Count;
 }
 
@@ -126,24 +126,18 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
 // The second pass: every drive block.
 [[nodiscard]] EFI_STATUS ReadDrives(const CHAR8 *Caller,
                                     RAID_LINE_CURSOR Lines, DriveRead *Read) {
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    RAID_ROW Scratch;
-    const CHAR16 *Value = M2LineValue(Line, &Scratch);
-    EFI_STATUS Status = EFI_SUCCESS;
+  return M2EachKeyLine(Lines, [Caller, Read](const CHAR16 *Line,
+                                             const CHAR16 *Value) {
     if (RaidLibStartsWith(Line, u"Adapter")) {
       RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Adapter: %s\n",
-                        Value != nullptr ? Value : u"");
+                        M2Shown(Value));
     } else if (RaidLibStartsWith(Line, u"PD ID")) {
-      Status = StartDrive(Caller, Read, Value);
+      return StartDrive(Caller, Read, Value);
     } else if (Read->Current != nullptr) {
-      Status = ReadDriveLine(Read, Line, Value);
+      return ReadDriveLine(Read, Line, Value);
     }
-    if (EFI_ERROR(Status)) {
-      return Status;
-    }
-  }
-  return EFI_SUCCESS;
+    return EFI_SUCCESS;
+  });
 }
 
 }  // namespace
@@ -164,8 +158,7 @@ EFI_STATUS ParsePhysicalDriveInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     return EFI_OUT_OF_RESOURCES;
   }
   // Both passes walk the output from its start: the walk is copied.
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
+  const RAID_LINE_CURSOR Lines = M2ReportLines(Output);
   const UINT32 Reported = ReportedDriveCount(Lines);
   // The report's member drives are the volume report's "# of PDs" already.
   const UINT32 Members = Array->MemberDriveCount;
@@ -178,10 +171,7 @@ EFI_STATUS ParsePhysicalDriveInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Reported < Controller->DiskDriveCount) {
     Controller->DiskDriveCount = Reported;
   }
-  if (EFI_ERROR(Status)) {
-    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
-  }
-  return Status;
+  return M2ParseResult(Status, ErrorCode);
 }
 
 }  // namespace m2

@@ -49,6 +49,18 @@ namespace {
   return true;
 }
 
+// A new volume numbered by an "id" value. A block that lacks a line reads
+// as if the line were empty.
+[[nodiscard]] RAID_VOLUME *AddVolume(RAID_ARRAY *Array, const CHAR16 *Value) {
+  RAID_VOLUME *Volume =
+      RaidLibAddVolume(Array, M2ReadId(Value), nullptr, M2_VOLUME_EXTRA_SIZE);
+  if (Volume != nullptr) {
+    Volume->State = M2VolumeState(nullptr);
+    Volume->StripeSize = M2StripeSize(nullptr);
+  }
+  return Volume;
+}
+
 // The array's own lines.
 VOID ReadArrayLine(const CHAR16 *Line, const CHAR16 *Value,
                    RAID_ARRAY *Array) {
@@ -74,33 +86,20 @@ EFI_STATUS ParseVolumeInfo(CHAR16 *Output, RAID_ARRAY *Array,
   if (Output == nullptr || Array == nullptr) {
     return EFI_ABORTED;
   }
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, M2_OUTPUT_CHARS);
   RAID_VOLUME *Volume = nullptr;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    RAID_ROW Scratch;
-    const CHAR16 *Value = M2LineValue(Line, &Scratch);
-    EFI_STATUS Status = EFI_SUCCESS;
-    if (RaidLibStartsWith(Line, u"id")) {
-      Volume = RaidLibAddVolume(Array, M2ReadId(Value), nullptr,
-                                M2_VOLUME_EXTRA_SIZE);
-      if (Volume == nullptr) {
-        Status = EFI_OUT_OF_RESOURCES;
-      } else {
-        // A block that lacks a line reads as if the line were empty.
-        Volume->State = M2VolumeState(nullptr);
-        Volume->StripeSize = M2StripeSize(nullptr);
-      }
-    } else if (!ReadVolumeLine(Line, Value, Volume, &Status)) {
-      ReadArrayLine(Line, Value, Array);
-    }
-    if (EFI_ERROR(Status)) {
-      *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
-      return Status;
-    }
-  }
-  return EFI_SUCCESS;
+  EFI_STATUS Status = M2EachKeyLine(
+      M2ReportLines(Output),
+      [Array, &Volume](const CHAR16 *Line, const CHAR16 *Value) {
+        EFI_STATUS Read = EFI_SUCCESS;
+        if (RaidLibStartsWith(Line, u"id")) {
+          Volume = AddVolume(Array, Value);
+          Read = Volume == nullptr ? EFI_OUT_OF_RESOURCES : EFI_SUCCESS;
+        } else if (!ReadVolumeLine(Line, Value, Volume, &Read)) {
+          ReadArrayLine(Line, Value, Array);
+        }
+        return Read;
+      });
+  return M2ParseResult(Status, ErrorCode);
 }
 
 }  // namespace m2
