@@ -24,6 +24,15 @@ VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
                                               const RAID_CONTROLLER *Controller,
                                               UINT32 *ErrorCode);
 
+// The start of a backend's GetControllerInfo: FALSE when there is nothing
+// to read, because the controller cannot run its tool (*ErrorCode
+// RAID_ERROR_MISSING, *Status EFI_ABORTED) or its cached output is still
+// valid (traced "[<Caller>] Info is up to date.", *Status EFI_SUCCESS).
+// *ErrorCode is 0 otherwise.
+[[nodiscard]] BOOLEAN RaidLibReadIsDue(const CHAR8 *Caller,
+                                       const RAID_CONTROLLER *Controller,
+                                       UINT32 *ErrorCode, EFI_STATUS *Status);
+
 // Before a command is built: the shell-command service is located (a
 // failure is traced under Caller and returned with its firmware error
 // code) and the card has a number (else RAID_ERROR_INVALID_CARD_ID and

@@ -2,7 +2,10 @@
 // runs its tool, and the re-read after a change.
 #include "RaidLibOperation.h"
 
+#include <Protocol/Host/TarnSetup.h>
+
 #include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
 
 VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
                             const CHAR8 *Signature) {
@@ -29,6 +32,23 @@ EFI_STATUS RaidLibToolAvailable(const CHAR8 *Caller,
     return EFI_ABORTED;
   }
   return RaidLibLocateShellCommand(Caller, ErrorCode);
+}
+
+BOOLEAN RaidLibReadIsDue(const CHAR8 *Caller,
+                         const RAID_CONTROLLER *Controller, UINT32 *ErrorCode,
+                         EFI_STATUS *Status) {
+  *ErrorCode = 0;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
+    *Status = EFI_ABORTED;
+    return FALSE;
+  }
+  if ((Controller->Private->Flags & RAID_FLAG_OUTPUT_VALID) != 0) {
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
+    *Status = EFI_SUCCESS;
+    return FALSE;
+  }
+  return TRUE;
 }
 
 EFI_STATUS RaidLibReadyToRunTool(const CHAR8 *Caller,
