@@ -118,15 +118,6 @@ json MarvellWorld::StateAt(UINT8 Bus) const {
   return json();
 }
 
-RAID_CONTROLLER *MarvellWorld::Refresh(RAID_CONTROLLER *Controller) {
-  RAID_CONTROLLER *Out = nullptr;
-  UINT32 ErrorCode = 0xFFFFFFFF;
-  EXPECT_EQ(RefreshControllerInfo(Controller, &Out, &ErrorCode), EFI_SUCCESS);
-  EXPECT_EQ(ErrorCode, 0u);
-  EXPECT_EQ(Out, Controller);
-  return Controller;
-}
-
 VOID MarvellWorld::ExpectModelMatches(UINT8 Bus) {
   RAID_CONTROLLER *Controller = ControllerAt(Bus);
   ASSERT_NE(Controller, nullptr);

@@ -34,8 +34,6 @@ class MarvellWorld : public core_test::CoreWorld {
 
   RAID_CONTROLLER *ControllerAt(UINT8 Bus);
   nlohmann::json StateAt(UINT8 Bus) const;
-  // RefreshControllerInfo through the dispatch; expects success.
-  RAID_CONTROLLER *Refresh(RAID_CONTROLLER *Controller);
   // Refreshes and compares the module's model with the adapter's state.
   VOID ExpectModelMatches(UINT8 Bus);
 

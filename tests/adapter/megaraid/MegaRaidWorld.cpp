@@ -87,15 +87,6 @@ VOID OneAdapterWorld::StartWith(UINT8 Bus, const nlohmann::json &Content) {
   ClearCommands();
 }
 
-RAID_CONTROLLER *MegaRaidWorld::Refresh(RAID_CONTROLLER *Controller) {
-  RAID_CONTROLLER *Out = nullptr;
-  UINT32 ErrorCode = 0xFFFFFFFF;
-  EXPECT_EQ(RefreshControllerInfo(Controller, &Out, &ErrorCode), EFI_SUCCESS);
-  EXPECT_EQ(ErrorCode, 0u);
-  EXPECT_EQ(Out, Controller);
-  return Controller;
-}
-
 VOID MegaRaidWorld::ExpectModelMatches(UINT8 Bus) {
   RAID_CONTROLLER *Controller = ControllerAt(Bus);
   ASSERT_NE(Controller, nullptr);

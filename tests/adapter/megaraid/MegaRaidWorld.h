@@ -42,8 +42,6 @@ class MegaRaidWorld : public core_test::CoreWorld {
   uint32_t CardOf(UINT8 Bus) const;
   nlohmann::json StateAt(UINT8 Bus) const;
 
-  // RefreshControllerInfo through the dispatch; expects success.
-  RAID_CONTROLLER *Refresh(RAID_CONTROLLER *Controller);
   // Refreshes and compares the module's model with the adapter's state.
   VOID ExpectModelMatches(UINT8 Bus);
 

@@ -120,4 +120,13 @@ std::vector<RAID_CONTROLLER *> CoreWorld::Controllers() {
   return Result;
 }
 
+RAID_CONTROLLER *CoreWorld::Refresh(RAID_CONTROLLER *Controller) {
+  RAID_CONTROLLER *Out = nullptr;
+  UINT32 ErrorCode = 0xFFFFFFFF;
+  EXPECT_EQ(RefreshControllerInfo(Controller, &Out, &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, 0u);
+  EXPECT_EQ(Out, Controller);
+  return Controller;
+}
+
 }  // namespace core_test

@@ -52,6 +52,8 @@ class CoreWorld : public ::testing::Test, public EmulatedServer {
   VOID Finalize();
 
   std::vector<RAID_CONTROLLER *> Controllers();
+  // RefreshControllerInfo through the dispatch; expects success.
+  RAID_CONTROLLER *Refresh(RAID_CONTROLLER *Controller);
 
   std::unique_ptr<emu::SlotInventory> Inventory_;
   std::unique_ptr<emu::SmbiosTable> Smbios_;
