@@ -23,6 +23,13 @@ class M2WizardTest : public WizardWorld {
   std::vector<std::u16string> Labels() {
     return Driver_.Options(Node(RAID_NODE_ADAPTER_RADIO));
   }
+  // Deletes the adapter's one array on page 1, answering Yes.
+  void DeleteTheArray() {
+    ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), u"Array 0"),
+              EFI_SUCCESS);
+    Driver_.QueueAnswer(TRUE);
+    ASSERT_EQ(Press(RAID_NODE_DELETE), EFI_SUCCESS);
+  }
   // The demo's M.2 adapter, chosen on page 1.
   void StartOnDemo() {
     StartDemo();
@@ -67,10 +74,7 @@ TEST_F(M2WizardTest, DemoSimpleRaid1IsCreatedShownAndDeleted) {
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 2, 1), u"     VD0: Volume1");
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 2, 2), u"     Optimal");
 
-  ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), u"Array 0"),
-            EFI_SUCCESS);
-  Driver_.QueueAnswer(TRUE);
-  ASSERT_EQ(Press(RAID_NODE_DELETE), EFI_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(DeleteTheArray());
   EXPECT_EQ(AdapterStates(), Started_);
   EXPECT_EQ(State(RAID_NODE_EMPTY_CONFIG), HOST_DISPLAY_SHOWN);
   EXPECT_EQ(Labels()[kM2Adapter],
@@ -147,10 +151,7 @@ TEST_F(M2WizardTest, MnvCliMirrorIsShownAndDeleted) {
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 1, 2), u"RAID 1");
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 2, 1), u"     VD0: BootMirror");
   EXPECT_EQ(Cell(RAID_NODE_CONFIG_TABLE, 2, 2), u"     Degraded");
-  ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), u"Array 0"),
-            EFI_SUCCESS);
-  Driver_.QueueAnswer(TRUE);
-  ASSERT_EQ(Press(RAID_NODE_DELETE), EFI_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(DeleteTheArray());
   const json After =
       ExpectChangedOnly({"/marvell/0/volumes", "/marvell/0/drives/*/status"});
   EXPECT_TRUE(After["marvell"][0]["volumes"].empty());
