@@ -2,6 +2,7 @@
 // does exactly what it says on the adapter (its state before, with the
 // change applied, equals its state after) and the model follows.
 #include "EsaDrvMgr.h"
+#include "ProductConstants.h"
 #include "MarvellWorld.h"
 
 namespace marvell_test {
@@ -140,6 +141,60 @@ TEST_F(ChangeTest, DriveStateChangesRunNothing) {
   EXPECT_TRUE(Commands_.empty());
   ExpectState([](json &) {});
 }
+
+// After a change an mvsetup.efi adapter's driver is only connected again,
+// since the boot drives sit behind it; the one board named by the product
+// constant and every mnv_cli.efi adapter take the full reconnect.
+struct ReconnectCase {
+  bool NamesTheBoard;  // the profile's name holds the board's code name
+  const char *Tool;
+  bool Disconnects;
+};
+
+// "M.2 <code name>" of the board that takes the full reconnect.
+std::string BoardProfile() {
+  std::string Name = "M.2 ";
+  for (const CHAR16 *C = kMarvellFullReconnectBoard; *C != 0; C++) {
+    Name += static_cast<char>(*C);
+  }
+  return Name;
+}
+
+class ReconnectTest : public ChangeTest,
+                      public ::testing::WithParamInterface<ReconnectCase> {};
+
+TEST_P(ReconnectTest, FollowsTheToolAndTheBoard) {
+  if (GetParam().NamesTheBoard) {
+    ProfileName_ = BoardProfile();
+  }
+  StartWith(Mirrored(), GetParam().Tool);
+  UINT32 ErrorCode = 0xFFFFFFFF;
+  EXPECT_EQ(DeleteArray(OnlyArray(Controller), &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, 0u);
+  std::vector<emu::ControllerCallKind> Kinds;
+  for (const auto &Call : Firmware_->Controllers().Calls()) {
+    EXPECT_EQ(Call.Controller, Controller->Private->PciIoHandle);
+    Kinds.push_back(Call.Kind);
+  }
+  if (GetParam().Disconnects) {
+    EXPECT_EQ(Kinds, (std::vector<emu::ControllerCallKind>{
+                         emu::ControllerCallKind::kDisconnect,
+                         emu::ControllerCallKind::kConnect}));
+    EXPECT_TRUE(TraceHas("[UpdateRaidControllerDeviceDriver] Disconnect the "
+                         "controller driver"));
+  } else {
+    EXPECT_EQ(Kinds, std::vector<emu::ControllerCallKind>{
+                         emu::ControllerCallKind::kConnect});
+    EXPECT_TRUE(TraceHas(
+        "[UpdateRaidControllerDeviceDriver] M.2 card skip the operation"));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Boards, ReconnectTest,
+    ::testing::Values(ReconnectCase{false, "mvsetup.efi", false},
+                      ReconnectCase{true, "mvsetup.efi", true},
+                      ReconnectCase{false, "mnv_cli.efi", true}));
 
 }  // namespace
 }  // namespace marvell_test

@@ -14,8 +14,8 @@ using nlohmann::json;
 namespace {
 
 // The pcidb.xml id of a profile naming Tool: one family id per tool.
-std::string StorageIdOf(const std::string &Tool) {
-  return Tool == "mvsetup.efi" ? "M.2" : "M.2 " + Tool;
+std::string StorageIdOf(const std::string &Profile, const std::string &Tool) {
+  return Tool == "mvsetup.efi" ? Profile : Profile + " " + Tool;
 }
 
 constexpr UINT16 DeviceOf(UINT8 Bus) { return 0x9230 + Bus; }
@@ -81,10 +81,11 @@ VOID MarvellWorld::Start() {
   std::set<std::string> Tools;
   for (const auto &[Bus, Tool] : Functions_) {
     Storage.push_back(core_test::StorageElement(
-        StorageIdOf(Tool), kMarvell, DeviceOf(Bus), kMarvell, DeviceOf(Bus),
+        StorageIdOf(ProfileName_, Tool), kMarvell, DeviceOf(Bus), kMarvell, DeviceOf(Bus),
         "Marvell M.2 RAID Adapter"));
     if (Tools.insert(Tool).second) {
-      Blocks.push_back(core_test::ControllerBlock(StorageIdOf(Tool), Tool));
+      Blocks.push_back(
+          core_test::ControllerBlock(StorageIdOf(ProfileName_, Tool), Tool));
     }
   }
   WriteFile("pcidb.xml", core_test::PcidbXml(Storage));

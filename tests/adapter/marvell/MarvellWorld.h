@@ -28,6 +28,9 @@ class MarvellWorld : public core_test::CoreWorld {
   // docs/scenario.md adapter object) and whose profile names Tool.
   VOID AddAdapter(UINT8 Bus, const nlohmann::json &Content,
                   const std::string &Tool = "mvsetup.efi");
+  // The profile's CONTROLLER ID for mvsetup.efi ("M.2" unless a test names
+  // a board in it); other tools' profiles add the tool's name.
+  std::string ProfileName_ = "M.2";
   // Writes pcidb.xml and raid.xml, runs InitializeRaid and installs the
   // recording shell handler; fails the test when the core does not start.
   VOID Start();
