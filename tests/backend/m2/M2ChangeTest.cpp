@@ -3,6 +3,7 @@
 // operations that run nothing.
 #include "M2Outputs.h"
 #include "M2World.h"
+#include "RaidLibToolRunner.h"
 
 namespace m2_test {
 namespace {
@@ -164,6 +165,28 @@ TEST_F(M2ChangeTest, DriveStateChangesOnlySayTheyAreNotSupported) {
                        "this functionality.\r\n"));
   EXPECT_TRUE(TraceHas("[M2SetAllPhysicalDriveState]M.2 card does not "
                        "support this functionality.\r\n"));
+}
+
+// Without the shell-command service nothing runs: each operation returns
+// the firmware's status at once, with its error code.
+TEST_F(M2ChangeTest, MissingShellServiceStopsEveryOperation) {
+  ReadWith({kMirror});
+  RAID_ARRAY *Array = OnlyArray();
+  Shell_.reset();
+  RaidLibResetToolRunner();
+  Controller_->Private->Flags = 0;
+  const UINT32 NotFound = RaidLibFirmwareErrorCode(EFI_NOT_FOUND);
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(M2GetControllerInfo(Controller_, nullptr, &ErrorCode),
+            EFI_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, NotFound);
+  ErrorCode = 0;
+  EXPECT_EQ(M2CreateVolume(Parameter({0, 1}), 0, &ErrorCode), EFI_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, NotFound);
+  ErrorCode = 0;
+  EXPECT_EQ(M2DeleteArray(Array, &ErrorCode), EFI_NOT_FOUND);
+  EXPECT_EQ(ErrorCode, NotFound);
+  EXPECT_TRUE(TraceHas("[M2GetControllerInfo]Error code: 0x20000E\r\n"));
 }
 
 }  // namespace
