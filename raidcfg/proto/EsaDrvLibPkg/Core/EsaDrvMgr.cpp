@@ -76,6 +76,15 @@ VOID TraceFoundControllers(const CHAR8 *Caller) {
     case RAID_FAMILY_ARCCONF:
       Private->CardId = Counters->Arcconf++;
       Controller->ToolType = RAID_TOOL_TYPE_ARCCONF;
+      // The tool's "list" counts the adapters (the count decides whether
+      // later reads map card numbers by slot) and, with several, finds
+      // this one's number by its slot.
+      if (Private->Operations.GetCardId != nullptr) {
+        EFI_STATUS Status = Private->Operations.GetCardId(Controller, ErrorCode);
+        if (Status != EFI_SUCCESS) {
+          return Status;
+        }
+      }
       break;
     default:
       break;

@@ -10,3 +10,8 @@ namespace lsi {
 // Broadcom/LSI MegaRAID through storcli ("$lsi").
 VOID LsiBindBackend(RAID_OPERATIONS *Operations);
 }  // namespace lsi
+
+namespace mchp {
+// Microchip adapters through arcconf ("$arc").
+VOID MchpBindBackend(RAID_OPERATIONS *Operations);
+}  // namespace mchp
