@@ -278,11 +278,9 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
 }
 
 // Counts the report's lines and the hard drives among its devices.
-[[nodiscard]] UINT32 CountHardDrives(const CHAR8 *Caller, CHAR16 *Output,
-                                     UINTN OutputChars,
+[[nodiscard]] UINT32 CountHardDrives(const CHAR8 *Caller,
+                                     RAID_LINE_CURSOR Lines,
                                      RAID_CONTROLLER *Controller) {
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, OutputChars);
   UINT32 LineCount = 0;
   UINT32 Drives = 0;
   UINT32 Volumes = 0;
@@ -308,13 +306,14 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
   if (Output == nullptr) {
     return EFI_ABORTED;
   }
-  UINT32 HardDrives =
-      CountHardDrives(__func__, Output, OutputChars, Controller);
+  // The count's walk cuts the lines; the section walk starts from the same
+  // cursor, whose end was fixed before any line was cut.
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, OutputChars);
+  UINT32 HardDrives = CountHardDrives(__func__, Lines, Controller);
   EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   RAID_ARRAY *LastArray = nullptr;
   BOOLEAN ArraysComplete = FALSE;
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, OutputChars);
   for (CHAR16 *Line = RaidLibNextLine(&Lines);
        Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Controller information")) {
