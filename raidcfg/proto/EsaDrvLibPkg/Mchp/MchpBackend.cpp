@@ -3,7 +3,6 @@
 
 #include "RaidBackends.h"
 #include "RaidLibOperation.h"
-#include "RaidLibToolRunner.h"
 
 namespace mchp {
 
@@ -16,11 +15,10 @@ VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
   Operations->CreateVolume = MchpCreateVolume;
   Operations->SetPhysicalDriveState = MchpSetPhysicalDriveState;
   Operations->SetAllPhysicalDriveState = MchpSetAllPhysicalDriveState;
-  // The shell-command service is located now if it was not yet; a failure
-  // here is no failure of the binding: every operation locates it again
-  // and reports.
-  UINT32 LocateError = 0;
-  (VOID)RaidLibLocateShellCommand(__func__, &LocateError);
+  // The shell-command service is not located here: every operation that
+  // runs the tool locates it first (RaidLibToolAvailable) and reports a
+  // failure with its own error code, and a binding may fill a table before
+  // boot services are at hand.
 }
 
 }  // namespace mchp
