@@ -102,7 +102,11 @@ void ArraySection(Report &Out, const Adapter &State) {
     Out.Line("   " + std::string(kSubRulerWidth, '-'));
     for (const LogicalDrive &Drive : Target.LogicalDrives) {
       Key(Out, 3, "Logical " + std::to_string(Drive.Number),
-          Drive.Status + " (" + std::to_string(Target.RaidLevel) + ", Data, " +
+          // The row's own parenthesis carries the level: a status note in
+          // parentheses ("Optimal (Background Parity Initialization)")
+          // is left to the logical device's block.
+          Drive.Status.substr(0, Drive.Status.find(" (")) + " (" +
+              std::to_string(Target.RaidLevel) + ", Data, " +
               Mb(Drive.SizeMb) + ") " + Drive.Name);
     }
     SubHeading(Out, "Array Physical Device Information");
