@@ -32,6 +32,15 @@ VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
                                                const RAID_CONTROLLER *Controller,
                                                UINT32 *ErrorCode);
 
+// The start of every backend's read: clears *ErrorCode; a controller that
+// cannot run its tool is refused (RAID_ERROR_MISSING, EFI_ABORTED); a model
+// still current is traced as "[<Caller>] Info is up to date." and needs no
+// read (EFI_SUCCESS). TRUE when the tool must run; else *Status holds the
+// read's result.
+[[nodiscard]] BOOLEAN RaidLibReadNeeded(const CHAR8 *Caller,
+                                        const RAID_CONTROLLER *Controller,
+                                        UINT32 *ErrorCode, EFI_STATUS *Status);
+
 // The outcome of the re-read after a change.
 typedef struct {
   EFI_STATUS Status;
@@ -57,3 +66,9 @@ inline VOID RaidLibMarkOutputStale(RAID_CONTROLLER *Controller) {
 // own words.
 [[nodiscard]] RAID_REFRESH RaidLibRefreshAfterChange(
     RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
+
+// Re-reads the adapter after a deletion as RaidLibRefreshAfterChange does;
+// a re-read that failed is traced under Caller as "[<Caller>] Failed to
+// refresh controller information, Status: <status>, Error code: <code>".
+VOID RaidLibRefreshAfterDelete(const CHAR8 *Caller,
+                               RAID_CONTROLLER *Controller, UINT32 *ErrorCode);

@@ -26,13 +26,7 @@ namespace {
       RaidLibSharedRun(Caller, MCHP_DELETE_COMMAND_CHARS), ErrorCode, Format,
       Controller->Capability->ToolName, Controller->Private->CardId, Object));
   RaidLibMarkOutputStale(Controller);
-  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
-  if (RaidLibRefreshFailed(Refresh)) {
-    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
-                      "[%a] Failed to refresh controller information, Status: "
-                      "%r, Error code: 0x%x\n",
-                      Refresh.Status, Refresh.ErrorCode);
-  }
+  RaidLibRefreshAfterDelete(Caller, Controller, ErrorCode);
   return EFI_SUCCESS;
 }
 

@@ -41,17 +41,12 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
                                  RAID_CONTROLLER_PRIVATE *Private,
                                  UINT32 *ErrorCode) {
   (VOID)Private;
-  *ErrorCode = 0;
-  if (!RaidLibControllerCanRunTool(Controller)) {
-    *ErrorCode = RAID_ERROR_MISSING;
-    return EFI_ABORTED;
+  EFI_STATUS Status = EFI_SUCCESS;
+  if (!RaidLibReadNeeded(__func__, Controller, ErrorCode, &Status)) {
+    return Status;
   }
   RAID_CONTROLLER_PRIVATE *Own = Controller->Private;
-  if ((Own->Flags & RAID_FLAG_OUTPUT_VALID) != 0) {
-    RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
-    return EFI_SUCCESS;
-  }
-  EFI_STATUS Status = RaidLibToolAvailable(__func__, Controller, ErrorCode);
+  Status = RaidLibToolAvailable(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
     return Status;
   }

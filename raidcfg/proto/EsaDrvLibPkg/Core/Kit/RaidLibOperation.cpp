@@ -2,7 +2,10 @@
 // runs its tool, and the re-read after a change.
 #include "RaidLibOperation.h"
 
+#include <Protocol/Host/TarnSetup.h>
+
 #include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
 
 VOID RaidLibStartOperations(RAID_OPERATIONS *Operations,
                             const CHAR8 *Signature) {
@@ -58,4 +61,32 @@ RAID_REFRESH RaidLibRefreshAfterChange(RAID_CONTROLLER *Controller,
     *ErrorCode = Refresh.ErrorCode;
   }
   return Refresh;
+}
+
+BOOLEAN RaidLibReadNeeded(const CHAR8 *Caller,
+                          const RAID_CONTROLLER *Controller, UINT32 *ErrorCode,
+                          EFI_STATUS *Status) {
+  *ErrorCode = 0;
+  *Status = EFI_SUCCESS;
+  if (!RaidLibControllerCanRunTool(Controller)) {
+    *ErrorCode = RAID_ERROR_MISSING;
+    *Status = EFI_ABORTED;
+    return FALSE;
+  }
+  if ((Controller->Private->Flags & RAID_FLAG_OUTPUT_VALID) != 0) {
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
+    return FALSE;
+  }
+  return TRUE;
+}
+
+VOID RaidLibRefreshAfterDelete(const CHAR8 *Caller,
+                               RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
+  if (RaidLibRefreshFailed(Refresh)) {
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                      "[%a] Failed to refresh controller information, Status: "
+                      "%r, Error code: 0x%x\n",
+                      Refresh.Status, Refresh.ErrorCode);
+  }
 }
