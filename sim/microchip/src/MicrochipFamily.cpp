@@ -2,38 +2,16 @@
 // runs to arcconf, the state as the adapters' JSON.
 #include "sim/microchip/MicrochipFamily.h"
 
+#include "sim/common/ToolFamily.h"
 #include "sim/microchip/Arcconf.h"
 #include "sim/microchip/MicrochipJson.h"
 
 namespace sim::microchip {
-namespace {
-
-class Family : public common::VirtualFamily {
- public:
-  void AddAdapter(const nlohmann::json &Description) override {
-    Tool_.AddAdapter(AdapterFromJson(Description));
-  }
-  std::vector<std::string> ToolNames() const override { return {"arcconf.efi"}; }
-  common::CommandResult Run(const std::string &,
-                            const std::string &CommandLine) override {
-    return {Tool_.Run(CommandLine)};
-  }
-  nlohmann::json State() const override {
-    nlohmann::json Adapters = nlohmann::json::array();
-    for (const Adapter &State : Tool_.Adapters()) {
-      Adapters.push_back(AdapterToJson(State));
-    }
-    return Adapters;
-  }
-
- private:
-  Arcconf Tool_;
-};
-
-}  // namespace
 
 std::unique_ptr<common::VirtualFamily> MakeFamily() {
-  return std::make_unique<Family>();
+  return std::make_unique<
+      common::ToolFamily<Arcconf, AdapterFromJson, AdapterToJson>>(
+      std::vector<std::string>{"arcconf.efi"});
 }
 
 }  // namespace sim::microchip
