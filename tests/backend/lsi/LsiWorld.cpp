@@ -13,17 +13,6 @@
 
 namespace lsi_test {
 
-std::string Crlf(const std::string &Text) {
-  std::string Out;
-  for (char C : Text) {
-    if (C == '\n') {
-      Out += '\r';
-    }
-    Out += C;
-  }
-  return Out;
-}
-
 CHAR16 *LoadOutput(const std::string &Text) {
   std::string Bytes = Crlf(Text);
   size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
@@ -44,95 +33,14 @@ std::string Verdict(bool Success) {
                     "use\n");
 }
 
-std::string Narrow(const CHAR16 *Text) {
-  if (Text == nullptr) {
-    return "<null>";
-  }
-  std::string Out;
-  for (; *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
-
-namespace {
-
-CHAR16 *PoolString(const char16_t *Text) { return AllocDestStr(Text); }
-
-}  // namespace
-
-LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  gRaidLibSetupProtocol = &Setup_->Interface();
-  RaidLibResetToolRunner();
+LsiWorld::LsiWorld()
+    : BackendWorld({u"storcli.efi", u"MegaRAID 9460-8i", 3, 0,
+                    lsi::LsiBindBackend}) {
   gLsiCommandForm = 0;
-  Shell_->SetHandler([this](const std::string &CommandLine) {
-    auto Found = Answers_.find(CommandLine);
-    return Found != Answers_.end() ? Found->second : Default_;
-  });
-
-  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller_->Capability->ToolName = PoolString(u"storcli.efi");
-  Controller_->Name = PoolString(u"MegaRAID 9460-8i");
-  for (LIST_ENTRY *Head :
-       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
-        &Controller_->ArrayList, &Controller_->Capability->LevelList,
-        &Controller_->Capability->ReadPolicyList,
-        &Controller_->Capability->WritePolicyList,
-        &Controller_->Capability->IoPolicyList,
-        &Controller_->Capability->DiskCachePolicyList,
-        &Controller_->Capability->StripeSizeList}) {
-    InitializeListHead(Head);
-  }
-  Controller_->Id = 3;
-  Controller_->Private->CardId = 0;
   Controller_->Private->Bus = 0x3B;
-  Controller_->Private->Device = 0;
-  Controller_->Private->Function = 0;
-  lsi::LsiBindBackend(&Controller_->Private->Operations);
-  InitializeListHead(&gControllerList);
-  InsertTailList(&gControllerList, &Controller_->Link);
 }
 
-LsiWorld::~LsiWorld() {
-  RaidLibFreeController(Controller_);
-  InitializeListHead(&gControllerList);
-  EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
-  gRaidLibSetupProtocol = nullptr;
-  RaidLibResetToolRunner();
-  gLsiCommandForm = 0;
-  Shell_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-}
-
-VOID LsiWorld::Answer(const std::string &CommandLine,
-                      const std::string &Output) {
-  Answers_[CommandLine] = Crlf(Output);
-}
-
-bool LsiWorld::TraceHas(const std::string &Line) const {
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    if (Text == Line) {
-      return true;
-    }
-  }
-  std::string All;
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    All += "  " + ::testing::PrintToString(Text) + "\n";
-  }
-  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
-                << "; it holds:\n"
-                << All;
-  return false;
-}
+LsiWorld::~LsiWorld() { gLsiCommandForm = 0; }
 
 VOID LsiWorld::AnswerRichConfiguration() {
   Answer("storcli.efi /c0 show mronly nolog", kRichSummary);

@@ -5,12 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "emu/Emulator.h"
+#include "BackendWorld.h"
 #include "LsiBackend.h"
 #include "RaidBackends.h"
 
@@ -18,9 +16,8 @@ namespace lsi_test {
 
 // The tests call the backend by its own names.
 using namespace lsi;
-
-// Turns "\n" line ends into the "\r\n" that the UEFI tool prints.
-std::string Crlf(const std::string &Text);
+using backend_test::Crlf;
+using backend_test::Narrow;
 
 // Fills the shared output buffer with Text (CR LF added) for a parser.
 CHAR16 *LoadOutput(const std::string &Text);
@@ -28,20 +25,10 @@ CHAR16 *LoadOutput(const std::string &Text);
 // A verdict block of storcli: "Status = Success" or "Status = Failure".
 std::string Verdict(bool Success);
 
-class LsiWorld : public ::testing::Test {
+class LsiWorld : public backend_test::BackendWorld {
  public:
   LsiWorld();
   ~LsiWorld() override;
-
-  // The answer to a command line (CR LF added); later calls replace it.
-  VOID Answer(const std::string &CommandLine, const std::string &Output);
-  // The answer to every command line not answered otherwise.
-  VOID AnswerOthers(const std::string &Output) { Default_ = Output; }
-  std::vector<std::string> Commands() const {
-    return Shell_->CommandLines();
-  }
-  std::vector<std::string> Trace() const { return Setup_->TraceTexts(); }
-  bool TraceHas(const std::string &Line) const;
 
   // Answers the read commands with the rich configuration of LsiOutputs.h.
   VOID AnswerRichConfiguration();
@@ -53,16 +40,6 @@ class LsiWorld : public ::testing::Test {
   RAID_ARRAY *Array(UINT32 Id);
   RAID_PHYSICAL_DRIVE *DriveAt(const std::string &Location);
   std::vector<std::string> SegmentNames(RAID_ARRAY *Array);
-
-  std::unique_ptr<emu::Firmware> Firmware_;
-  std::unique_ptr<emu::SetupProtocol> Setup_;
-  std::unique_ptr<emu::ShellCommand> Shell_;
-  RAID_CONTROLLER *Controller_ = nullptr;
-  std::map<std::string, std::string> Answers_;
-  std::string Default_;
 };
-
-// Text of a CHAR16 string (ASCII), "<null>" for NULL.
-std::string Narrow(const CHAR16 *Text);
 
 }  // namespace lsi_test

@@ -12,97 +12,17 @@
 
 namespace mchp_test {
 
-std::string Crlf(const std::string &Text) {
-  std::string Out;
-  for (char C : Text) {
-    if (C == '\n') {
-      Out += '\r';
-    }
-    Out += C;
-  }
-  return Out;
-}
-
-std::string Narrow(const CHAR16 *Text) {
-  if (Text == nullptr) {
-    return "<null>";
-  }
-  std::string Out;
-  for (; *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
-
-MchpWorld::MchpWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  gRaidLibSetupProtocol = &Setup_->Interface();
-  RaidLibResetToolRunner();
+MchpWorld::MchpWorld()
+    : BackendWorld({u"arcconf.efi", u"SmartRAID 3154-8i", 2, 1,
+                    mchp::MchpBindBackend}) {
   gMchpCtrlCount = 0;
   greconnect = 1;
-  Shell_->SetHandler([this](const std::string &CommandLine) {
-    auto Found = Answers_.find(CommandLine);
-    return Found != Answers_.end() ? Found->second : Default_;
-  });
-  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller_->Capability->ToolName = AllocDestStr(u"arcconf.efi");
-  Controller_->Name = AllocDestStr(u"SmartRAID 3154-8i");
-  for (LIST_ENTRY *Head :
-       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
-        &Controller_->ArrayList, &Controller_->Capability->LevelList,
-        &Controller_->Capability->ReadPolicyList,
-        &Controller_->Capability->WritePolicyList,
-        &Controller_->Capability->IoPolicyList,
-        &Controller_->Capability->DiskCachePolicyList,
-        &Controller_->Capability->StripeSizeList}) {
-    InitializeListHead(Head);
-  }
-  Controller_->Id = 2;
   Controller_->SlotNumber = 6;
-  Controller_->Private->CardId = 1;
-  mchp::MchpBindBackend(&Controller_->Private->Operations);
-  InitializeListHead(&gControllerList);
-  InsertTailList(&gControllerList, &Controller_->Link);
 }
 
 MchpWorld::~MchpWorld() {
-  RaidLibFreeController(Controller_);
-  InitializeListHead(&gControllerList);
-  EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
-  gRaidLibSetupProtocol = nullptr;
-  RaidLibResetToolRunner();
   gMchpCtrlCount = 0;
   greconnect = 1;
-  Shell_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-}
-
-VOID MchpWorld::Answer(const std::string &CommandLine,
-                       const std::string &Output) {
-  Answers_[CommandLine] = Crlf(Output);
-}
-
-bool MchpWorld::TraceHas(const std::string &Line) const {
-  const auto Texts = Setup_->TraceTexts();
-  if (std::find(Texts.begin(), Texts.end(), Line + "\r\n") != Texts.end()) {
-    return true;
-  }
-  std::string All;
-  for (const std::string &Text : Texts) {
-    All += "  " + ::testing::PrintToString(Text) + "\n";
-  }
-  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
-                << "; it holds:\n"
-                << All;
-  return false;
 }
 
 VOID MchpWorld::ReadModel(const std::string &Getconfig) {
