@@ -106,8 +106,10 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
                                                UINT32 *ErrorCode);
 
 // The physical device section; the walk stands on the line after its
-// heading. Used by ParseControllerShow.
-[[nodiscard]] EFI_STATUS ParsePhysicalDevices(RAID_LINE_CURSOR *Lines,
+// heading. Used by ParseControllerShow, whose name (Caller) its trace
+// lines carry.
+[[nodiscard]] EFI_STATUS ParsePhysicalDevices(const CHAR8 *Caller,
+                                              RAID_LINE_CURSOR *Lines,
                                               RAID_CONTROLLER *Controller,
                                               UINT32 HardDriveLines,
                                               UINT32 *ErrorCode);

@@ -325,7 +325,8 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
     } else if (RaidLibStartsWith(Line, u"Logical device information")) {
       Status = ParseVolumeSection(&Lines, Controller, &LastArray);
     } else if (RaidLibStartsWith(Line, u"Physical Device information")) {
-      Status = ParsePhysicalDevices(&Lines, Controller, HardDrives, ErrorCode);
+      Status = ParsePhysicalDevices(__func__, &Lines, Controller, HardDrives,
+                                    ErrorCode);
       break;
     }
   }

@@ -258,7 +258,7 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
 
 }  // namespace
 
-EFI_STATUS ParsePhysicalDevices(RAID_LINE_CURSOR *Lines,
+EFI_STATUS ParsePhysicalDevices(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
                                 RAID_CONTROLLER *Controller,
                                 UINT32 HardDriveLines, UINT32 *ErrorCode) {
   (VOID)ErrorCode;
@@ -291,7 +291,7 @@ EFI_STATUS ParsePhysicalDevices(RAID_LINE_CURSOR *Lines,
     Block.Channel = Channels - 1;
     Block.ArrayNumber = ArrayNumber;
     (VOID)RaidLibNextLine(Lines);
-    ReadDriveBlock(__func__, Lines, &Block);
+    ReadDriveBlock(Caller, Lines, &Block);
     ArrayNumber = Block.ArrayNumber;
     Status = AddDrive(Controller, &Fill, &Block);
     if (EFI_ERROR(Status)) {
