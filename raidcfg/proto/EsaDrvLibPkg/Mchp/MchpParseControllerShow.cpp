@@ -38,8 +38,7 @@ constexpr RAID_WORD_TABLE kVolumeStates =
 // The state code of a "Status of Logical Device" value. Only a status that
 // carries the parity-initialisation words after another word ("Optimal
 // (Background Parity Initialization)") is told apart; one that begins with
-// the parenthesis counts as optimal. Kept so on purpose: the tool prints
-// the bare note only once the initialisation no longer matters.
+// the parenthesis counts as optimal. Kept so on purpose.
 [[nodiscard]] UINT32 VolumeStateCode(const CHAR16 *Status) {
   if (const RAID_WORD_CODE *Entry = RaidLibFindWord(kVolumeStates, Status)) {
     return Entry->Code;
@@ -51,8 +50,9 @@ constexpr RAID_WORD_TABLE kVolumeStates =
   return RAID_STATE_INVALID;
 }
 
-// The number in Word (a row's word), or MCHP_KEYWORD_MISSING_SHORT when the
-// word is missing or empty and the fallback reads "number N" from Line.
+// The number in Word (a row's word); when the word is missing or empty,
+// the number behind "number" on Line (MCHP_KEYWORD_MISSING_SHORT without
+// one).
 [[nodiscard]] UINT32 NumberWord(const CHAR16 *Line, const CHAR16 *Word) {
   if (Word != nullptr && !RaidLibWordIs(Word, u"\r")) {
     return static_cast<UINT32>(RaidLibReadDecimal(Word));

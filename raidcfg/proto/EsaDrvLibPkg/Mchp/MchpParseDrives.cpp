@@ -21,7 +21,7 @@ constexpr UINTN kArrayLookAhead = 15;
 constexpr UINTN kConfigurationLookAhead = 29;
 // Lines passed over once a drive's interface and medium are known.
 constexpr UINTN kLinesAfterMedium = 16;
-constexpr UINTN kLocationChars = 17;
+constexpr UINTN kLocationChars = 17;  // 16 and the terminator
 constexpr UINTN kModelChars = 100;
 // The role of a drive the adapter uses as cache.
 constexpr UINT32 kRoleCache = 3;
@@ -149,13 +149,14 @@ VOID ReadLocation(const CHAR16 *Line, DRIVE_BLOCK *Block) {
     Block->Slot = static_cast<UINT32>(RaidLibReadDecimal(Words.Words[3]));
     UINT32 Enclosure =
         static_cast<UINT32>(RaidLibReadDecimal(Words.Words[1]));
-    // Two 32-bit numbers and a colon always fit.
     (VOID)RaidLibFormat(Block->Location, kLocationChars, u"%u:%u", Enclosure,
                         Block->Slot);
   } else {
     (VOID)RaidLibFormat(Block->Location, kLocationChars, u"%u:%u",
                         Block->Channel, Block->Device);
   }
+  // A location is a label of at most 16 characters; numbers too long for
+  // it are cut, and nothing addresses a drive by its label.
 }
 
 // Reads one drive's block, at most its length, up to the next device.
