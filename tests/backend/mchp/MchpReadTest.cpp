@@ -322,3 +322,34 @@ TEST_F(MchpWorld, AnEmptyReportGivesAnEmptyModel) {
 
 }  // namespace
 }  // namespace mchp_test
+
+namespace mchp_test {
+namespace {
+
+// A report cut anywhere (a tool that stopped printing, a buffer that
+// filled) reads into a partial model that holds together: every drive in
+// the table within its count, every volume in an array, nothing leaked.
+TEST_F(MchpWorld, AReportCutAnywhereGivesAPartialModel) {
+  const std::string Whole = Crlf(RichReport());
+  for (size_t Cut = 0; Cut <= Whole.size(); Cut += 97) {
+    SCOPED_TRACE(Cut);
+    UINT32 ErrorCode = 0;
+    EXPECT_EQ(Parse(Whole.substr(0, Cut), &ErrorCode), EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, 0u);
+    for (UINT32 Index = 0; Index < Controller_->DiskDriveCount; Index++) {
+      ASSERT_NE(Controller_->DriveTable[Index], nullptr);
+    }
+    EXPECT_EQ(Controller_->DriveTable[Controller_->DiskDriveCount], nullptr);
+    EXPECT_LE(AllDrives().size(), 8u);
+    for (RAID_ARRAY *Owner :
+         uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
+      for (RAID_VOLUME *Segment :
+           uefi::ListOf<&RAID_VOLUME::Link>(Owner->SegmentList)) {
+        EXPECT_EQ(Segment->Array, Owner);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace mchp_test
