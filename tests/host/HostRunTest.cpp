@@ -155,6 +155,7 @@ TEST(HostRun, ShippedScriptsLeaveNoPageNodeAfterUnload) {
       {"demo-manage.script", nullptr},
       {"demo-simple-raid5-hotspare.script", nullptr},
       {"demo-advanced-raid10-two-vds.script", nullptr},
+      {"demo-microchip.script", nullptr},
       {"simple-raid5-hotspare.script", "megaraid-six-sas.json"},
       {"advanced-raid10-two-vds.script", "megaraid-six-sas.json"},
   };
