@@ -4,32 +4,17 @@
 // segments read from a copy of the same bytes, or a keyword scanner on the
 // first line. Every record built is released again, the drive table holds
 // only drives within its count, and the pool must be back where it started.
-#include <Library/MemoryAllocationLib.h>
-#include <Library/UefiBootServicesTableLib.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
+#include "FuzzModel.h"
 #include "MchpBackend.h"
-#include "emu/Emulator.h"
 
 using namespace mchp;
 
 namespace {
 
 constexpr std::size_t kCopyChars = MCHP_GETCONFIG_COPY_BYTES / sizeof(CHAR16);
-
-emu::Firmware &World() {
-  static std::unique_ptr<emu::Firmware> Firmware = [] {
-    auto Made = std::make_unique<emu::Firmware>();
-    gST = Made->SystemTable();
-    gBS = gST->BootServices;
-    return Made;
-  }();
-  return *Firmware;
-}
 
 // The bytes into Buffer as characters, terminated; the characters stored.
 std::size_t Load(CHAR16 *Buffer, std::size_t Chars, const std::uint8_t *Data,
@@ -40,15 +25,6 @@ std::size_t Load(CHAR16 *Buffer, std::size_t Chars, const std::uint8_t *Data,
   }
   Buffer[Length] = 0;
   return Length;
-}
-
-RAID_CONTROLLER *NewController() {
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
-  return Controller;
 }
 
 VOID ScanKeywords(const CHAR16 *Line) {
@@ -71,12 +47,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   if (Size == 0) {
     return 0;
   }
-  emu::Firmware &Firmware = World();
-  std::size_t Before = Firmware.Memory().Outstanding().size();
+  std::size_t Before = fuzz_model::World().Memory().Outstanding().size();
   std::uint8_t Choice = Data[0] % 3;
   Data++;
   Size--;
-  RAID_CONTROLLER *Controller = NewController();
+  RAID_CONTROLLER *Controller = fuzz_model::NewController();
   UINT32 ErrorCode = 0;
   CHAR16 *Output = gMchpGetconfigOutput;
   switch (Choice) {
@@ -102,16 +77,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
       break;
     }
   }
-  for (UINT32 I = 0; Controller->DriveTable != nullptr &&
-                     I < Controller->DiskDriveCount;
-       I++) {
-    if (Controller->DriveTable[I] == nullptr) {
-      std::abort();  // a table entry within the count is always a drive
-    }
-  }
-  RaidLibFreeController(Controller);
-  if (Firmware.Memory().Outstanding().size() != Before) {
-    std::abort();
-  }
+  fuzz_model::ReleaseAndCheck(Controller, Before);
   return 0;
 }
