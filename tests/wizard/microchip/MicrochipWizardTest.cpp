@@ -1,6 +1,8 @@
 // The wizard on Microchip adapters (adapter kind 5), end to end against the
 // virtual SmartRAID: what the operator sees on pages 1, 3, 7 and 11, and
 // what the adapter holds after each change, nothing else changed.
+#include <algorithm>
+
 #include "Golden.h"
 #include "WizardWorld.h"
 #include "framework/HeadlessDriver.h"
@@ -142,6 +144,42 @@ TEST_F(MicrochipWizardTest, NewArrayDrivesAreHeadedByEnclosureAndSlot) {
   ASSERT_EQ(After["microchip"][0]["arrays"].size(), 1u);
   EXPECT_EQ(After["microchip"][0]["arrays"][0]["members"],
             (json{"0:0", "0:1", "0:2"}));
+}
+
+// A drive the tool reports ready but the adapter holds exposed to the OS:
+// the simple RAID 5 takes it, the adapter refuses the create, and the
+// operator sees only that page 1 lists no logical drive; the adapter is as
+// it was.
+TEST_F(MicrochipWizardTest, ARefusedCreateShowsInTheRereadModelOnly) {
+  json Devices = ReadyDrives(4);
+  Devices[3]["state"] = "Raw";
+  Rewrite_ = [](const std::string &, const std::string &Output) {
+    std::string Text = Output;
+    for (const auto &[From, To] :
+         {std::pair<std::string, std::string>{": Exposed to OS", ": Ready"},
+          {": HBA", ": Unassigned"}}) {
+      for (size_t At = Text.find(From); At != std::string::npos;
+           At = Text.find(From, At)) {
+        Text.replace(At, From.size(), To);
+      }
+    }
+    return Text;
+  };
+  StartOn({{"devices", Devices}});
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO), u"RAID Level 5"),
+            EFI_SUCCESS);
+  NextTo(RAID_PAGE_SIMPLE_VERIFY);
+  EXPECT_EQ(Text(RAID_NODE_VERIFY_DRIVES), u"Disk Drives: 4");
+  CreateFrom(RAID_PAGE_SIMPLE_VERIFY);
+  const std::vector<std::string> Sent = Server_->Shell()->CommandLines();
+  EXPECT_NE(std::find(Sent.begin(), Sent.end(),
+                      "arcconf.efi create 1 logicaldrive stripesize 256 NAME "
+                      "Volume1 MAX 5 0 0 0 1 0 2 0 3 noprompt"),
+            Sent.end());
+  EXPECT_EQ(AdapterStates(), Started_);
+  EXPECT_EQ(State(RAID_NODE_EMPTY_CONFIG), HOST_DISPLAY_SHOWN);
 }
 
 TEST_F(MicrochipWizardTest, WithoutArraysAReadyDriveOffersNoAction) {
