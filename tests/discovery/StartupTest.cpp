@@ -190,8 +190,18 @@ TEST_F(StartupTest, TraceOfAStartUpNamesEveryStepInOrder) {
       "[InitializeRaid]INFO: Controller id: 3 name: M.2 Boot Adapter",
       "[InitializeRaid]INFO: Controller id: 4 name: Intel RSTe SATA",
       "[InitializeRaid]Controller Id: 0, Bus: 0x1, Dev: 0x0, Func: 0x0",
+      // No arcconf answers on this server: the card search finds no adapter
+      // and the counted card number stays.
+      "[MchpGetCardId]Command: arcconf.efi list",
+      "[ParseControllerShowCtrlCount]Controller Count: 0",
+      "[MchpGetCardId]Error: Card Count 0",
       "[InitializeRaid]Controller Id: 1, Bus: 0x2, Dev: 0x0, Func: 0x0",
       "[InitializeRaid]Controller Id: 2, Bus: 0x3, Dev: 0x0, Func: 0x0",
+      // No arcconf answers on this server: the card search finds no adapter
+      // and the counted card number stays.
+      "[MchpGetCardId]Command: arcconf.efi list",
+      "[ParseControllerShowCtrlCount]Controller Count: 0",
+      "[MchpGetCardId]Error: Card Count 0",
       "[InitializeRaid]Controller Id: 3, Bus: 0x4, Dev: 0x0, Func: 0x0",
       "[InitializeRaid]Controller Id: 4, Bus: 0x5, Dev: 0x0, Func: 0x0",
   };

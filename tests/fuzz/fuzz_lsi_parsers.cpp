@@ -6,6 +6,7 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 #include "LsiBackend.h"
+#include "FuzzModel.h"
 #include "RaidLibToolRunner.h"
 
 #include <cstddef>
@@ -19,16 +20,6 @@ using namespace lsi;
 
 namespace {
 
-emu::Firmware &World() {
-  static std::unique_ptr<emu::Firmware> Firmware = [] {
-    auto Made = std::make_unique<emu::Firmware>();
-    gST = Made->SystemTable();
-    gBS = gST->BootServices;
-    return Made;
-  }();
-  return *Firmware;
-}
-
 CHAR16 *Load(const std::uint8_t *Data, std::size_t Size) {
   std::size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
   std::size_t Length = Size < Limit ? Size : Limit;
@@ -39,16 +30,6 @@ CHAR16 *Load(const std::uint8_t *Data, std::size_t Size) {
   return gRaidToolOutput;
 }
 
-RAID_CONTROLLER *NewController() {
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
-  Controller->Private->Bus = 3;
-  return Controller;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
@@ -56,12 +37,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   if (Size == 0) {
     return 0;
   }
-  emu::Firmware &Firmware = World();
-  std::size_t Before = Firmware.Memory().Outstanding().size();
+  std::size_t Before = fuzz_model::World().Memory().Outstanding().size();
   std::uint8_t Choice = Data[0] % 7;
   Data++;
   Size--;
-  RAID_CONTROLLER *Controller = NewController();
+  RAID_CONTROLLER *Controller = fuzz_model::NewController();
+  Controller->Private->Bus = 3;
   UINT32 ErrorCode = 0;
   UINT32 Result = 0;
   RAID_VOLUME Volume = {};
@@ -89,16 +70,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
       (void)LsiParseControllerShowCtrlCount(Load(Data, Size), &ErrorCode);
       break;
   }
-  for (UINT32 I = 0; Controller->DriveTable != nullptr &&
-                     I < Controller->DiskDriveCount;
-       I++) {
-    if (Controller->DriveTable[I] == nullptr) {
-      std::abort();  // a table entry within the count is always a drive
-    }
-  }
-  RaidLibFreeController(Controller);
-  if (Firmware.Memory().Outstanding().size() != Before) {
-    std::abort();
-  }
+  fuzz_model::ReleaseAndCheck(Controller, Before);
   return 0;
 }

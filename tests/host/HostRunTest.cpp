@@ -156,6 +156,7 @@ TEST(HostRun, ShippedScriptsLeaveNoPageNodeAfterUnload) {
       {"demo-simple-raid5-hotspare.script", nullptr},
       {"demo-advanced-raid10-two-vds.script", nullptr},
       {"demo-m2-raid1.script", nullptr},
+      {"demo-microchip.script", nullptr},
       {"simple-raid5-hotspare.script", "megaraid-six-sas.json"},
       {"advanced-raid10-two-vds.script", "megaraid-six-sas.json"},
   };

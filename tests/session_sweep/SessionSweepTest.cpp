@@ -157,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
     DemoScripts, SessionSweepTest,
     ::testing::Values("demo-simple-raid5-hotspare.script",
                       "demo-advanced-raid10-two-vds.script",
-                      "demo-manage.script"),
+                      "demo-manage.script", "demo-microchip.script"),
     [](const ::testing::TestParamInfo<const char *> &Info) {
       std::string Name = Info.param;
       Name = Name.substr(5, Name.find('.') - 5);  // without "demo-", ".script"

@@ -10,6 +10,7 @@
 #include "sim/common/VirtualFamily.h"
 #include "sim/marvell/MarvellFamily.h"
 #include "sim/megaraid/MegaRaidFamily.h"
+#include "sim/microchip/MicrochipFamily.h"
 
 namespace host {
 namespace {
@@ -92,6 +93,7 @@ const FamilyRegistry &FamilyRegistry::Builtin() {
     // The scenario's "family" name and the sim folder that simulates it.
     Add("megaraid", sim::megaraid::MakeFamily);
     Add("marvell", sim::marvell::MakeFamily);
+    Add("microchip", sim::microchip::MakeFamily);
     return Registry;
   }();
   return kRegistry;

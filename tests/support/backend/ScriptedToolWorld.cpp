@@ -74,7 +74,7 @@ ScriptedToolWorld::ScriptedToolWorld(const ScriptedController &Made)
   }
   Controller_->Id = Made.Id;
   Controller_->SlotNumber = RAID_SLOT_NUMBER_NONE;
-  Controller_->Private->CardId = 0;
+  Controller_->Private->CardId = Made.CardId;
   Made.Bind(&Controller_->Private->Operations);
   InitializeListHead(&gControllerList);
   InsertTailList(&gControllerList, &Controller_->Link);

@@ -30,6 +30,8 @@ struct ScriptedController {
   const char16_t *Name;
   UINT32 Id;
   VOID (*Bind)(RAID_OPERATIONS *Operations);
+  // The card number the tool knows the adapter by.
+  UINT32 CardId = 0;
 };
 
 class ScriptedToolWorld : public ::testing::Test {

@@ -76,6 +76,15 @@ VOID TraceFoundControllers(const CHAR8 *Caller) {
     case RAID_FAMILY_ARCCONF:
       Private->CardId = Counters->Arcconf++;
       Controller->ToolType = RAID_TOOL_TYPE_ARCCONF;
+      // The tool's "list" counts the adapters (the count decides whether
+      // later reads map card numbers by slot) and, with several, finds
+      // this one's number by its slot. A tool that lists nothing leaves
+      // the counted number and does not stop the other families' start:
+      // the search traces its own failure, and the error code stays 0.
+      if (Private->Operations.GetCardId != nullptr) {
+        UINT32 SearchError = 0;
+        (VOID)Private->Operations.GetCardId(Controller, &SearchError);
+      }
       break;
     default:
       break;

@@ -37,9 +37,6 @@ constexpr SignatureFamily kSignatureFamilies[] = {
 }
 
 // Placeholders of the families whose backend is not built yet.
-VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
-  RaidLibStartOperations(Operations, RAID_SIGNATURE_ARC);
-}
 VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
   RaidLibStartOperations(Operations, RAID_SIGNATURE_RSTE);
 }
@@ -58,7 +55,7 @@ constinit const RAID_BACKEND_BINDING
     gRaidBackendBindings[RAID_BACKEND_BINDING_COUNT] = {
         {lsi::LsiBindBackend, RAID_VENDOR_ID_LSI, u"storcli.efi", RAID_SIGNATURE_LSI,
          TRUE},
-        {MchpBindBackend, RAID_VENDOR_ID_MICROCHIP, u"arcconf.efi",
+        {mchp::MchpBindBackend, RAID_VENDOR_ID_MICROCHIP, u"arcconf.efi",
          RAID_SIGNATURE_ARC, TRUE},
         {m2::M2BindBackend, RAID_VENDOR_ID_MARVELL, u"mvsetup.efi",
          RAID_SIGNATURE_M2, TRUE},

@@ -79,8 +79,3 @@ VOID ReleasePcidbList(LIST_ENTRY *List);
 [[nodiscard]] EFI_STATUS UpdateRaidControllerDeviceDriver(
     RAID_CONTROLLER *Controller);
 
-// 1 while the Microchip card numbers must be mapped by slot again (so at
-// start, and after a change on one of several Microchip adapters, whose
-// reconnect renumbers them); the number of Microchip adapters seen.
-extern UINT32 greconnect;
-extern UINT32 gMchpCtrlCount;

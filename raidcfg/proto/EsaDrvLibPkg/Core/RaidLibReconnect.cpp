@@ -7,9 +7,6 @@
 #include "RaidLibDiscovery.h"
 #include "RaidLibTrace.h"
 
-constinit UINT32 greconnect = 1;
-constinit UINT32 gMchpCtrlCount = 0;
-
 namespace {
 
 [[nodiscard]] bool HasSignature(const RAID_CONTROLLER *Controller,

@@ -15,3 +15,7 @@ namespace m2 {
 // Marvell M.2 RAID through mvsetup or mnv_cli ("$m.2").
 VOID M2BindBackend(RAID_OPERATIONS *Operations);
 }  // namespace m2
+namespace mchp {
+// Microchip adapters through arcconf ("$arc").
+VOID MchpBindBackend(RAID_OPERATIONS *Operations);
+}  // namespace mchp

@@ -199,6 +199,10 @@
 // RAID_VOLUME.State of a free segment that lies after no volume (the tool
 // printed "-"): the segment goes to the head of the array's SegmentList.
 #define RAID_SEGMENT_AFTER_NO_VOLUME 0xFFFFFFFFU
+// RAID_VOLUME.State of a free segment that lies after everything its array
+// lists (a tool that prints one free extent per array, behind its volumes):
+// the segment goes to the tail of the SegmentList.
+#define RAID_SEGMENT_AFTER_ALL 0xFFFFFFFEU
 
 // Terminator of the drive id blocks of RAID_VOLUME_PARAMETER.
 #define RAID_DRIVE_LIST_END 0xFFFFFFFFU
@@ -435,6 +439,14 @@ struct _RAID_VOLUME_PARAMETER {
 extern LIST_ENTRY gControllerList;
 // The capability record raid.xml's parsing is building; NULL otherwise.
 extern RAID_CAPABILITY *gCapability;
+
+// 1 while the Microchip card numbers must be mapped by slot again (so at
+// start, and after a change on one of several Microchip adapters, whose
+// reconnect renumbers them); the number of Microchip adapters seen. The
+// reconnect (core) sets the first, the Microchip backend the second and
+// reads both.
+extern UINT32 greconnect;
+extern UINT32 gMchpCtrlCount;
 
 // ---- Releasing records (RaidLibRelease.cpp) ---------------------------------
 // Each frees every record and string exactly once and copes with partly

@@ -55,6 +55,10 @@
                                                    const CHAR16 *Model,
                                                    UINTN ModelChars);
 
+// The controller's array numbered Id, or NULL.
+[[nodiscard]] RAID_ARRAY *RaidLibFindArray(RAID_CONTROLLER *Controller,
+                                           UINT32 Id);
+
 // ---- Where a drive sits ---------------------------------------------------------
 
 // Links a drive that is in no list yet. With an array: into its DriveList,

@@ -66,3 +66,9 @@ inline VOID RaidLibMarkOutputStale(RAID_CONTROLLER *Controller) {
 // own words.
 [[nodiscard]] RAID_REFRESH RaidLibRefreshAfterChange(
     RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
+
+// Re-reads the adapter after a deletion as RaidLibRefreshAfterChange does;
+// a re-read that failed is traced under Caller as "[<Caller>] Failed to
+// refresh controller information, Status: <status>, Error code: <code>".
+VOID RaidLibRefreshAfterDelete(const CHAR8 *Caller,
+                               RAID_CONTROLLER *Controller, UINT32 *ErrorCode);

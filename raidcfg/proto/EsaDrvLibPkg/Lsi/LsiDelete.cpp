@@ -48,19 +48,6 @@ typedef CHAR16 DELETE_LINE[kDeleteChars];
   return Status;
 }
 
-// Re-reads the controller after deletions; its error code stands only when
-// the deletions left none.
-VOID RefreshAfterDelete(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
-                        UINT32 *ErrorCode) {
-  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
-  if (RaidLibRefreshFailed(Refresh)) {
-    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
-                      "[%a] Failed to refresh controller information, Status: "
-                      "%r, Error code: 0x%x\n",
-                      Refresh.Status, Refresh.ErrorCode);
-  }
-}
-
 }  // namespace
 
 // Deletes every volume of the array, in list order, even after a failure;
@@ -98,7 +85,7 @@ EFI_STATUS LsiDeleteArray(RAID_ARRAY *Array, UINT32 *ErrorCode) {
     }
   }
   // The refresh frees Array: it is not touched after this point.
-  RefreshAfterDelete(__func__, Controller, ErrorCode);
+  RaidLibRefreshAfterDelete(__func__, Controller, ErrorCode);
   return Status;
 }
 
@@ -123,7 +110,7 @@ EFI_STATUS LsiDeleteVolume(RAID_VOLUME *Volume, UINT32 *ErrorCode) {
     return Status;
   }
   Status = DeleteOne(__func__, Controller, Line, ErrorCode);
-  RefreshAfterDelete(__func__, Controller, ErrorCode);
+  RaidLibRefreshAfterDelete(__func__, Controller, ErrorCode);
   return Status;
 }
 

@@ -87,13 +87,7 @@ struct DriveIds {
 }  // namespace
 
 RAID_ARRAY *LsiFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
-    if (Array->Id == Id) {
-      return Array;
-    }
-  }
-  return nullptr;
+  return RaidLibFindArray(Controller, Id);
 }
 
 UINT32 LsiVolumeStateCode(const CHAR16 *Word) {

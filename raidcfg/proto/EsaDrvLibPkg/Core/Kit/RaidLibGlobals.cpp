@@ -6,3 +6,6 @@
 constinit LIST_ENTRY gControllerList = {&gControllerList, &gControllerList};
 
 constinit RAID_CAPABILITY *gCapability = nullptr;
+
+constinit UINT32 greconnect = 1;
+constinit UINT32 gMchpCtrlCount = 0;

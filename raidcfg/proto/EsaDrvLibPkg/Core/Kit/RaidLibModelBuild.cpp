@@ -118,6 +118,16 @@ RAID_VOLUME *RaidLibAddFreeSegment(RAID_ARRAY *Array, UINT32 Id,
   return Segment;
 }
 
+RAID_ARRAY *RaidLibFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+    if (Array->Id == Id) {
+      return Array;
+    }
+  }
+  return nullptr;
+}
+
 RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id, const CHAR16 *Location,
                                      const CHAR16 *Model, UINTN ModelChars) {
   RAID_PHYSICAL_DRIVE *Drive = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();

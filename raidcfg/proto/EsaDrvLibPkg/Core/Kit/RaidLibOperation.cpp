@@ -79,3 +79,14 @@ RAID_REFRESH RaidLibRefreshAfterChange(RAID_CONTROLLER *Controller,
   }
   return Refresh;
 }
+
+VOID RaidLibRefreshAfterDelete(const CHAR8 *Caller,
+                               RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
+  RAID_REFRESH Refresh = RaidLibRefreshAfterChange(Controller, ErrorCode);
+  if (RaidLibRefreshFailed(Refresh)) {
+    RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                      "[%a] Failed to refresh controller information, Status: "
+                      "%r, Error code: 0x%x\n",
+                      Refresh.Status, Refresh.ErrorCode);
+  }
+}

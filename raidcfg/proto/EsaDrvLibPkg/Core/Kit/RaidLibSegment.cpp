@@ -4,7 +4,7 @@
 #include "RaidLib.h"
 
 // Links Segment in by the volume it lies after (Segment->State): after no
-// volume at the head, else directly ahead of the first record carrying that
+// volume at the head, after all at the tail, else directly ahead of the first record carrying that
 // number. Both rules are deliberate and must stay: the wizard shows the
 // list in this order and relies on it. The search compares every record of
 // the list, volumes and free segments alike. A number that no record
@@ -19,6 +19,10 @@ VOID RaidLibInsertFreeSegment(RAID_ARRAY *Array, RAID_VOLUME *Segment) {
   }
   if (Segment->State == RAID_SEGMENT_AFTER_NO_VOLUME) {
     InsertHeadList(Head, &Segment->Link);
+    return;
+  }
+  if (Segment->State == RAID_SEGMENT_AFTER_ALL) {
+    InsertTailList(Head, &Segment->Link);
     return;
   }
   for (RAID_VOLUME *Record : uefi::ListOf<&RAID_VOLUME::Link>(*Head)) {

@@ -1,0 +1,306 @@
+// The physical device section of the getconfig report: one block per
+// "      Device #N" whose next line says it is a hard drive.
+#include <Library/BaseLib.h>
+#include <Protocol/Host/TarnSetup.h>
+
+#include "MchpBackend.h"
+#include "RaidLibLines.h"
+#include "RaidLibModelBuild.h"
+#include "RaidLibRow.h"
+#include "RaidLibText.h"
+#include "RaidLibTrace.h"
+
+namespace mchp {
+
+namespace {
+
+// The longest drive block, and the look-aheads from its "State" line to
+// its array and to its configuration type.
+constexpr UINTN kDriveBlockLines = 43;
+constexpr UINTN kArrayLookAhead = 15;
+constexpr UINTN kConfigurationLookAhead = 29;
+// Lines passed over once a drive's interface and medium are known.
+constexpr UINTN kLinesAfterMedium = 16;
+constexpr UINTN kLocationChars = 17;  // 16 and the terminator
+constexpr UINTN kModelChars = 100;
+// The role of a drive the adapter uses as cache.
+constexpr UINT32 kRoleCache = 3;
+
+// Where one classification of a drive puts it.
+typedef struct {
+  UINT32 State;
+  UINT32 Role;
+  BOOLEAN InArray;  // a member of the array numbered on its block
+} DRIVE_PLACE;
+
+// What a drive's block gives before its record is made.
+typedef struct {
+  UINT32 Device;
+  UINT32 Channel;
+  UINT32 Slot;
+  CHAR16 Location[kLocationChars];
+  CHAR16 Model[MCHP_KEYWORD_CHARS];
+  UINT64 SizeFigure;
+  UINT32 SizeUnit;
+  UINT32 MediaType;
+  UINT32 ArrayNumber;
+  UINT32 Classifications;
+  DRIVE_PLACE Place;  // the last classification
+  // Classifications before the last, counted by where they put the drive.
+  UINT32 EarlierMembers;
+  UINT32 EarlierSpares;
+  UINT32 EarlierOthers;
+} DRIVE_BLOCK;
+
+// The array number on the first "         Array" line of the next lines;
+// Previous when there is none.
+[[nodiscard]] UINT32 ArrayNumberAhead(const RAID_LINE_CURSOR *Lines,
+                                      UINT32 Previous) {
+  CHAR16 Value[MCHP_KEYWORD_CHARS];
+  for (UINTN Ahead = 1; Ahead <= kArrayLookAhead; Ahead++) {
+    CHAR16 *Line = RaidLibLineAhead(Lines, Ahead);
+    if (Line == nullptr) {
+      break;
+    }
+    if (RaidLibStartsWith(Line, u"         Array")) {
+      return iGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS);
+    }
+  }
+  return Previous;
+}
+
+VOID Classify(DRIVE_BLOCK *Block, UINT32 State, UINT32 Role, BOOLEAN InArray) {
+  if (Block->Classifications > 0) {
+    const DRIVE_PLACE &Last = Block->Place;
+    if (Last.Role == RAID_ROLE_HOT_SPARE) {
+      Block->EarlierSpares++;
+    } else if (Last.InArray) {
+      Block->EarlierMembers++;
+    } else {
+      Block->EarlierOthers++;
+    }
+  }
+  Block->Place = {State, Role, InArray};
+  Block->Classifications++;
+}
+
+// A state word that needs the drive's configuration type, classified once
+// for each "Drive Configuration Type" line of the look-ahead (the report
+// prints one; each found counts, the last one wins).
+VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
+                             const CHAR16 *Word, DRIVE_BLOCK *Block) {
+  for (UINTN Ahead = 1; Ahead <= kConfigurationLookAhead; Ahead++) {
+    CHAR16 *Line = RaidLibLineAhead(Lines, Ahead);
+    if (Line == nullptr) {
+      return;
+    }
+    if (!RaidLibContains(Line, u"Drive Configuration Type")) {
+      continue;
+    }
+    BOOLEAN Hba = RaidLibContains(Line, u"HBA");
+    if (RaidLibWordIs(Word, u"Online")) {
+      if (RaidLibContains(Line, u"Data")) {
+        Classify(Block, RAID_STATE2_ONLINE, RAID_ROLE_MEMBER, TRUE);
+      } else {
+        Classify(Block, RAID_STATE3_CACHE, kRoleCache, FALSE);
+      }
+    } else if (Hba) {
+      Classify(Block, RAID_STATE2_HBA, RAID_ROLE_UNCONFIGURED, FALSE);
+    } else if (RaidLibWordIs(Word, u"Exposed to OS")) {
+      Classify(Block, RAID_STATE2_UGOOD, RAID_ROLE_UNCONFIGURED, FALSE);
+    } else {
+      Classify(Block, RAID_STATE_INVALID, RAID_ROLE_OTHER, FALSE);
+    }
+  }
+}
+
+// A "State" line of a drive's block.
+VOID ClassifyStateLine(const RAID_LINE_CURSOR *Lines, const CHAR16 *Line,
+                       DRIVE_BLOCK *Block) {
+  if (RaidLibContains(Line, u"Dedicated Hot-Spare")) {
+    Classify(Block, RAID_STATE2_DEDICATED, RAID_ROLE_HOT_SPARE, FALSE);
+    return;
+  }
+  if (RaidLibContains(Line, u"Auto Replace Hot-Spare")) {
+    Classify(Block, RAID_STATE2_AUTOREPLACE, RAID_ROLE_HOT_SPARE, FALSE);
+    return;
+  }
+  CHAR16 Word[MCHP_KEYWORD_CHARS];
+  if (sGetKeyWord(Line, Word, MCHP_KEYWORD_CHARS) == nullptr) {
+    Word[0] = 0;
+  }
+  Block->ArrayNumber = ArrayNumberAhead(Lines, Block->ArrayNumber);
+  if (RaidLibWordIs(Word, u"Ready")) {
+    Classify(Block, RAID_STATE2_UGOOD, RAID_ROLE_UNCONFIGURED, FALSE);
+  } else if (RaidLibWordIs(Word, u"Offline")) {
+    Classify(Block, RAID_STATE2_OFFLINE, RAID_ROLE_MEMBER, TRUE);
+  } else {
+    ClassifyByConfiguration(Lines, Word, Block);
+  }
+}
+
+// "Enclosure 0, Slot 3(Connector 1" gives enclosure 0 and slot 3; a value
+// of fewer words gives channel and device instead.
+VOID ReadLocation(const CHAR16 *Line, DRIVE_BLOCK *Block) {
+  CHAR16 Value[MCHP_KEYWORD_CHARS];
+  RAID_ROW Words;
+  RaidLibSplitRow(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS), &Words);
+  if (Words.Words[2] != nullptr) {
+    Block->Slot = static_cast<UINT32>(RaidLibReadDecimal(Words.Words[3]));
+    UINT32 Enclosure =
+        static_cast<UINT32>(RaidLibReadDecimal(Words.Words[1]));
+    (VOID)RaidLibFormat(Block->Location, kLocationChars, u"%u:%u", Enclosure,
+                        Block->Slot);
+  } else {
+    (VOID)RaidLibFormat(Block->Location, kLocationChars, u"%u:%u",
+                        Block->Channel, Block->Device);
+  }
+  // A location is a label of at most 16 characters; numbers too long for
+  // it are cut, and nothing addresses a drive by its label.
+}
+
+// Reads one drive's block, at most its length, up to the next device.
+VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
+                    DRIVE_BLOCK *Block) {
+  const CHAR16 *Interface = nullptr;
+  const CHAR16 *Medium = nullptr;
+  CHAR16 Value[MCHP_KEYWORD_CHARS];
+  UINTN Budget = kDriveBlockLines;
+  for (CHAR16 *Line = RaidLibNextLineWithin(Lines, &Budget); Line != nullptr;
+       Line = RaidLibNextLineWithin(Lines, &Budget)) {
+    if (RaidLibStartsWith(Line, u"      Device #") ||
+        RaidLibStartsWith(Line, u"Connector information")) {
+      RaidLibStepBack(Lines);
+      return;
+    }
+    if (RaidLibContains(Line, u"Total Size")) {
+      MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
+                   &Block->SizeFigure, &Block->SizeUnit);
+    }
+    if (RaidLibContains(Line, u"Reported Location")) {
+      ReadLocation(Line, Block);
+    }
+    if (RaidLibStartsWith(Line, u"         Transfer Speed")) {
+      Interface = RaidLibContains(Line, u"SATA") ? u"SATA" : u"SAS";
+    }
+    if (RaidLibStartsWith(Line, u"         SSD")) {
+      Medium = RaidLibContains(Line, u"Yes") ? u"SSD" : u"HDD";
+    }
+    if (Interface != nullptr && Medium != nullptr) {
+      // The state and the array come before these lines in the report.
+      Block->MediaType = RaidLibMediaCode(Interface, Medium);
+      (VOID)RaidLibSkipLines(Lines, kLinesAfterMedium);
+      return;
+    }
+    if (RaidLibContains(Line, u"Model")) {
+      RAID_ROW Row;
+      CHAR16 *Model = RaidLibTrimmedValue(Line, u":", &Row);
+      if (Model == nullptr || Model[0] == 0) {
+        RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a] Device Model: NULL\n");
+      } else {
+        // A longer model is cut: the record keeps 100 characters anyway.
+        (VOID)RaidLibFormat(Block->Model, MCHP_KEYWORD_CHARS, u"%s", Model);
+      }
+    }
+    if (RaidLibContains(Line, u"State")) {
+      ClassifyStateLine(Lines, Line, Block);
+    }
+  }
+}
+
+// Makes the drive record of a block, enters it in the drive table once per
+// classification and links it where its last classification says. Earlier
+// classifications are counted too (deliberately simple; a report has one
+// per drive).
+[[nodiscard]] EFI_STATUS AddDrive(RAID_CONTROLLER *Controller,
+                                  RAID_DRIVE_TABLE_FILL *Fill,
+                                  const DRIVE_BLOCK *Block) {
+  RAID_PHYSICAL_DRIVE *Drive =
+      RaidLibNewDrive(Block->Slot, Block->Location, Block->Model, kModelChars);
+  if (Drive == nullptr) {
+    return EFI_OUT_OF_RESOURCES;
+  }
+  Drive->Position->Values[MCHP_POSITION_CHANNEL] = Block->Channel;
+  Drive->Position->Values[MCHP_POSITION_SLOT] = Block->Slot;
+  Drive->Position->Values[MCHP_POSITION_ONE] = 1;
+  Drive->Position->Values[MCHP_POSITION_DEVICE] = Block->Device;
+  Drive->SizeFigure = Block->SizeFigure;
+  Drive->SizeUnit = Block->SizeUnit;
+  Drive->MediaType = Block->MediaType;
+  RAID_ARRAY *Array = RaidLibFindArray(Controller, Block->ArrayNumber);
+  Controller->GlobalSpareCount += Block->EarlierSpares;
+  if (Array != nullptr) {
+    Array->MemberDriveCount += Block->EarlierMembers;
+  } else {
+    Controller->UnconfiguredDriveCount += Block->EarlierMembers;
+  }
+  Controller->UnconfiguredDriveCount += Block->EarlierOthers;
+  for (UINT32 Index = 0; Index < Block->Classifications; Index++) {
+    (VOID)RaidLibAppendToDriveTable(Fill, Drive);
+  }
+  if (Block->Classifications == 0) {
+    // No classifiable state: an unconfigured drive of no known state.
+    RaidLibPlaceDrive(Controller, Drive, nullptr, RAID_STATE_INVALID,
+                      RAID_ROLE_UNCONFIGURED);
+    return EFI_SUCCESS;
+  }
+  const DRIVE_PLACE &Place = Block->Place;
+  RaidLibPlaceDrive(Controller, Drive, Place.InArray ? Array : nullptr,
+                    Place.State, Place.Role);
+  return EFI_SUCCESS;
+}
+
+[[nodiscard]] bool EndsDriveSection(const CHAR16 *Line) {
+  return RaidLibStartsWith(Line, u"Connector information") ||
+         RaidLibStartsWith(Line, u"Command completed successfully") ||
+         RaidLibStartsWith(Line, u"maxCache information") ||
+         RaidLibStartsWith(Line, u"      No physical drives attached");
+}
+
+}  // namespace
+
+EFI_STATUS ParsePhysicalDevices(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
+                                RAID_CONTROLLER *Controller,
+                                UINT32 HardDriveLines, UINT32 *ErrorCode) {
+  (VOID)ErrorCode;
+  RAID_DRIVE_TABLE_FILL Fill;
+  EFI_STATUS Status = RaidLibStartDriveTable(&Fill, Controller, HardDriveLines);
+  if (EFI_ERROR(Status)) {
+    return Status;
+  }
+  UINT32 Channels = 0;
+  UINT32 ArrayNumber = MCHP_KEYWORD_MISSING;
+  CHAR16 Value[MCHP_KEYWORD_CHARS];
+  for (CHAR16 *Line = RaidLibNextLine(Lines);
+       Line != nullptr && HardDriveLines != 0 && !EndsDriveSection(Line);
+       Line = RaidLibNextLine(Lines)) {
+    if (RaidLibStartsWith(Line, u"   Channel #")) {
+      Channels++;
+      continue;
+    }
+    if (!RaidLibStartsWith(Line, u"      Device #")) {
+      continue;
+    }
+    UINT32 Device = iiGetKeyWord(Line, u"#", Value, MCHP_KEYWORD_CHARS);
+    // Enclosures and other devices are passed over.
+    if (!RaidLibStartsWith(RaidLibPeekLine(Lines),
+                           u"         Device is a HardDrive")) {
+      continue;
+    }
+    DRIVE_BLOCK Block = {};
+    Block.Device = Device;
+    Block.Channel = Channels - 1;
+    Block.ArrayNumber = ArrayNumber;
+    (VOID)RaidLibNextLine(Lines);
+    ReadDriveBlock(Caller, Lines, &Block);
+    ArrayNumber = Block.ArrayNumber;
+    Status = AddDrive(Controller, &Fill, &Block);
+    if (EFI_ERROR(Status)) {
+      break;
+    }
+  }
+  RaidLibFinishDriveTable(&Fill);
+  return Status;
+}
+
+}  // namespace mchp
