@@ -43,9 +43,6 @@ VOID MchpBindBackend(RAID_OPERATIONS *Operations) {
 VOID M2BindBackend(RAID_OPERATIONS *Operations) {
   RaidLibStartOperations(Operations, RAID_SIGNATURE_M2);
 }
-VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
-  RaidLibStartOperations(Operations, RAID_SIGNATURE_RSTE);
-}
 
 // A controller the binding applies to: matched, profiled, with a private
 // record.
@@ -65,7 +62,7 @@ constinit const RAID_BACKEND_BINDING
          RAID_SIGNATURE_ARC, TRUE},
         {M2BindBackend, RAID_VENDOR_ID_MARVELL, u"mvsetup.efi",
          RAID_SIGNATURE_M2, TRUE},
-        {RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
+        {rste::RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
          RAID_SIGNATURE_RSTE, TRUE},
 };
 

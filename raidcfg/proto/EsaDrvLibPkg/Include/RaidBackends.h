@@ -10,3 +10,8 @@ namespace lsi {
 // Broadcom/LSI MegaRAID through storcli ("$lsi").
 VOID LsiBindBackend(RAID_OPERATIONS *Operations);
 }  // namespace lsi
+
+namespace rste {
+// Intel RSTe/VROC SATA RAID through RCfgSata.efi ("rste").
+VOID RsteBindBackend(RAID_OPERATIONS *Operations);
+}  // namespace rste
