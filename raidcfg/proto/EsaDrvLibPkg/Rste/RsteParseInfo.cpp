@@ -126,8 +126,8 @@ VOID OpenArray(RAID_CONTROLLER *Controller, const CHAR16 *SizeLine, UINT32 Id) {
       1000, 1);
   bool Segment = !(Free < 1000001 && (InMb || Free == 0));
   if (InMb) {
-    Total = Scaled(Total, 1000, 1024);
-    Free = Scaled(Free, 1000, 1024);
+    Total /= 1024;
+    Free /= 1024;
   }
   Array->SizeFigure = Total;
   Array->SizeUnit = RAID_UNIT_GB;
@@ -145,9 +145,7 @@ VOID OpenArray(RAID_CONTROLLER *Controller, const CHAR16 *SizeLine, UINT32 Id) {
                                                        : static_cast<UINT32>(Sum);
 }
 
-VOID FirstPass(CHAR16 *Output, RAID_CONTROLLER *Controller) {
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
+VOID FirstPass(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) {
   UINT32 ArrayCount = 0;
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
@@ -326,10 +324,8 @@ VOID SetCapacity(const CHAR16 *Line, const OPEN_BLOCK &Open) {
          RaidLibStartsWith(Line, u"    DISK_SMART_EVENT_SUPPORTED");
 }
 
-VOID SecondPass(CHAR16 *Output, RAID_CONTROLLER *Controller,
+VOID SecondPass(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller,
                 RAID_DRIVE_TABLE_FILL *Table, UINT32 *ErrorCode) {
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
   OPEN_BLOCK Open = {nullptr, nullptr, 0};
   UINT32 VolumeCount = 0;
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
@@ -378,7 +374,11 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Output == nullptr || Controller == nullptr) {
     return EFI_ABORTED;
   }
-  FirstPass(Output, Controller);
+  // Both passes walk a copy of one cursor: the end of the output is fixed
+  // before the first pass writes its line terminators.
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
+  FirstPass(Lines, Controller);
   UINT32 Disks = Controller->DiskDriveCount < kMostDisks
                      ? Controller->DiskDriveCount
                      : kMostDisks;
@@ -387,7 +387,7 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;
   }
-  SecondPass(Output, Controller, &Table, ErrorCode);
+  SecondPass(Lines, Controller, &Table, ErrorCode);
   RaidLibFinishDriveTable(&Table);
   ScaleByLevel(Controller);
   return EFI_SUCCESS;
