@@ -9,6 +9,7 @@
 #include "sim/common/PciIdentity.h"
 #include "sim/common/VirtualFamily.h"
 #include "sim/megaraid/MegaRaidFamily.h"
+#include "sim/intel/IntelFamily.h"
 
 namespace host {
 namespace {
@@ -90,6 +91,7 @@ const FamilyRegistry &FamilyRegistry::Builtin() {
     };
     // The scenario's "family" name and the sim folder that simulates it.
     Add("megaraid", sim::megaraid::MakeFamily);
+    Add("intel", sim::intel::MakeFamily);
     return Registry;
   }();
   return kRegistry;
