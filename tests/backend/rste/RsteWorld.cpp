@@ -1,0 +1,231 @@
+#include "RsteWorld.h"
+
+#include <Library/MemoryAllocationLib.h>
+#include <Library/UefiBootServicesTableLib.h>
+
+#include <algorithm>
+
+#include "RaidLibText.h"
+#include "RaidLibToolRunner.h"
+#include "RaidLibTrace.h"
+
+namespace rste_test {
+
+std::string Crlf(const std::string &Text) {
+  std::string Out;
+  for (char C : Text) {
+    if (C == '\n') {
+      Out += '\r';
+    }
+    Out += C;
+  }
+  return Out;
+}
+
+CHAR16 *LoadOutput(const std::string &Text) {
+  std::string Bytes = Crlf(Text);
+  size_t Length =
+      std::min(Bytes.size(), RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1);
+  for (size_t I = 0; I < Length; I++) {
+    gRaidToolOutput[I] = static_cast<unsigned char>(Bytes[I]);
+  }
+  gRaidToolOutput[Length] = 0;
+  return gRaidToolOutput;
+}
+
+std::string Narrow(const CHAR16 *Text) {
+  if (Text == nullptr) {
+    return "<null>";
+  }
+  std::string Out;
+  for (; *Text != 0; Text++) {
+    Out += static_cast<char>(*Text);
+  }
+  return Out;
+}
+
+namespace {
+const char *kHeader =
+    "Intel(R) RSTe SATA Configuration Utility\n"
+    "Version 5.5.0.1028\n"
+    "Copyright (C) 2003-2019 Intel Corporation. All rights reserved.\n\n";
+}  // namespace
+
+std::string InfoReport(const InfoText &Info) {
+  std::string Text = kHeader;
+  Text += "--- Controller Information ---\n Total Physical Disks: " +
+          std::to_string(Info.Disks) +
+          "\n Total Missing Disks: " + std::to_string(Info.Missing) + "\n\n";
+  Text += "--- Array Information ---\n";
+  for (size_t I = 0; I < Info.ArraySizeLines.size(); I++) {
+    Text += "Array " + std::to_string(I) + ":\n Name: Array" +
+            std::to_string(I) + "\n" + Info.ArraySizeLines[I] +
+            "\n Disks: 2 Volumes: 1\n\n";
+  }
+  Text += "--- Volume Information ---\n";
+  for (size_t I = 0; I < Info.Volumes.size(); I++) {
+    const VolumeText &V = Info.Volumes[I];
+    Text += "Volume " + std::to_string(I) + ":\n Name: " + V.Name +
+            "\n RaidLevel:" + std::to_string(V.Level) +
+            " State:Normal Bootable:Yes StripeSize:" + V.Stripe +
+            "\n NumBlocks: " + V.Blocks + "\n Disks: 2 ArrayId:" +
+            std::to_string(V.ArrayId) + "\n Block Size: 512\n\n";
+  }
+  Text += "--- Disk Information ---\n";
+  for (const DiskText &D : Info.DiskBlocks) {
+    Text += "Disk " + D.Number + ":\n Model: " + D.Model +
+            "\n Serial: ZBS0R1AA\n" +
+            (D.BlocksLine.empty() ? " TotalBlks:" + D.Blocks + " Port:0"
+                                  : D.BlocksLine) +
+            "\n Id:" + D.Number + " " + D.State +
+            "\n Type: SATA SSD\n Firmware: SCV10121\n Usage:Member ArrayId:" +
+            D.ArrayId + "\n" + D.CapacityLine + "\n\n";
+  }
+  return Text;
+}
+
+std::string VersionReport(const std::string &DriverLine) {
+  return std::string(kHeader) + DriverLine + ": 5.5.0.1028\n";
+}
+
+std::string StatusReport(
+    const std::vector<std::pair<std::string, std::string>> &NameAndState,
+    unsigned Offset) {
+  std::string Text = std::string(kHeader) + "--- Volume Status ---\n";
+  for (const auto &[Name, State] : NameAndState) {
+    Text += "Name: " + Name + "\n";
+    for (unsigned I = 1; I < Offset; I++) {
+      Text += " Field" + std::to_string(I) + ": x\n";
+    }
+    Text += " Status: " + State + "\n\n";
+  }
+  return Text;
+}
+
+RsteWorld::RsteWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
+  gST = Firmware_->SystemTable();
+  gBS = gST->BootServices;
+  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
+  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
+  gRaidLibSetupProtocol = &Setup_->Interface();
+  RaidLibResetToolRunner();
+  RsteResetState();
+  Shell_->SetHandler([this](const std::string &CommandLine) {
+    auto Found = Answers_.find(CommandLine);
+    return Found != Answers_.end() ? Found->second : Default_;
+  });
+  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
+  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
+  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
+  Controller_->Capability->ToolName = AllocDestStr(u"RCfgSata.efi");
+  Controller_->Name = AllocDestStr(u"Intel RSTe SATA RAID Controller");
+  for (LIST_ENTRY *Head :
+       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
+        &Controller_->ArrayList, &Controller_->Capability->LevelList,
+        &Controller_->Capability->ReadPolicyList,
+        &Controller_->Capability->WritePolicyList,
+        &Controller_->Capability->IoPolicyList,
+        &Controller_->Capability->DiskCachePolicyList,
+        &Controller_->Capability->StripeSizeList}) {
+    InitializeListHead(Head);
+  }
+  Controller_->Id = 4;
+  Controller_->Private->CardId = 0;
+  rste::RsteBindBackend(&Controller_->Private->Operations);
+  InitializeListHead(&gControllerList);
+  InsertTailList(&gControllerList, &Controller_->Link);
+}
+
+RsteWorld::~RsteWorld() {
+  RaidLibFreeController(Controller_);
+  InitializeListHead(&gControllerList);
+  EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
+  gRaidLibSetupProtocol = nullptr;
+  RaidLibResetToolRunner();
+  RsteResetState();
+  Smbios_.reset();
+  Shell_.reset();
+  Setup_.reset();
+  Firmware_.reset();
+  gST = nullptr;
+  gBS = nullptr;
+}
+
+VOID RsteWorld::Answer(const std::string &CommandLine,
+                       const std::string &Output) {
+  Answers_[CommandLine] = Crlf(Output);
+}
+
+std::vector<std::string> RsteWorld::NewCommands() const {
+  std::vector<std::string> All = Commands();
+  return std::vector<std::string>(All.begin() + Baseline_, All.end());
+}
+
+bool RsteWorld::TraceHas(const std::string &Format) const {
+  // The setup protocol's console prints the module's "\n" as CR LF.
+  const std::string Line = Crlf(Format);
+  std::vector<std::string> Lines = Setup_->TraceTexts();
+  if (std::find(Lines.begin(), Lines.end(), Line) != Lines.end()) {
+    return true;
+  }
+  std::string All;
+  for (const std::string &Text : Lines) {
+    All += "  " + ::testing::PrintToString(Text) + "\n";
+  }
+  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
+                << "; it holds:\n"
+                << All;
+  return false;
+}
+
+VOID RsteWorld::AnswerReads(const std::string &Version, const std::string &Info,
+                            const std::string &Status) {
+  Answer("RCfgSata.efi /V", Version);
+  Answer("RCfgSata.efi /I", Info);
+  Answer("RCfgSata.efi /ST", Status);
+}
+
+VOID RsteWorld::ReadModel(UINT32 ExpectedErrorCode) {
+  Controller_->Private->Flags = 0;
+  UINT32 ErrorCode = 0xDEAD;
+  EXPECT_EQ(RsteGetControllerInfo(Controller_, nullptr, &ErrorCode),
+            EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, ExpectedErrorCode);
+}
+
+VOID RsteWorld::InstallSmbios(const std::string &BiosVersion) {
+  emu::SmbiosDescription Description;
+  Description.BiosVersion = BiosVersion;
+  Smbios_ = std::make_unique<emu::SmbiosTable>(*Firmware_, Description);
+}
+
+RAID_ARRAY *RsteWorld::Array(UINT32 Id) {
+  for (RAID_ARRAY *Each :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
+    if (Each->Id == Id) {
+      return Each;
+    }
+  }
+  return nullptr;
+}
+
+RAID_PHYSICAL_DRIVE *RsteWorld::Disk(UINT32 Id) {
+  for (UINT32 I = 0; I < Controller_->DiskDriveCount; I++) {
+    RAID_PHYSICAL_DRIVE *Drive = Controller_->DriveTable[I];
+    if (Drive != nullptr && Drive->Id == Id) {
+      return Drive;
+    }
+  }
+  return nullptr;
+}
+
+std::vector<std::string> RsteWorld::SegmentNames(RAID_ARRAY *Array) {
+  std::vector<std::string> Names;
+  for (RAID_VOLUME *Segment :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    Names.push_back(Narrow(Segment->Name));
+  }
+  return Names;
+}
+
+}  // namespace rste_test
