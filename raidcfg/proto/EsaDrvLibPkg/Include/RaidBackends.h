@@ -14,4 +14,7 @@ VOID LsiBindBackend(RAID_OPERATIONS *Operations);
 namespace rste {
 // Intel RSTe/VROC SATA RAID through RCfgSata.efi ("rste").
 VOID RsteBindBackend(RAID_OPERATIONS *Operations);
+// Forgets the tool build and report layout chosen for the module's life;
+// the module is being unloaded.
+VOID RsteResetState();
 }  // namespace rste
