@@ -83,7 +83,8 @@ Array ArrayFromJson(const nlohmann::json &Object, const std::string &Where,
   for (uint32_t Number : Out.Disks) {
     const Disk *Member = Engines::FindDisk(Owner, Number);
     if (Member == nullptr || Member->State == DiskState::NonRaid ||
-        Member->State == DiskState::Spare) {
+        Member->State == DiskState::Spare ||
+        Member->State == DiskState::Incompatible) {
       Refuse(KeyPlace(Where, "disks"),
              "disk " + std::to_string(Number) + " is no member disk of the engine");
     }
@@ -154,7 +155,10 @@ Engine EngineFromJson(const nlohmann::json &Description) {
   }
   for (const Disk &Each : Out.Disks) {
     bool Member = Members.count(Each.Number) != 0;
-    bool Free = Each.State == DiskState::NonRaid || Each.State == DiskState::Spare;
+    // An incompatible disk carries another system's metadata: it stands in
+    // no array of this engine.
+    bool Free = Each.State == DiskState::NonRaid || Each.State == DiskState::Spare ||
+                Each.State == DiskState::Incompatible;
     if (Member == Free) {
       Refuse(IndexPlace("disks", static_cast<size_t>(&Each - Out.Disks.data())),
              Member ? "a free disk stands in an array"
