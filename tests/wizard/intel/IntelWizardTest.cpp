@@ -38,23 +38,99 @@ TEST_F(IntelWizardTest, PageOneShowsTheRsteVolumeWithoutASlot) {
   ExpectGolden("page1.txt", Driver_.Dump());
 }
 
-TEST_F(IntelWizardTest, SimplePathMakesRaidZeroOverTheNonRaidDisks) {
+TEST_F(IntelWizardTest, PageTwoOnTheDemoEngine) {
   OpenDemoRste();
   NextTo(RAID_PAGE_CONFIG_TYPE);
   ExpectGolden("page2.txt", Driver_.Dump());
+}
+
+// One operator session on the demo's RSTe engine: a mirror by the advanced
+// path, RAID 0 by the simple path over what is left, the old mirror
+// deleted, then on page 11 its disks made spares and one of them non-RAID
+// again. The engine holds exactly that.
+TEST_F(IntelWizardTest, DemoSessionLeavesExactlyWhatTheOperatorDid) {
+  OpenDemoRste();
+  NewArrayEditor(u"RAID 1", {1, 2});
+  PlanVolume(u"", u"Mirror_2");
+  CreateFrom(RAID_PAGE_ADV_VERIFY);
+  NextTo(RAID_PAGE_CONFIG_TYPE);
   NextTo(RAID_PAGE_SIMPLE_LEVEL);
   ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO), u"RAID Level 0"),
+            EFI_SUCCESS);
+  CreateFrom(RAID_PAGE_SIMPLE_VERIFY);
+  ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), u"VD0: OS_Mirror"),
+            EFI_SUCCESS);
+  Driver_.QueueAnswer(TRUE);
+  ASSERT_EQ(Press(RAID_NODE_DELETE), EFI_SUCCESS);
+  HOST_PAGE_NODE *Table = nullptr;
+  ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
+  Table = Node(RAID_NODE_DRIVE_TABLE);
+  ASSERT_EQ(Driver_.ChooseCell(Table, 1, 4, u"GHS"), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.ChooseCell(Table, 2, 4, u"GHS"), EFI_SUCCESS);
+  Driver_.QueueAnswer(TRUE);
+  ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
+  ASSERT_EQ(Press(RAID_NODE_MANAGE_DRIVES), EFI_SUCCESS);
+  ASSERT_EQ(Driver_.ChooseCell(Table, 2, 4, u"Non-RAID"), EFI_SUCCESS);
+  Driver_.QueueAnswer(TRUE);
+  ASSERT_EQ(Press(RAID_NODE_NEXT), EFI_SUCCESS);
+
+  json Expected = Before_;
+  json &Engine = Expected[0];
+  Engine["disks"][0]["state"] = "spare";
+  Engine["disks"][1]["state"] = "non-raid";
+  for (int Disk : {2, 3, 4, 5}) {
+    Engine["disks"][Disk]["state"] = "member";
+  }
+  const json After = IntelState();
+  ASSERT_EQ(After[0]["arrays"].size(), 2u);
+  Engine["arrays"] = json::array({After[0]["arrays"][0], After[0]["arrays"][1]});
+  EXPECT_EQ(After, Expected);
+  EXPECT_EQ(After[0]["arrays"][0]["disks"], json({2, 3}));
+  EXPECT_EQ(After[0]["arrays"][0]["volumes"][0]["name"], "Mirror_2");
+  EXPECT_EQ(After[0]["arrays"][0]["volumes"][0]["level"], 1);
+  EXPECT_EQ(After[0]["arrays"][1]["disks"], json({4, 5}));
+  EXPECT_EQ(After[0]["arrays"][1]["volumes"][0]["level"], 0);
+  EXPECT_EQ(After[0]["arrays"][1]["volumes"][0]["stripeKb"], 128);
+}
+
+// The simple path over the four non-RAID disks: the engine's stripe default
+// per level, members up to the level's maximum, never a hot spare.
+struct SimpleCase {
+  int Level;
+  int Stripe;  // what the engine keeps; 0 for RAID 1 ("N/A")
+  std::vector<int> Disks;
+};
+
+class IntelSimplePathTest : public IntelWizardTest,
+                            public ::testing::WithParamInterface<SimpleCase> {};
+
+TEST_P(IntelSimplePathTest, CreatesTheLevelOverTheNonRaidDisks) {
+  const SimpleCase Case = GetParam();
+  OpenDemoRste();
+  NextTo(RAID_PAGE_CONFIG_TYPE);
+  NextTo(RAID_PAGE_SIMPLE_LEVEL);
+  ASSERT_EQ(Driver_.Choose(Node(RAID_NODE_SIMPLE_LEVEL_RADIO),
+                           u"RAID Level " + framework::FromUtf8(std::to_string(Case.Level))),
             EFI_SUCCESS);
   EXPECT_EQ(State(RAID_NODE_HOT_SPARE_CHECK), HOST_DISPLAY_HIDDEN);
   CreateFrom(RAID_PAGE_SIMPLE_VERIFY);
   const json Made = Arrays();
   ASSERT_EQ(Made.size(), 2u);
   EXPECT_EQ(Made[0], Before_[0]["arrays"][0]);
-  EXPECT_EQ(Made[1]["disks"], json({2, 3, 4, 5}));
-  EXPECT_EQ(Made[1]["volumes"][0]["level"], 0);
-  EXPECT_EQ(Made[1]["volumes"][0]["stripeKb"], 128);
+  EXPECT_EQ(Made[1]["disks"], json(Case.Disks));
+  EXPECT_EQ(Made[1]["volumes"][0]["level"], Case.Level);
+  EXPECT_EQ(Made[1]["volumes"][0]["stripeKb"], Case.Stripe);
   EXPECT_EQ(Events(), std::vector<UINT32>{kCreated});
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Levels, IntelSimplePathTest,
+    ::testing::Values(SimpleCase{0, 128, {2, 3, 4, 5}}, SimpleCase{1, 0, {2, 3}},
+                      SimpleCase{5, 128, {2, 3, 4, 5}},
+                      SimpleCase{10, 64, {2, 3, 4, 5}}),
+    [](const ::testing::TestParamInfo<SimpleCase> &Info) {
+      return "Raid" + std::to_string(Info.param.Level);
+    });
 
 TEST_F(IntelWizardTest, AdvancedPathMakesRaidOneWithoutAStripe) {
   OpenDemoRste();
