@@ -154,6 +154,27 @@ TEST_F(IntelWizardTest, AdvancedPathMakesRaidOneWithoutAStripe) {
   EXPECT_EQ(Made[1]["volumes"][0]["stripeKb"], 0);
 }
 
+// The engine leaves 4K and 8K out of RAID 5 and 128K out of RAID 10.
+TEST_F(IntelWizardTest, StripeChoicesFollowTheLevel) {
+  struct Case {
+    std::u16string Level;
+    std::initializer_list<UINT32> Rows;
+    std::vector<std::u16string> Options;
+  } Cases[] = {
+      {u"RAID 5", {1, 2, 3}, {u"16K", u"32K", u"64K", u"128K"}},
+      {u"RAID 10", {1, 2, 3, 4}, {u"4K", u"8K", u"16K", u"32K", u"64K"}},
+      {u"RAID 0", {1, 2}, {u"4K", u"8K", u"16K", u"32K", u"64K", u"128K"}},
+  };
+  for (const Case &C : Cases) {
+    SCOPED_TRACE(framework::ToUtf8(C.Level));
+    OpenDemoRste();
+    NewArrayEditor(C.Level, C.Rows);
+    ASSERT_EQ(Press(RAID_NODE_CREATE_VD), EFI_SUCCESS);
+    EXPECT_EQ(Driver_.Options(Node(RAID_NODE_POPUP_STRIPE_COMBO)), C.Options);
+    Stop();
+  }
+}
+
 TEST_F(IntelWizardTest, DeletingTheRsteVolumeFreesItsDisks) {
   OpenDemoRste();
   ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), u"VD0: OS_Mirror"),
