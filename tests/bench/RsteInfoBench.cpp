@@ -10,6 +10,7 @@
 #include "RaidLibModelBuild.h"
 #include "RaidLibToolRunner.h"
 #include "RsteBackend.h"
+#include "ScriptedTool.h"
 #include "emu/Emulator.h"
 #include "sim/intel/IntelJson.h"
 #include "sim/intel/Rcfg.h"
@@ -42,25 +43,15 @@ std::string LargeReport() {
   return Text;
 }
 
-VOID Load(const std::string &Text) {
-  for (size_t I = 0; I < Text.size(); I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Text[I]);
-  }
-  gRaidToolOutput[Text.size()] = 0;
-}
-
 void ParseInfo(benchmark::State &State) {
   emu::Firmware Firmware;
   gST = Firmware.SystemTable();
   gBS = gST->BootServices;
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
+  RAID_CONTROLLER *Controller =
+      backend_test::NewToolController(u"RCfgSata.efi", u"Intel", nullptr);
   const std::string Text = LargeReport();
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     UINT32 ErrorCode = 0;
     if (EFI_ERROR(RaidLibResetControllerModel(Controller)) ||
         EFI_ERROR(rste::ParseControllerInfo(gRaidToolOutput, Controller,
@@ -81,7 +72,7 @@ BENCHMARK(ParseInfo);
 void ScanInfo(benchmark::State &State) {
   const std::string Text = LargeReport();
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     UINTN Lines = 0;
     for (const CHAR16 *Cursor = gRaidToolOutput; *Cursor != 0; Cursor++) {
       Lines += *Cursor == u'\n';

@@ -13,8 +13,8 @@
 #include <memory>
 
 #include "RaidLibModelBuild.h"
-#include "RaidLibToolRunner.h"
 #include "RsteBackend.h"
+#include "ScriptedTool.h"
 #include "emu/Emulator.h"
 
 using namespace rste;
@@ -29,25 +29,6 @@ emu::Firmware &World() {
     return Made;
   }();
   return *Firmware;
-}
-
-CHAR16 *Load(const std::uint8_t *Data, std::size_t Size) {
-  std::size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
-  std::size_t Length = Size < Limit ? Size : Limit;
-  for (std::size_t I = 0; I < Length; I++) {
-    gRaidToolOutput[I] = Data[I];
-  }
-  gRaidToolOutput[Length] = 0;
-  return gRaidToolOutput;
-}
-
-RAID_CONTROLLER *NewController() {
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
-  return Controller;
 }
 
 // Counts that must hold whatever the report said: every table entry within
@@ -86,21 +67,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   Data++;
   Size--;
   gRsteVrocLayout = (Choice & 0x10) != 0 ? 1 : 0;
-  RAID_CONTROLLER *Controller = NewController();
+  RAID_CONTROLLER *Controller =
+      backend_test::NewToolController(u"RCfgSata.efi", u"Intel", nullptr);
   UINT32 ErrorCode = 0;
   switch (Choice % 4) {
     case 0:
-      (void)ParseControllerInfo(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerInfo(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
     case 1:
-      (void)ParseControllerInfo(Load(Data, Size), Controller, &ErrorCode);
-      (void)ParseSataInfo(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerInfo(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
+      (void)ParseSataInfo(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
     case 2:
-      (void)ParseError(Load(Data, Size), (Choice >> 2) % 9, &ErrorCode);
+      (void)ParseError(backend_test::LoadToolBytes(Data, Size), (Choice >> 2) % 9, &ErrorCode);
       break;
     default:
-      (void)ParseControllerVersion(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerVersion(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
   }
   CheckModel(Controller);

@@ -13,28 +13,6 @@
 
 namespace lsi_test {
 
-std::string Crlf(const std::string &Text) {
-  std::string Out;
-  for (char C : Text) {
-    if (C == '\n') {
-      Out += '\r';
-    }
-    Out += C;
-  }
-  return Out;
-}
-
-CHAR16 *LoadOutput(const std::string &Text) {
-  std::string Bytes = Crlf(Text);
-  size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
-  size_t Length = std::min(Bytes.size(), Limit);
-  for (size_t I = 0; I < Length; I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Bytes[I]);
-  }
-  gRaidToolOutput[Length] = 0;
-  return gRaidToolOutput;
-}
-
 std::string Verdict(bool Success) {
   return std::string("CLI Version = 007.1705.0000.0000 Mar 31, 2021\n"
                      "Operating system = UEFI\n"
@@ -43,23 +21,6 @@ std::string Verdict(bool Success) {
                   : "Status = Failure\nDescription = resources already in "
                     "use\n");
 }
-
-std::string Narrow(const CHAR16 *Text) {
-  if (Text == nullptr) {
-    return "<null>";
-  }
-  std::string Out;
-  for (; *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
-
-namespace {
-
-CHAR16 *PoolString(const char16_t *Text) { return AllocDestStr(Text); }
-
-}  // namespace
 
 LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
   gST = Firmware_->SystemTable();
@@ -74,27 +35,13 @@ LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
     return Found != Answers_.end() ? Found->second : Default_;
   });
 
-  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller_->Capability->ToolName = PoolString(u"storcli.efi");
-  Controller_->Name = PoolString(u"MegaRAID 9460-8i");
-  for (LIST_ENTRY *Head :
-       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
-        &Controller_->ArrayList, &Controller_->Capability->LevelList,
-        &Controller_->Capability->ReadPolicyList,
-        &Controller_->Capability->WritePolicyList,
-        &Controller_->Capability->IoPolicyList,
-        &Controller_->Capability->DiskCachePolicyList,
-        &Controller_->Capability->StripeSizeList}) {
-    InitializeListHead(Head);
-  }
+  Controller_ = backend_test::NewToolController(
+      u"storcli.efi", u"MegaRAID 9460-8i", lsi::LsiBindBackend);
   Controller_->Id = 3;
   Controller_->Private->CardId = 0;
   Controller_->Private->Bus = 0x3B;
   Controller_->Private->Device = 0;
   Controller_->Private->Function = 0;
-  lsi::LsiBindBackend(&Controller_->Private->Operations);
   InitializeListHead(&gControllerList);
   InsertTailList(&gControllerList, &Controller_->Link);
 }

@@ -13,17 +13,19 @@
 #include "emu/Emulator.h"
 #include "LsiBackend.h"
 #include "RaidBackends.h"
+#include "ScriptedTool.h"
 
 namespace lsi_test {
 
 // The tests call the backend by its own names.
 using namespace lsi;
 
-// Turns "\n" line ends into the "\r\n" that the UEFI tool prints.
-std::string Crlf(const std::string &Text);
-
+using backend_test::Crlf;
+using backend_test::Narrow;
 // Fills the shared output buffer with Text (CR LF added) for a parser.
-CHAR16 *LoadOutput(const std::string &Text);
+inline CHAR16 *LoadOutput(const std::string &Text) {
+  return backend_test::LoadToolOutput(Text);
+}
 
 // A verdict block of storcli: "Status = Success" or "Status = Failure".
 std::string Verdict(bool Success);
@@ -61,8 +63,5 @@ class LsiWorld : public ::testing::Test {
   std::map<std::string, std::string> Answers_;
   std::string Default_;
 };
-
-// Text of a CHAR16 string (ASCII), "<null>" for NULL.
-std::string Narrow(const CHAR16 *Text);
 
 }  // namespace lsi_test

@@ -11,39 +11,6 @@
 
 namespace rste_test {
 
-std::string Crlf(const std::string &Text) {
-  std::string Out;
-  for (char C : Text) {
-    if (C == '\n') {
-      Out += '\r';
-    }
-    Out += C;
-  }
-  return Out;
-}
-
-CHAR16 *LoadOutput(const std::string &Text) {
-  std::string Bytes = Crlf(Text);
-  size_t Length =
-      std::min(Bytes.size(), RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1);
-  for (size_t I = 0; I < Length; I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Bytes[I]);
-  }
-  gRaidToolOutput[Length] = 0;
-  return gRaidToolOutput;
-}
-
-std::string Narrow(const CHAR16 *Text) {
-  if (Text == nullptr) {
-    return "<null>";
-  }
-  std::string Out;
-  for (; *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
-
 namespace {
 const char *kHeader =
     "Intel(R) RSTe SATA Configuration Utility\n"
@@ -114,24 +81,10 @@ RsteWorld::RsteWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
     auto Found = Answers_.find(CommandLine);
     return Found != Answers_.end() ? Found->second : Default_;
   });
-  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller_->Capability->ToolName = AllocDestStr(u"RCfgSata.efi");
-  Controller_->Name = AllocDestStr(u"Intel RSTe SATA RAID Controller");
-  for (LIST_ENTRY *Head :
-       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
-        &Controller_->ArrayList, &Controller_->Capability->LevelList,
-        &Controller_->Capability->ReadPolicyList,
-        &Controller_->Capability->WritePolicyList,
-        &Controller_->Capability->IoPolicyList,
-        &Controller_->Capability->DiskCachePolicyList,
-        &Controller_->Capability->StripeSizeList}) {
-    InitializeListHead(Head);
-  }
+  Controller_ = backend_test::NewToolController(
+      u"RCfgSata.efi", u"Intel RSTe SATA RAID Controller", rste::RsteBindBackend);
   Controller_->Id = 4;
   Controller_->Private->CardId = 0;
-  rste::RsteBindBackend(&Controller_->Private->Operations);
   InitializeListHead(&gControllerList);
   InsertTailList(&gControllerList, &Controller_->Link);
 }

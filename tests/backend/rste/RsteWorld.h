@@ -18,17 +18,19 @@
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 #include "RsteBackend.h"
+#include "ScriptedTool.h"
 #include "emu/Emulator.h"
 
 namespace rste_test {
 
 using namespace rste;
 
-// "\n" line ends become the "\r\n" the tool prints.
-std::string Crlf(const std::string &Text);
+using backend_test::Crlf;
+using backend_test::Narrow;
 // Fills the shared output buffer with Text (CR LF added) for a parser.
-CHAR16 *LoadOutput(const std::string &Text);
-std::string Narrow(const CHAR16 *Text);
+inline CHAR16 *LoadOutput(const std::string &Text) {
+  return backend_test::LoadToolOutput(Text);
+}
 
 // Pieces of the "/I" report.
 struct DiskText {
