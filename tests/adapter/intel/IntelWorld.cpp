@@ -85,23 +85,6 @@ RAID_CONTROLLER *IntelWorld::Refresh() {
   return Controller;
 }
 
-RAID_ARRAY *ArrayWithId(RAID_CONTROLLER *Controller, UINT32 Id) {
-  for (RAID_ARRAY *Array : uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
-    if (Array->Id == Id) {
-      return Array;
-    }
-  }
-  return nullptr;
-}
-
-std::string Narrow(const CHAR16 *Text) {
-  std::string Out;
-  for (; Text != nullptr && *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
-
 RAID_VOLUME *VolumeNamed(RAID_CONTROLLER *Controller, const std::string &Name) {
   for (RAID_ARRAY *Array : uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
     for (RAID_VOLUME *Volume : uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
@@ -120,14 +103,6 @@ RAID_PHYSICAL_DRIVE *DiskWithId(RAID_CONTROLLER *Controller, UINT32 Id) {
     }
   }
   return nullptr;
-}
-
-std::vector<std::string> SegmentNames(RAID_ARRAY *Array) {
-  std::vector<std::string> Names;
-  for (RAID_VOLUME *Segment : uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-    Names.push_back(Narrow(Segment->Name));
-  }
-  return Names;
 }
 
 json DiskJson(uint32_t Number, const std::string &State, uint64_t Blocks) {

@@ -13,6 +13,8 @@
 #include <nlohmann/json.hpp>
 
 #include "CoreWorld.h"
+#include "ScriptedTool.h"
+#include "ScriptedToolWorld.h"
 #include "sim/common/VirtualFamily.h"
 #include "sim/intel/IntelFamily.h"
 
@@ -52,11 +54,11 @@ class IntelWorld : public core_test::CoreWorld {
 };
 
 // Lookups in the model.
-RAID_ARRAY *ArrayWithId(RAID_CONTROLLER *Controller, UINT32 Id);
+using backend_test::ArrayWithId;
+using backend_test::Narrow;
+using backend_test::SegmentNames;
 RAID_VOLUME *VolumeNamed(RAID_CONTROLLER *Controller, const std::string &Name);
 RAID_PHYSICAL_DRIVE *DiskWithId(RAID_CONTROLLER *Controller, UINT32 Id);
-std::vector<std::string> SegmentNames(RAID_ARRAY *Array);
-std::string Narrow(const CHAR16 *Text);
 
 // A disk of the scenario JSON.
 nlohmann::json DiskJson(uint32_t Number, const std::string &State,

@@ -22,19 +22,8 @@ std::string Verdict(bool Success) {
                     "use\n");
 }
 
-LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  gRaidLibSetupProtocol = &Setup_->Interface();
-  RaidLibResetToolRunner();
+LsiWorld::LsiWorld() {
   gLsiCommandForm = 0;
-  Shell_->SetHandler([this](const std::string &CommandLine) {
-    auto Found = Answers_.find(CommandLine);
-    return Found != Answers_.end() ? Found->second : Default_;
-  });
-
   Controller_ = backend_test::NewToolController(
       u"storcli.efi", u"MegaRAID 9460-8i", lsi::LsiBindBackend);
   Controller_->Id = 3;
@@ -49,36 +38,7 @@ LsiWorld::LsiWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
 LsiWorld::~LsiWorld() {
   RaidLibFreeController(Controller_);
   InitializeListHead(&gControllerList);
-  EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
-  gRaidLibSetupProtocol = nullptr;
-  RaidLibResetToolRunner();
   gLsiCommandForm = 0;
-  Shell_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-}
-
-VOID LsiWorld::Answer(const std::string &CommandLine,
-                      const std::string &Output) {
-  Answers_[CommandLine] = Crlf(Output);
-}
-
-bool LsiWorld::TraceHas(const std::string &Line) const {
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    if (Text == Line) {
-      return true;
-    }
-  }
-  std::string All;
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    All += "  " + ::testing::PrintToString(Text) + "\n";
-  }
-  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
-                << "; it holds:\n"
-                << All;
-  return false;
 }
 
 VOID LsiWorld::AnswerRichConfiguration() {
@@ -100,16 +60,6 @@ VOID LsiWorld::ReadModel() {
   EXPECT_EQ(ErrorCode, 0u);
 }
 
-RAID_ARRAY *LsiWorld::Array(UINT32 Id) {
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
-    if (Array->Id == Id) {
-      return Array;
-    }
-  }
-  return nullptr;
-}
-
 RAID_PHYSICAL_DRIVE *LsiWorld::DriveAt(const std::string &Location) {
   for (UINT32 I = 0; I < Controller_->DiskDriveCount; I++) {
     RAID_PHYSICAL_DRIVE *Drive = Controller_->DriveTable[I];
@@ -118,15 +68,6 @@ RAID_PHYSICAL_DRIVE *LsiWorld::DriveAt(const std::string &Location) {
     }
   }
   return nullptr;
-}
-
-std::vector<std::string> LsiWorld::SegmentNames(RAID_ARRAY *Array) {
-  std::vector<std::string> Names;
-  for (RAID_VOLUME *Segment :
-       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-    Names.push_back(Narrow(Segment->Name));
-  }
-  return Names;
 }
 
 }  // namespace lsi_test

@@ -14,6 +14,7 @@
 #include "LsiBackend.h"
 #include "RaidBackends.h"
 #include "ScriptedTool.h"
+#include "ScriptedToolWorld.h"
 
 namespace lsi_test {
 
@@ -22,6 +23,7 @@ using namespace lsi;
 
 using backend_test::Crlf;
 using backend_test::Narrow;
+using backend_test::SegmentNames;
 // Fills the shared output buffer with Text (CR LF added) for a parser.
 inline CHAR16 *LoadOutput(const std::string &Text) {
   return backend_test::LoadToolOutput(Text);
@@ -30,20 +32,10 @@ inline CHAR16 *LoadOutput(const std::string &Text) {
 // A verdict block of storcli: "Status = Success" or "Status = Failure".
 std::string Verdict(bool Success);
 
-class LsiWorld : public ::testing::Test {
+class LsiWorld : public backend_test::ScriptedToolWorld {
  public:
   LsiWorld();
   ~LsiWorld() override;
-
-  // The answer to a command line (CR LF added); later calls replace it.
-  VOID Answer(const std::string &CommandLine, const std::string &Output);
-  // The answer to every command line not answered otherwise.
-  VOID AnswerOthers(const std::string &Output) { Default_ = Output; }
-  std::vector<std::string> Commands() const {
-    return Shell_->CommandLines();
-  }
-  std::vector<std::string> Trace() const { return Setup_->TraceTexts(); }
-  bool TraceHas(const std::string &Line) const;
 
   // Answers the read commands with the rich configuration of LsiOutputs.h.
   VOID AnswerRichConfiguration();
@@ -52,16 +44,12 @@ class LsiWorld : public ::testing::Test {
   VOID ReadModel();
 
   // Model lookups by tool numbers.
-  RAID_ARRAY *Array(UINT32 Id);
+  RAID_ARRAY *Array(UINT32 Id) {
+    return backend_test::ArrayWithId(Controller_, Id);
+  }
   RAID_PHYSICAL_DRIVE *DriveAt(const std::string &Location);
-  std::vector<std::string> SegmentNames(RAID_ARRAY *Array);
 
-  std::unique_ptr<emu::Firmware> Firmware_;
-  std::unique_ptr<emu::SetupProtocol> Setup_;
-  std::unique_ptr<emu::ShellCommand> Shell_;
   RAID_CONTROLLER *Controller_ = nullptr;
-  std::map<std::string, std::string> Answers_;
-  std::string Default_;
 };
 
 }  // namespace lsi_test

@@ -69,18 +69,8 @@ std::string StatusReport(
   return Text;
 }
 
-RsteWorld::RsteWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
-  gST = Firmware_->SystemTable();
-  gBS = gST->BootServices;
-  Setup_ = std::make_unique<emu::SetupProtocol>(*Firmware_);
-  Shell_ = std::make_unique<emu::ShellCommand>(*Firmware_);
-  gRaidLibSetupProtocol = &Setup_->Interface();
-  RaidLibResetToolRunner();
+RsteWorld::RsteWorld() {
   RsteResetState();
-  Shell_->SetHandler([this](const std::string &CommandLine) {
-    auto Found = Answers_.find(CommandLine);
-    return Found != Answers_.end() ? Found->second : Default_;
-  });
   Controller_ = backend_test::NewToolController(
       u"RCfgSata.efi", u"Intel RSTe SATA RAID Controller", rste::RsteBindBackend);
   Controller_->Id = 4;
@@ -92,43 +82,13 @@ RsteWorld::RsteWorld() : Firmware_(std::make_unique<emu::Firmware>()) {
 RsteWorld::~RsteWorld() {
   RaidLibFreeController(Controller_);
   InitializeListHead(&gControllerList);
-  EXPECT_EQ(Firmware_->Memory().LeakReport(), "");
-  gRaidLibSetupProtocol = nullptr;
-  RaidLibResetToolRunner();
   RsteResetState();
   Smbios_.reset();
-  Shell_.reset();
-  Setup_.reset();
-  Firmware_.reset();
-  gST = nullptr;
-  gBS = nullptr;
-}
-
-VOID RsteWorld::Answer(const std::string &CommandLine,
-                       const std::string &Output) {
-  Answers_[CommandLine] = Crlf(Output);
 }
 
 std::vector<std::string> RsteWorld::NewCommands() const {
   std::vector<std::string> All = Commands();
   return std::vector<std::string>(All.begin() + Baseline_, All.end());
-}
-
-bool RsteWorld::TraceHas(const std::string &Format) const {
-  // The setup protocol's console prints the module's "\n" as CR LF.
-  const std::string Line = Crlf(Format);
-  std::vector<std::string> Lines = Setup_->TraceTexts();
-  if (std::find(Lines.begin(), Lines.end(), Line) != Lines.end()) {
-    return true;
-  }
-  std::string All;
-  for (const std::string &Text : Lines) {
-    All += "  " + ::testing::PrintToString(Text) + "\n";
-  }
-  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
-                << "; it holds:\n"
-                << All;
-  return false;
 }
 
 VOID RsteWorld::AnswerReads(const std::string &Version, const std::string &Info,
@@ -152,16 +112,6 @@ VOID RsteWorld::InstallSmbios(const std::string &BiosVersion) {
   Smbios_ = std::make_unique<emu::SmbiosTable>(*Firmware_, Description);
 }
 
-RAID_ARRAY *RsteWorld::Array(UINT32 Id) {
-  for (RAID_ARRAY *Each :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
-    if (Each->Id == Id) {
-      return Each;
-    }
-  }
-  return nullptr;
-}
-
 RAID_PHYSICAL_DRIVE *RsteWorld::Disk(UINT32 Id) {
   for (UINT32 I = 0; I < Controller_->DiskDriveCount; I++) {
     RAID_PHYSICAL_DRIVE *Drive = Controller_->DriveTable[I];
@@ -170,15 +120,6 @@ RAID_PHYSICAL_DRIVE *RsteWorld::Disk(UINT32 Id) {
     }
   }
   return nullptr;
-}
-
-std::vector<std::string> RsteWorld::SegmentNames(RAID_ARRAY *Array) {
-  std::vector<std::string> Names;
-  for (RAID_VOLUME *Segment :
-       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-    Names.push_back(Narrow(Segment->Name));
-  }
-  return Names;
 }
 
 }  // namespace rste_test

@@ -19,6 +19,7 @@
 #include "RaidLibTrace.h"
 #include "RsteBackend.h"
 #include "ScriptedTool.h"
+#include "ScriptedToolWorld.h"
 #include "emu/Emulator.h"
 
 namespace rste_test {
@@ -27,6 +28,7 @@ using namespace rste;
 
 using backend_test::Crlf;
 using backend_test::Narrow;
+using backend_test::SegmentNames;
 // Fills the shared output buffer with Text (CR LF added) for a parser.
 inline CHAR16 *LoadOutput(const std::string &Text) {
   return backend_test::LoadToolOutput(Text);
@@ -65,20 +67,14 @@ std::string StatusReport(
     const std::vector<std::pair<std::string, std::string>> &NameAndState,
     unsigned Offset);
 
-class RsteWorld : public ::testing::Test {
+class RsteWorld : public backend_test::ScriptedToolWorld {
  public:
   RsteWorld();
   ~RsteWorld() override;
 
-  VOID Answer(const std::string &CommandLine, const std::string &Output);
-  VOID AnswerOthers(const std::string &Output) { Default_ = Output; }
-  std::vector<std::string> Commands() const { return Shell_->CommandLines(); }
   // The command lines since the last MarkCommands.
   std::vector<std::string> NewCommands() const;
   VOID MarkCommands() { Baseline_ = Commands().size(); }
-  std::vector<std::string> Trace() const { return Setup_->TraceTexts(); }
-  // The trace holds the line the module formatted as Format ("\n" end).
-  bool TraceHas(const std::string &Format) const;
 
   // Answers "/V", "/I" and "/ST" of RCfgSata.efi.
   VOID AnswerReads(const std::string &Version, const std::string &Info,
@@ -87,17 +83,13 @@ class RsteWorld : public ::testing::Test {
   VOID ReadModel(UINT32 ExpectedErrorCode = 0);
   VOID InstallSmbios(const std::string &BiosVersion);
 
-  RAID_ARRAY *Array(UINT32 Id);
+  RAID_ARRAY *Array(UINT32 Id) {
+    return backend_test::ArrayWithId(Controller_, Id);
+  }
   RAID_PHYSICAL_DRIVE *Disk(UINT32 Id);
-  std::vector<std::string> SegmentNames(RAID_ARRAY *Array);
 
-  std::unique_ptr<emu::Firmware> Firmware_;
-  std::unique_ptr<emu::SetupProtocol> Setup_;
-  std::unique_ptr<emu::ShellCommand> Shell_;
   std::unique_ptr<emu::SmbiosTable> Smbios_;
   RAID_CONTROLLER *Controller_ = nullptr;
-  std::map<std::string, std::string> Answers_;
-  std::string Default_;
   size_t Baseline_ = 0;
 };
 
