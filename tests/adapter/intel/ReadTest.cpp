@@ -81,6 +81,12 @@ TEST_F(IntelReadTest, VrocEnginesShowTheirStatesAndGbSizes) {
   // One tool sees both engines.
   EXPECT_EQ(Controller->DiskDriveCount, 4u);
   EXPECT_NE(DiskWithId(Controller, 7), nullptr);
+  // Intel engines are numbered from 0 and bound as the Intel family.
+  ASSERT_EQ(Controllers().size(), 2u);
+  for (UINT32 Card = 0; Card < 2; Card++) {
+    EXPECT_EQ(Controllers()[Card]->Private->CardId, Card);
+    EXPECT_EQ(Controllers()[Card]->ToolType, static_cast<UINT32>(RAID_TOOL_TYPE_INTEL));
+  }
 }
 
 TEST_F(IntelReadTest, AThousandMbFreeIsNoSegmentAndAThousandAndOneIs) {
