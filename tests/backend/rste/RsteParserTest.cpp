@@ -236,6 +236,35 @@ TEST_F(RsteInfoTest, MoreDisksThanCountedStayOutOfTheTable) {
   EXPECT_EQ(Controller_->UnconfiguredDriveCount, 2u);
 }
 
+// Whichever allocation fails, the model stays consistent (the world checks
+// the pool is empty once it is freed) and the read says it is partial.
+TEST_F(RsteInfoTest, AllocationFailuresLeaveAConsistentModel) {
+  InfoText Info;
+  Info.Disks = 3;
+  Info.ArraySizeLines = {" Size: TotalGB: 2000 FreeGB:500"};
+  Info.Volumes = {VolumeText{.Name = "A", .Level = 0, .Stripe = "64KB"}};
+  Info.DiskBlocks = {Member("0", "74706DB0"), Member("1", "74706DB0"),
+                     DiskText{.Number = "2", .State = "(Spare Disk)"}};
+  const std::string Report = InfoReport(Info);
+  for (UINT64 N = 1;; N++) {
+    ASSERT_EQ(RaidLibResetControllerModel(Controller_), EFI_SUCCESS);
+    Firmware_->Memory().FailNthAllocation(N);
+    UINT32 ErrorCode = 0;
+    EFI_STATUS Status = ParseControllerInfo(LoadOutput(Report), Controller_, &ErrorCode);
+    Firmware_->Memory().ClearFaults();
+    if (Status == EFI_SUCCESS) {
+      EXPECT_EQ(Controller_->DiskDriveCount, 3u);
+      break;
+    }
+    EXPECT_EQ(Status, EFI_OUT_OF_RESOURCES) << N;
+    EXPECT_EQ(ErrorCode, RAID_ERROR_OUT_OF_RESOURCES) << N;
+    for (UINT32 I = 0; I < Controller_->DiskDriveCount; I++) {
+      ASSERT_NE(Controller_->DriveTable[I], nullptr) << N;
+    }
+    ASSERT_LT(N, 200u);
+  }
+}
+
 TEST_F(RsteInfoTest, NullOutputIsAborted) {
   UINT32 ErrorCode = 0;
   EXPECT_EQ(ParseControllerInfo(nullptr, Controller_, &ErrorCode), EFI_ABORTED);

@@ -111,10 +111,12 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // else GB. The third word is the total, the fourth word's second ":"-piece
 // the free space. An MB report needs more than 1000 MB free for a free
 // segment, a GB report any free space at all.
-VOID OpenArray(RAID_CONTROLLER *Controller, const CHAR16 *SizeLine, UINT32 Id) {
+// FALSE when the pool ran out (the array, or its free segment, is missing).
+[[nodiscard]] bool OpenArray(RAID_CONTROLLER *Controller,
+                             const CHAR16 *SizeLine, UINT32 Id) {
   RAID_ARRAY *Array = RaidLibAddArray(Controller, Id, 0);
   if (Array == nullptr) {
-    return;
+    return false;
   }
   RAID_ROW Row;
   RaidLibSplitRow(SizeLine, &Row);
@@ -133,10 +135,8 @@ VOID OpenArray(RAID_CONTROLLER *Controller, const CHAR16 *SizeLine, UINT32 Id) {
   Array->SizeUnit = RAID_UNIT_GB;
   Array->FreeCapacity = Free;
   Array->FreeCapacityUnit = RAID_UNIT_GB;
-  if (Segment) {
-    (VOID)RaidLibAddFreeSegment(Array, 0, RAID_SEGMENT_AFTER_NO_VOLUME, Free,
-                                RAID_UNIT_GB, 0);
-  }
+  return !Segment || RaidLibAddFreeSegment(Array, 0, RAID_SEGMENT_AFTER_NO_VOLUME,
+                                           Free, RAID_UNIT_GB, 0) != nullptr;
 }
 
 [[nodiscard]] UINT32 SaturatingAdd(UINT32 Count, UINT64 More) {
@@ -145,7 +145,10 @@ VOID OpenArray(RAID_CONTROLLER *Controller, const CHAR16 *SizeLine, UINT32 Id) {
                                                        : static_cast<UINT32>(Sum);
 }
 
-VOID FirstPass(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) {
+// FALSE when the pool ran out on the way.
+[[nodiscard]] bool FirstPass(RAID_LINE_CURSOR Lines,
+                             RAID_CONTROLLER *Controller) {
+  bool Whole = true;
   UINT32 ArrayCount = 0;
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
@@ -155,9 +158,10 @@ VOID FirstPass(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller) {
       Controller->DiskDriveCount =
           SaturatingAdd(Controller->DiskDriveCount, DecimalValue(Line));
     } else if (RaidLibStartsWith(Line, u"Array ")) {
-      OpenArray(Controller, RaidLibLineAhead(&Lines, 2), ArrayCount++);
+      Whole &= OpenArray(Controller, RaidLibLineAhead(&Lines, 2), ArrayCount++);
     }
   }
+  return Whole;
 }
 
 // ---- Second pass: volumes, disks, capacities -------------------------------------
@@ -187,20 +191,22 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
   Array->FreeSegmentCount = 0;
 }
 
-VOID OpenVolume(RAID_CONTROLLER *Controller, RAID_LINE_CURSOR *Lines,
-                UINT32 *VolumeCount, OPEN_BLOCK *Open, UINT32 *ErrorCode) {
+// FALSE when the pool ran out.
+[[nodiscard]] bool OpenVolume(RAID_CONTROLLER *Controller,
+                              RAID_LINE_CURSOR *Lines, UINT32 *VolumeCount,
+                              OPEN_BLOCK *Open, UINT32 *ErrorCode) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   RAID_ARRAY *Array =
       ArrayWithId(Controller, DecimalPieceOfWord(RaidLibLineAhead(Lines, 4), 2));
   if (Array == nullptr) {
-    return;  // a volume of no array listed has no place in the model
+    return true;  // a volume of no array listed has no place in the model
   }
   RAID_ROW Scratch;
   CHAR16 *Name = RaidLibTrimmedValue(RaidLibLineAhead(Lines, 1), u":", &Scratch);
   RAID_VOLUME *Volume = RaidLibAddVolume(Array, *VolumeCount, Name, 0);
   if (Volume == nullptr) {
-    return;
+    return false;
   }
   (*VolumeCount)++;
   Volume->IsVolume = 1;
@@ -222,6 +228,7 @@ VOID OpenVolume(RAID_CONTROLLER *Controller, RAID_LINE_CURSOR *Lines,
   RAID_ROW Row;
   Open->BlockCount = RaidLibReadHex(Word(RaidLibLineAhead(Lines, 3), 1, &Row));
   Open->Volume = Volume;
+  return true;
 }
 
 // The disk's model: the second ":"-piece of its line, runs of blanks made
@@ -260,8 +267,10 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   return HexPieceOfWord(Line, 1);
 }
 
-VOID OpenDisk(RAID_CONTROLLER *Controller, RAID_LINE_CURSOR *Lines,
-              RAID_DRIVE_TABLE_FILL *Table, OPEN_BLOCK *Open) {
+// FALSE when the pool ran out.
+[[nodiscard]] bool OpenDisk(RAID_CONTROLLER *Controller,
+                            RAID_LINE_CURSOR *Lines,
+                            RAID_DRIVE_TABLE_FILL *Table, OPEN_BLOCK *Open) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   const CHAR16 *IdLine = RaidLibLineAhead(Lines, 4);
@@ -284,7 +293,7 @@ VOID OpenDisk(RAID_CONTROLLER *Controller, RAID_LINE_CURSOR *Lines,
   RAID_PHYSICAL_DRIVE *Disk = RaidLibNewDrive(
       Id, Location, Model[0] != 0 ? Model : u"Unknown", kModelChars);
   if (Disk == nullptr) {
-    return;
+    return false;
   }
   Disk->MediaType = RAID_MEDIA_SATA_SSD;
   Disk->SizeUnit = RAID_UNIT_GB;
@@ -295,6 +304,7 @@ VOID OpenDisk(RAID_CONTROLLER *Controller, RAID_LINE_CURSOR *Lines,
   RaidLibPlaceDrive(Controller, Disk, Place, State.Code, State.Detail);
   (VOID)RaidLibAppendToDriveTable(Table, Disk);
   Open->Disk = Disk;
+  return true;
 }
 
 // A capacity line: " Block Size" names the block size ("Unknown" is 512),
@@ -324,20 +334,24 @@ VOID SetCapacity(const CHAR16 *Line, const OPEN_BLOCK &Open) {
          RaidLibStartsWith(Line, u"    DISK_SMART_EVENT_SUPPORTED");
 }
 
-VOID SecondPass(RAID_LINE_CURSOR Lines, RAID_CONTROLLER *Controller,
-                RAID_DRIVE_TABLE_FILL *Table, UINT32 *ErrorCode) {
+// FALSE when the pool ran out on the way.
+[[nodiscard]] bool SecondPass(RAID_LINE_CURSOR Lines,
+                              RAID_CONTROLLER *Controller,
+                              RAID_DRIVE_TABLE_FILL *Table, UINT32 *ErrorCode) {
+  bool Whole = true;
   OPEN_BLOCK Open = {nullptr, nullptr, 0};
   UINT32 VolumeCount = 0;
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Volume ")) {
-      OpenVolume(Controller, &Lines, &VolumeCount, &Open, ErrorCode);
+      Whole &= OpenVolume(Controller, &Lines, &VolumeCount, &Open, ErrorCode);
     } else if (RaidLibStartsWith(Line, u"Disk ")) {
-      OpenDisk(Controller, &Lines, Table, &Open);
+      Whole &= OpenDisk(Controller, &Lines, Table, &Open);
     } else if (IsCapacityLine(Line)) {
       SetCapacity(Line, Open);
     }
   }
+  return Whole;
 }
 
 // Mirrors keep half their disks' space, RAID 5 (n - 1) of n disks; the
@@ -378,7 +392,7 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   // before the first pass writes its line terminators.
   RAID_LINE_CURSOR Lines;
   RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
-  FirstPass(Lines, Controller);
+  bool Whole = FirstPass(Lines, Controller);
   UINT32 Disks = Controller->DiskDriveCount < kMostDisks
                      ? Controller->DiskDriveCount
                      : kMostDisks;
@@ -387,9 +401,15 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;
   }
-  SecondPass(Lines, Controller, &Table, ErrorCode);
+  Whole &= SecondPass(Lines, Controller, &Table, ErrorCode);
   RaidLibFinishDriveTable(&Table);
   ScaleByLevel(Controller);
+  // A record the pool could not hold leaves the model partial but
+  // consistent; the read says so.
+  if (!Whole) {
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+    return EFI_OUT_OF_RESOURCES;
+  }
   return EFI_SUCCESS;
 }
 
