@@ -143,6 +143,39 @@ TEST_F(RsteReadTest, EachReportIsRunParsedAndTraced) {
   EXPECT_EQ(Controller_->DiskDriveCount, 2u);
 }
 
+// A model the pool could not hold whole is not shown at all: a missing
+// disk would shift the rows the operator picks from.
+TEST_F(RsteReadTest, AShortPoolShowsNoPartialModel) {
+  InfoText Info;
+  Info.Disks = 3;
+  Info.ArraySizeLines = {" Size: TotalMB: 1907458 FreeMB:5000"};
+  Info.Volumes = {VolumeText{}};
+  Info.DiskBlocks = {DiskText{.Number = "0", .State = "(Member Disk)", .ArrayId = "0"},
+                     DiskText{.Number = "1", .State = "(Member Disk)", .ArrayId = "0"},
+                     DiskText{.Number = "2"}};
+  AnswerReads(VersionReport("Intel RSTe SATA EFI Driver Version"), InfoReport(Info),
+              StatusReport({{"Volume_1", "Normal"}}, 6));
+  ReadModel();
+  for (UINT64 N = 1;; N++) {
+    Controller_->Private->Flags = 0;
+    Firmware_->Memory().FailNthAllocation(N);
+    UINT32 ErrorCode = 0;
+    EFI_STATUS Status = RsteGetControllerInfo(Controller_, nullptr, &ErrorCode);
+    Firmware_->Memory().ClearFaults();
+    if (Status == EFI_SUCCESS) {
+      EXPECT_EQ(Controller_->DiskDriveCount, 3u);
+      break;
+    }
+    EXPECT_EQ(Status, EFI_OUT_OF_RESOURCES) << N;
+    EXPECT_EQ(ErrorCode, RAID_ERROR_OUT_OF_RESOURCES) << N;
+    EXPECT_EQ(Controller_->DiskDriveCount, 0u) << N;
+    EXPECT_TRUE(IsListEmpty(&Controller_->ArrayList)) << N;
+    EXPECT_TRUE(IsListEmpty(&Controller_->PhysicalDriveList)) << N;
+    EXPECT_EQ(Controller_->Private->Flags & RAID_FLAG_OUTPUT_VALID, 0u) << N;
+    ASSERT_LT(N, 200u);
+  }
+}
+
 TEST_F(RsteReadTest, AMissingShellServiceIsTheFirmwareErrorCode) {
   Shell_.reset();
   RaidLibResetToolRunner();

@@ -61,6 +61,14 @@ EFI_STATUS RsteGetControllerInfo(RAID_CONTROLLER *Controller,
                       ErrorCode);
   Status = ReadReport(__func__, Controller, u"%S /I", ParseControllerInfo,
                       ErrorCode);
+  if (Status == EFI_OUT_OF_RESOURCES) {
+    // A model missing a disk shifts every row the operator picks from, so
+    // a create could name disks not chosen: none is shown, the read fails
+    // and the next read starts afresh.
+    (VOID)RaidLibResetControllerModel(Controller);
+    *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
+    return Status;
+  }
   Status = ReadReport(__func__, Controller, u"%S /ST", ParseSataInfo,
                       ErrorCode);
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;
