@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
     DemoScripts, SessionSweepTest,
     ::testing::Values("demo-simple-raid5-hotspare.script",
                       "demo-advanced-raid10-two-vds.script",
-                      "demo-manage.script"),
+                      "demo-manage.script", "demo-intel.script"),
     [](const ::testing::TestParamInfo<const char *> &Info) {
       std::string Name = Info.param;
       Name = Name.substr(5, Name.find('.') - 5);  // without "demo-", ".script"
