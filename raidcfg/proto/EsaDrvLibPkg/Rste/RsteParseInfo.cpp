@@ -49,10 +49,13 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // Value * Multiplier / Divisor, the product saturating instead of wrapping.
 [[nodiscard]] UINT64 Scaled(UINT64 Value, UINT64 Multiplier, UINT64 Divisor) {
   UINT64 Product = 0;
-  if (__builtin_mul_overflow(Value, Multiplier, &Product)) {
-    return (Value / Divisor) * Multiplier;
+  if (!__builtin_mul_overflow(Value, Multiplier, &Product)) {
+    return Product / Divisor;
   }
-  return Product / Divisor;
+  if (__builtin_mul_overflow(Value / Divisor, Multiplier, &Product)) {
+    return ~0ULL;
+  }
+  return Product;
 }
 
 // Bytes of BlockCount blocks of BlockSize as thousandths of a GB, without
@@ -110,8 +113,8 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // The sizes line two below an "Array " line: "TotalMB:" marks sizes in MB,
 // else GB. The third word is the total, the fourth word's second ":"-piece
 // the free space. An MB report needs more than 1000 MB free for a free
-// segment, a GB report any free space at all.
-// FALSE when the pool ran out (the array, or its free segment, is missing).
+// segment, a GB report any free space at all. FALSE when the pool ran out
+// (the array, or its free segment, is missing).
 [[nodiscard]] bool OpenArray(RAID_CONTROLLER *Controller,
                              const CHAR16 *SizeLine, UINT32 Id) {
   RAID_ARRAY *Array = RaidLibAddArray(Controller, Id, 0);
