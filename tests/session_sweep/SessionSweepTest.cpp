@@ -42,8 +42,16 @@ std::string ReadScript(const std::string &Name) {
   return Text.str();
 }
 
-// Every read of the tools is a "show"; any other command changes something.
+// A tool's reads: storcli's "show" commands and the Intel tool's three
+// reports. Any other command changes something.
 bool IsChange(const std::string &CommandLine) {
+  for (const std::string Report : {" /V", " /I", " /ST"}) {
+    if (CommandLine.size() >= Report.size() &&
+        CommandLine.compare(CommandLine.size() - Report.size(), Report.size(),
+                            Report) == 0) {
+      return false;
+    }
+  }
   return CommandLine.find(" show") == std::string::npos;
 }
 
