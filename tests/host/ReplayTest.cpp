@@ -2,6 +2,8 @@
 // answers from the virtual adapters or a replay.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "HostTestSupport.h"
 #include "native/Replay.h"
 #include "native/VirtualAdapters.h"
@@ -198,6 +200,21 @@ TEST(Record, BothM2ToolsReplayToTheSameDump) {
   const std::string Commands = Dir.Read("commands.txt");
   EXPECT_NE(Commands.find("\tmvsetup.efi 0 info -o pd\n"), std::string::npos);
   EXPECT_NE(Commands.find("\tmnv_cli.efi 1 info -o pd\n"), std::string::npos);
+}
+
+// A server with an RSTe engine and a VROC sSATA engine: the VROC server
+// of scenarios/ with its first engine turned into RSTe.
+TEST(Record, IntelServerReplaysToTheSameModel) {
+  host::Scenario Scenario = host::LoadScenarioFile(
+      std::filesystem::path(RAIDCFG_SCENARIO_DIR) / "vroc-server.json");
+  Scenario.Adapters[0].Description["variant"] = "rste-sata";
+  ScratchDirectory Dir;
+  DumpRun Live = RunDump(Scenario, {std::nullopt, Dir.Path()});
+  DumpRun Replayed = RunDump(Scenario, {Dir.Path(), std::nullopt});
+  EXPECT_TRUE(Live.Problems.empty());
+  ASSERT_EQ(Live.Model["controllers"].size(), 2u);
+  EXPECT_EQ(Live.Model["controllers"][0]["Arrays"][0]["Segments"][1]["Name"], "Data_R5");
+  EXPECT_EQ(Live.Model.dump(), Replayed.Model.dump());
 }
 
 TEST(MegaRaidFamily, StorcliAnswersForTheScenariosAdapter) {

@@ -42,11 +42,23 @@ std::string ReadScript(const std::string &Name) {
   return Text.str();
 }
 
-// Every read of the tools is a "show", or an "info" report of the M.2
-// tools; any other command changes something.
+// The tools' reads: storcli's "show" commands, arcconf's "list" and
+// "getconfig", the M.2 tools' "info" reports and the Intel tool's three
+// reports. Any other command changes something.
 bool IsChange(const std::string &CommandLine) {
-  return CommandLine.find(" show") == std::string::npos &&
-         CommandLine.find(" info -o ") == std::string::npos;
+  for (const char *Read : {" show", " list", " getconfig ", " info -o "}) {
+    if (CommandLine.find(Read) != std::string::npos) {
+      return false;
+    }
+  }
+  for (const std::string Report : {" /V", " /I", " /ST"}) {
+    if (CommandLine.size() >= Report.size() &&
+        CommandLine.compare(CommandLine.size() - Report.size(), Report.size(),
+                            Report) == 0) {
+      return false;
+    }
+  }
+  return true;
 }
 
 // Management-controller events that report a failed change.
@@ -157,7 +169,8 @@ INSTANTIATE_TEST_SUITE_P(
     DemoScripts, SessionSweepTest,
     ::testing::Values("demo-simple-raid5-hotspare.script",
                       "demo-advanced-raid10-two-vds.script",
-                      "demo-manage.script", "demo-microchip.script"),
+                      "demo-manage.script", "demo-microchip.script",
+                      "demo-intel.script"),
     [](const ::testing::TestParamInfo<const char *> &Info) {
       std::string Name = Info.param;
       Name = Name.substr(5, Name.find('.') - 5);  // without "demo-", ".script"

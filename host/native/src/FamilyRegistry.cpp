@@ -11,6 +11,7 @@
 #include "sim/marvell/MarvellFamily.h"
 #include "sim/megaraid/MegaRaidFamily.h"
 #include "sim/microchip/MicrochipFamily.h"
+#include "sim/intel/IntelFamily.h"
 
 namespace host {
 namespace {
@@ -94,6 +95,7 @@ const FamilyRegistry &FamilyRegistry::Builtin() {
     Add("megaraid", sim::megaraid::MakeFamily);
     Add("marvell", sim::marvell::MakeFamily);
     Add("microchip", sim::microchip::MakeFamily);
+    Add("intel", sim::intel::MakeFamily);
     return Registry;
   }();
   return kRegistry;

@@ -45,7 +45,7 @@ TEST_F(LsiParserTest, ErrCdVerdicts) {
   };
   for (const ErrCdCase &Case : Cases) {
     UINT32 ErrorCode = 0xDEAD;
-    EXPECT_EQ(ParseErrCd(LoadOutput(Case.Output), &ErrorCode), EFI_SUCCESS)
+    EXPECT_EQ(ParseErrCd(LoadToolOutput(Case.Output), &ErrorCode), EFI_SUCCESS)
         << Case.Name;
     EXPECT_EQ(ErrorCode, Case.ErrorCode) << Case.Name;
   }
@@ -53,7 +53,7 @@ TEST_F(LsiParserTest, ErrCdVerdicts) {
 
 TEST_F(LsiParserTest, ErrCdFailureIsTraced) {
   UINT32 ErrorCode = 0;
-  EXPECT_EQ(ParseErrCd(LoadOutput(Verdict(false)), &ErrorCode), EFI_SUCCESS);
+  EXPECT_EQ(ParseErrCd(LoadToolOutput(Verdict(false)), &ErrorCode), EFI_SUCCESS);
   EXPECT_TRUE(TraceHas("[ParseErrCd]State is Failure!\r\n"));
   EXPECT_TRUE(TraceHas("[ParseErrCd]Description = resources already in "
                        "use\r\r\n"));
@@ -77,7 +77,7 @@ TEST_F(LsiParserTest, ActionStatusVerdicts) {
   };
   for (const Case &C : Cases) {
     UINT32 Result = C.Start;
-    EXPECT_EQ(ParseActionStatus(LoadOutput(C.Output), Controller_, &Result),
+    EXPECT_EQ(ParseActionStatus(LoadToolOutput(C.Output), Controller_, &Result),
               EFI_SUCCESS);
     EXPECT_EQ(Result, C.Result) << C.Output;
   }
@@ -108,7 +108,7 @@ TEST_F(LsiParserTest, StripSizeAndDiskCacheTables) {
     RAID_VOLUME Volume = {};
     UINT32 ErrorCode = 0;
     EXPECT_EQ(ParseControllerShowVolume(
-                  LoadOutput(ShowAll("0/0", "RWBD", C.Strip, C.DiskCache)),
+                  LoadToolOutput(ShowAll("0/0", "RWBD", C.Strip, C.DiskCache)),
                   &Volume, &ErrorCode),
               EFI_SUCCESS);
     EXPECT_EQ(Volume.StripeSize, C.Stripe) << C.Strip;
@@ -138,7 +138,7 @@ TEST_F(LsiParserTest, CacheWordGivesReadWriteAndIoPolicies) {
     RAID_VOLUME Volume = {};
     UINT32 ErrorCode = 0;
     EXPECT_EQ(ParseControllerShowVolume(
-                  LoadOutput(ShowAll("0/0", C.Cache, "64 KB", "Enabled")),
+                  LoadToolOutput(ShowAll("0/0", C.Cache, "64 KB", "Enabled")),
                   &Volume, &ErrorCode),
               EFI_SUCCESS);
     EXPECT_EQ(Volume.ReadPolicy, C.Read) << C.Cache;
@@ -150,18 +150,18 @@ TEST_F(LsiParserTest, CacheWordGivesReadWriteAndIoPolicies) {
 
 TEST_F(LsiParserTest, ControllerCountByPrefixOrAnywhere) {
   UINT32 ErrorCode = 9;
-  EXPECT_EQ(LsiParseControllerShowCtrlCount(LoadOutput(CtrlCount(4)),
+  EXPECT_EQ(LsiParseControllerShowCtrlCount(LoadToolOutput(CtrlCount(4)),
                                             &ErrorCode),
             4u);
   EXPECT_EQ(ErrorCode, 0u);
   EXPECT_EQ(LsiParseControllerShowCtrlCount(
-                LoadOutput("x\n  Controller Count = 2\nController Count = 3\n"),
+                LoadToolOutput("x\n  Controller Count = 2\nController Count = 3\n"),
                 &ErrorCode),
             3u);
   EXPECT_EQ(LsiParseControllerShowCtrlCount(
-                LoadOutput("x\n  Controller Count = 2\n"), &ErrorCode),
+                LoadToolOutput("x\n  Controller Count = 2\n"), &ErrorCode),
             2u);
-  EXPECT_EQ(LsiParseControllerShowCtrlCount(LoadOutput("Status = Failure\n"),
+  EXPECT_EQ(LsiParseControllerShowCtrlCount(LoadToolOutput("Status = Failure\n"),
                                             &ErrorCode),
             0u);
 }
@@ -170,11 +170,11 @@ TEST_F(LsiParserTest, BdfComparesEightBitsAndAnyKeys) {
   UINT32 ErrorCode = 0;
   // 0x13B compared as 8 bits is 0x3B; the two lines after the bus line
   // count whatever their keys.
-  EXPECT_EQ(ParseBDF(LoadOutput("Bus Number = 315\nX = 0\nY = 0\n"),
+  EXPECT_EQ(ParseBDF(LoadToolOutput("Bus Number = 315\nX = 0\nY = 0\n"),
                      Controller_, 5, &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->Private->CardId, 5u);
-  EXPECT_EQ(ParseBDF(LoadOutput(SummaryAt(0x3B, 1, 0)), Controller_, 6,
+  EXPECT_EQ(ParseBDF(LoadToolOutput(SummaryAt(0x3B, 1, 0)), Controller_, 6,
                      &ErrorCode),
             EFI_ABORTED);
   EXPECT_EQ(ErrorCode, 0x200023u);
@@ -182,7 +182,7 @@ TEST_F(LsiParserTest, BdfComparesEightBitsAndAnyKeys) {
   EXPECT_TRUE(TraceHas(
       "[ParseBDF]Card Id: 6, Bus: 0x3B, Device: 0x1, Function: 0x0\r\n"));
   // Cut after the bus line: cannot match.
-  EXPECT_EQ(ParseBDF(LoadOutput("Bus Number = 59\n"), Controller_, 7,
+  EXPECT_EQ(ParseBDF(LoadToolOutput("Bus Number = 59\n"), Controller_, 7,
                      &ErrorCode),
             EFI_ABORTED);
 }
@@ -205,12 +205,12 @@ TEST_F(LsiParserTest, FreeSpaceEdgeCases) {
   for (const Case &C : Cases) {
     UINT32 ErrorCode = 0;
     EXPECT_EQ(
-        ParseControllerShow(LoadOutput(kRichSummary), Controller_, &ErrorCode),
+        ParseControllerShow(LoadToolOutput(kRichSummary), Controller_, &ErrorCode),
         EFI_SUCCESS);
     std::string Output = std::string("Status = Success\n\n") +
                          "-----\nID DG AftrVD Size\n-----\n" + C.Rows +
                          "-----\n";
-    EXPECT_EQ(ParseControllerShowFS(LoadOutput(Output), Controller_,
+    EXPECT_EQ(ParseControllerShowFS(LoadToolOutput(Output), Controller_,
                                     &ErrorCode),
               C.Status)
         << C.Rows;
@@ -220,7 +220,7 @@ TEST_F(LsiParserTest, FreeSpaceEdgeCases) {
     EXPECT_EQ(Array0->FreeSegmentCount, C.Segments) << C.Rows;
   }
   UINT32 ErrorCode = 0;
-  EXPECT_EQ(ParseControllerShowFS(LoadOutput(Verdict(false)), Controller_,
+  EXPECT_EQ(ParseControllerShowFS(LoadToolOutput(Verdict(false)), Controller_,
                                   &ErrorCode),
             EFI_ABORTED);
   EXPECT_TRUE(TraceHas("[ParseControllerShowFS] Status: Failure\r\n"));

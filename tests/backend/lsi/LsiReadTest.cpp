@@ -171,7 +171,7 @@ TEST_F(LsiReadTest, SummaryCutAtEveryLineGivesAPartialModel) {
   for (size_t End = Full.find('\n'); End != std::string::npos;
        End = Full.find('\n', End + 1)) {
     for (size_t Cut : {End, End + 1}) {
-      CHAR16 *Output = LoadOutput(Full.substr(0, Cut));
+      CHAR16 *Output = LoadToolOutput(Full.substr(0, Cut));
       UINT32 ErrorCode = 0;
       EXPECT_EQ(ParseControllerShow(Output, Controller_, &ErrorCode),
                 EFI_SUCCESS);
@@ -189,14 +189,14 @@ TEST_F(LsiReadTest, FreeSpaceAndShowAllCutAtEveryLine) {
         ShowAll("0/0", "RWBD", "256 KB", "Disk's Default")}) {
     for (size_t Cut = 0; Cut <= Full.size(); Cut++) {
       UINT32 ErrorCode = 0;
-      EXPECT_EQ(ParseControllerShow(LoadOutput(kRichSummary), Controller_,
+      EXPECT_EQ(ParseControllerShow(LoadToolOutput(kRichSummary), Controller_,
                                     &ErrorCode),
                 EFI_SUCCESS);
       // Any verdict will do on a cut output; the sanitizers judge the reads.
-      (void)ParseControllerShowFS(LoadOutput(Full.substr(0, Cut)), Controller_,
+      (void)ParseControllerShowFS(LoadToolOutput(Full.substr(0, Cut)), Controller_,
                                   &ErrorCode);
       RAID_VOLUME Volume = {};
-      (void)ParseControllerShowVolume(LoadOutput(Full.substr(0, Cut)), &Volume,
+      (void)ParseControllerShowVolume(LoadToolOutput(Full.substr(0, Cut)), &Volume,
                                       &ErrorCode);
     }
   }
@@ -207,7 +207,7 @@ TEST_F(LsiReadTest, AllocationFailuresLeaveAConsistentModel) {
     Firmware_->Memory().FailNthAllocation(N);
     UINT32 ErrorCode = 0;
     EFI_STATUS Status =
-        ParseControllerShow(LoadOutput(kRichSummary), Controller_, &ErrorCode);
+        ParseControllerShow(LoadToolOutput(kRichSummary), Controller_, &ErrorCode);
     Firmware_->Memory().ClearFaults();
     if (Status == EFI_SUCCESS) {
       break;

@@ -51,16 +51,6 @@ VOID LsiWorld::ReadModel() {
   EXPECT_EQ(ErrorCode, 0u);
 }
 
-RAID_ARRAY *LsiWorld::Array(UINT32 Id) {
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList)) {
-    if (Array->Id == Id) {
-      return Array;
-    }
-  }
-  return nullptr;
-}
-
 RAID_PHYSICAL_DRIVE *LsiWorld::DriveAt(const std::string &Location) {
   for (UINT32 I = 0; I < Controller_->DiskDriveCount; I++) {
     RAID_PHYSICAL_DRIVE *Drive = Controller_->DriveTable[I];
@@ -69,15 +59,6 @@ RAID_PHYSICAL_DRIVE *LsiWorld::DriveAt(const std::string &Location) {
     }
   }
   return nullptr;
-}
-
-std::vector<std::string> LsiWorld::SegmentNames(RAID_ARRAY *Array) {
-  std::vector<std::string> Names;
-  for (RAID_VOLUME *Segment :
-       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-    Names.push_back(Narrow(Segment->Name));
-  }
-  return Names;
 }
 
 }  // namespace lsi_test

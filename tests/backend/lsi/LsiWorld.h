@@ -19,8 +19,9 @@ namespace lsi_test {
 using namespace lsi;
 
 using backend_test::Crlf;
-using backend_test::LoadOutput;
+using backend_test::LoadToolOutput;
 using backend_test::Narrow;
+using backend_test::SegmentNames;
 
 // A verdict block of storcli: "Status = Success" or "Status = Failure".
 std::string Verdict(bool Success);
@@ -37,9 +38,10 @@ class LsiWorld : public backend_test::ScriptedToolWorld {
   VOID ReadModel();
 
   // Model lookups by tool numbers.
-  RAID_ARRAY *Array(UINT32 Id);
+  RAID_ARRAY *Array(UINT32 Id) {
+    return backend_test::ArrayWithId(Controller_, Id);
+  }
   RAID_PHYSICAL_DRIVE *DriveAt(const std::string &Location);
-  std::vector<std::string> SegmentNames(RAID_ARRAY *Array);
 };
 
 }  // namespace lsi_test

@@ -113,11 +113,11 @@ TEST_F(M2ReadTest, MembersOfAnArrayWithoutVolumesStayInTheTable) {
 
 TEST_F(M2ReadTest, EmptyMaximumSupportedDiskGivesTwoUntilTheDriveCount) {
   UINT32 ErrorCode = 0;
-  ASSERT_EQ(ParseControllerInfo(LoadOutput(HbaReport("")), Controller_,
+  ASSERT_EQ(ParseControllerInfo(LoadToolOutput(HbaReport("")), Controller_,
                                 &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->DiskDriveCount, 2u);
-  ASSERT_EQ(ParseControllerInfo(LoadOutput(HbaReport("4")), Controller_,
+  ASSERT_EQ(ParseControllerInfo(LoadToolOutput(HbaReport("4")), Controller_,
                                 &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->DiskDriveCount, 4u);
@@ -145,16 +145,16 @@ TEST_F(M2ReadTest, DrivesBeyondTheAdaptersCountAreNotTabled) {
 
 TEST_F(M2ReadTest, SlotIsTakenOnlyWhileUnknown) {
   UINT32 ErrorCode = 0;
-  ASSERT_EQ(ParseControllerInfo(LoadOutput(HbaReport("2", "")), Controller_,
+  ASSERT_EQ(ParseControllerInfo(LoadToolOutput(HbaReport("2", "")), Controller_,
                                 &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->SlotNumber, RAID_SLOT_NUMBER_NONE);
   EXPECT_TRUE(TraceHas("[ParseControllerInfo]Controller slot number: NULL\r\n"));
-  ASSERT_EQ(ParseControllerInfo(LoadOutput(HbaReport("2", "5")), Controller_,
+  ASSERT_EQ(ParseControllerInfo(LoadToolOutput(HbaReport("2", "5")), Controller_,
                                 &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->SlotNumber, 5);
-  ASSERT_EQ(ParseControllerInfo(LoadOutput(HbaReport("2", "7")), Controller_,
+  ASSERT_EQ(ParseControllerInfo(LoadToolOutput(HbaReport("2", "7")), Controller_,
                                 &ErrorCode),
             EFI_SUCCESS);
   EXPECT_EQ(Controller_->SlotNumber, 5);
@@ -176,7 +176,7 @@ TEST_F(M2ReadTest, EmptyValuesOfAVolumeAndItsArray) {
   InitializeListHead(&Array.DriveList);
   Array.Controller = Controller_;
   UINT32 ErrorCode = 0;
-  ASSERT_EQ(ParseVolumeInfo(LoadOutput(VdReport({Bare}, "1")), &Array,
+  ASSERT_EQ(ParseVolumeInfo(LoadToolOutput(VdReport({Bare}, "1")), &Array,
                             &ErrorCode),
             EFI_SUCCESS);
   RAID_VOLUME *Volume = uefi::RecordOf<&RAID_VOLUME::Link>(

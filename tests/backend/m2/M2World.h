@@ -17,7 +17,7 @@ namespace m2_test {
 using namespace m2;
 
 using backend_test::Crlf;
-using backend_test::LoadOutput;
+using backend_test::LoadToolOutput;
 using backend_test::Narrow;
 
 class M2World : public backend_test::ScriptedToolWorld {

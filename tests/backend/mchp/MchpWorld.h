@@ -18,6 +18,7 @@ namespace mchp_test {
 using namespace mchp;
 
 using backend_test::Crlf;
+using backend_test::LoadToolOutput;
 using backend_test::Narrow;
 
 class MchpWorld : public backend_test::ScriptedToolWorld {

@@ -1,48 +1,13 @@
 #include "ScriptedToolWorld.h"
 
-#include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 
 #include <algorithm>
 
-#include "RaidLibText.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
 namespace backend_test {
-
-std::string Crlf(const std::string &Text) {
-  std::string Out;
-  for (char C : Text) {
-    if (C == '\n') {
-      Out += '\r';
-    }
-    Out += C;
-  }
-  return Out;
-}
-
-CHAR16 *LoadOutput(const std::string &Text) {
-  std::string Bytes = Crlf(Text);
-  size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
-  size_t Length = std::min(Bytes.size(), Limit);
-  for (size_t I = 0; I < Length; I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Bytes[I]);
-  }
-  gRaidToolOutput[Length] = 0;
-  return gRaidToolOutput;
-}
-
-std::string Narrow(const CHAR16 *Text) {
-  if (Text == nullptr) {
-    return "<null>";
-  }
-  std::string Out;
-  for (; *Text != 0; Text++) {
-    Out += static_cast<char>(*Text);
-  }
-  return Out;
-}
 
 ScriptedToolWorld::ScriptedToolWorld(const ScriptedController &Made)
     : Firmware_(std::make_unique<emu::Firmware>()) {
@@ -57,25 +22,10 @@ ScriptedToolWorld::ScriptedToolWorld(const ScriptedController &Made)
     return Found != Answers_.end() ? Found->second : Default_;
   });
 
-  Controller_ = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller_->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller_->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller_->Capability->ToolName = AllocDestStr(Made.ToolName);
-  Controller_->Name = AllocDestStr(Made.Name);
-  for (LIST_ENTRY *Head :
-       {&Controller_->PhysicalDriveList, &Controller_->SpareDriveList,
-        &Controller_->ArrayList, &Controller_->Capability->LevelList,
-        &Controller_->Capability->ReadPolicyList,
-        &Controller_->Capability->WritePolicyList,
-        &Controller_->Capability->IoPolicyList,
-        &Controller_->Capability->DiskCachePolicyList,
-        &Controller_->Capability->StripeSizeList}) {
-    InitializeListHead(Head);
-  }
+  Controller_ = NewToolController(Made.ToolName, Made.Name, Made.Bind);
   Controller_->Id = Made.Id;
   Controller_->SlotNumber = RAID_SLOT_NUMBER_NONE;
   Controller_->Private->CardId = Made.CardId;
-  Made.Bind(&Controller_->Private->Operations);
   InitializeListHead(&gControllerList);
   InsertTailList(&gControllerList, &Controller_->Link);
 }
@@ -99,19 +49,40 @@ VOID ScriptedToolWorld::Answer(const std::string &CommandLine,
 }
 
 bool ScriptedToolWorld::TraceHas(const std::string &Line) const {
-  for (const std::string &Text : Setup_->TraceTexts()) {
-    if (Text == Line) {
-      return true;
-    }
+  const bool PlainEnd = Line.size() >= 1 && Line.back() == '\n' &&
+                        (Line.size() < 2 || Line[Line.size() - 2] != '\r');
+  const std::string Printed = PlainEnd ? Crlf(Line) : Line;
+  const std::vector<std::string> Lines = Setup_->TraceTexts();
+  if (std::find(Lines.begin(), Lines.end(), Printed) != Lines.end()) {
+    return true;
   }
   std::string All;
-  for (const std::string &Text : Setup_->TraceTexts()) {
+  for (const std::string &Text : Lines) {
     All += "  " + ::testing::PrintToString(Text) + "\n";
   }
-  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Line)
+  ADD_FAILURE() << "trace lacks " << ::testing::PrintToString(Printed)
                 << "; it holds:\n"
                 << All;
   return false;
+}
+
+RAID_ARRAY *ArrayWithId(RAID_CONTROLLER *Controller, UINT32 Id) {
+  for (RAID_ARRAY *Array :
+       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+    if (Array->Id == Id) {
+      return Array;
+    }
+  }
+  return nullptr;
+}
+
+std::vector<std::string> SegmentNames(RAID_ARRAY *Array) {
+  std::vector<std::string> Names;
+  for (RAID_VOLUME *Segment :
+       uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+    Names.push_back(Narrow(Segment->Name));
+  }
+  return Names;
 }
 
 }  // namespace backend_test

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 #include "AdapterStates.h"
 #include "native/EmbeddedFiles.h"
@@ -96,6 +97,15 @@ bool WizardWorld::TraceHas(const std::string &Text) const {
 
 nlohmann::json DemoScenarioJson() {
   return nlohmann::json::parse(*host::FindEmbeddedFile("demo.json"));
+}
+
+nlohmann::json &AdapterOfFamily(nlohmann::json &Scenario, const std::string &Family) {
+  for (nlohmann::json &Adapter : Scenario.at("adapters")) {
+    if (Adapter.value("family", "") == Family) {
+      return Adapter;
+    }
+  }
+  throw std::runtime_error("the scenario has no " + Family + " adapter");
 }
 
 nlohmann::json ScenarioJson(const std::string &Name) {

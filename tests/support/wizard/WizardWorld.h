@@ -91,6 +91,8 @@ class WizardWorld : public ::testing::Test {
 
 // The demo scenario as JSON, for tests that change it.
 nlohmann::json DemoScenarioJson();
+// The first adapter of Family in a scenario's JSON, for a test to change.
+nlohmann::json &AdapterOfFamily(nlohmann::json &Scenario, const std::string &Family);
 // A scenario file of scenarios/ as JSON, by its name there.
 nlohmann::json ScenarioJson(const std::string &Name);
 // A scenario from JSON.

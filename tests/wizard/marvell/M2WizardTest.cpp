@@ -109,7 +109,7 @@ TEST_F(M2WizardTest, AdvancedRaid0OverBothDrives) {
 // new-array choice is refused with it too.
 TEST_F(M2WizardTest, FewerThanTwoReadyDrivesAreRefusedWith863) {
   json Server = DemoScenarioJson();
-  json &M2 = Server["adapters"].back();
+  json &M2 = AdapterOfFamily(Server, "marvell");
   M2["drives"][1]["status"] = "failed";
   Start(ScenarioFrom(Server));
   ASSERT_EQ(ChooseAdapter(kM2Adapter), EFI_SUCCESS);

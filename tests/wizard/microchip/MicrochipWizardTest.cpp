@@ -3,6 +3,7 @@
 // what the adapter holds after each change, nothing else changed.
 #include <algorithm>
 
+#include "DemoServer.h"
 #include "Golden.h"
 #include "WizardWorld.h"
 #include "framework/HeadlessDriver.h"
@@ -14,7 +15,6 @@ namespace {
 
 using nlohmann::json;
 
-constexpr UINTN kSmartRaid = 3;  // the demo's fourth adapter on page 1
 constexpr UINT32 kCreated = 0xFE22;
 constexpr UINT32 kRemoved = 0xFE32;
 constexpr UINT32 kDrivesChanged = 0xFE12;

@@ -37,6 +37,10 @@ typedef struct {
   UINT16 Handle;
 } SMBIOS_STRUCTURE;
 
+// Offset of the BIOS-version string number in a type 0 (BIOS Information)
+// structure.
+#define SMBIOS_TYPE0_BIOS_VERSION_OFFSET 0x05
+
 // Offsets inside a type 9 (System Slots) structure.
 #define SMBIOS_TYPE9_SLOT_ID_OFFSET 0x09
 #define SMBIOS_TYPE9_SEGMENT_OFFSET 0x0D

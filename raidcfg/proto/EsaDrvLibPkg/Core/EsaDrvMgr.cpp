@@ -5,6 +5,7 @@
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 
+#include "RaidBackends.h"
 #include "RaidLibDiscovery.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
@@ -218,6 +219,7 @@ EFI_STATUS FinalizeRaid(UINT32 *ErrorCode) {
   // module image loaded anew must not reach for the old ones.
   RaidLibResetXmlParser();
   RaidLibResetToolRunner();
+  rste::RsteResetState();
   gRaidLibSetupProtocol = nullptr;
   return EFI_SUCCESS;
 }

@@ -36,11 +36,6 @@ constexpr SignatureFamily kSignatureFamilies[] = {
   return Tag[RAID_SIGNATURE_SIZE] == '\0';
 }
 
-// Placeholders of the families whose backend is not built yet.
-VOID RsteBindBackend(RAID_OPERATIONS *Operations) {
-  RaidLibStartOperations(Operations, RAID_SIGNATURE_RSTE);
-}
-
 // A controller the binding applies to: matched, profiled, with a private
 // record.
 [[nodiscard]] bool IsBindable(const RAID_CONTROLLER *Controller) {
@@ -59,7 +54,7 @@ constinit const RAID_BACKEND_BINDING
          RAID_SIGNATURE_ARC, TRUE},
         {m2::M2BindBackend, RAID_VENDOR_ID_MARVELL, u"mvsetup.efi",
          RAID_SIGNATURE_M2, TRUE},
-        {RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
+        {rste::RsteBindBackend, RAID_VENDOR_ID_INTEL, u"rcfgsata.efi",
          RAID_SIGNATURE_RSTE, TRUE},
 };
 

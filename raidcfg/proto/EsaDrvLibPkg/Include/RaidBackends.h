@@ -19,3 +19,10 @@ namespace mchp {
 // Microchip adapters through arcconf ("$arc").
 VOID MchpBindBackend(RAID_OPERATIONS *Operations);
 }  // namespace mchp
+namespace rste {
+// Intel RSTe/VROC SATA RAID through RCfgSata.efi ("rste").
+VOID RsteBindBackend(RAID_OPERATIONS *Operations);
+// Forgets the tool build and report layout chosen for the module's life;
+// the module is being unloaded.
+VOID RsteResetState();
+}  // namespace rste
