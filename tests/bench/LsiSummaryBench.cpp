@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 #include "LsiBackend.h"
 #include "RaidLibToolRunner.h"
+#include "ScriptedTool.h"
 
 #include <string>
 
@@ -58,25 +59,15 @@ std::string FullSummary() {
   return Text;
 }
 
-VOID Load(const std::string &Text) {
-  for (size_t I = 0; I < Text.size(); I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Text[I]);
-  }
-  gRaidToolOutput[Text.size()] = 0;
-}
-
 void ParseSummary(benchmark::State &State) {
   emu::Firmware Firmware;
   gST = Firmware.SystemTable();
   gBS = gST->BootServices;
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
+  RAID_CONTROLLER *Controller =
+      backend_test::NewToolController(u"storcli.efi", u"MegaRAID 9560-16i", nullptr);
   const std::string Text = FullSummary();
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     UINT32 ErrorCode = 0;
     if (EFI_ERROR(
             ParseControllerShow(gRaidToolOutput, Controller, &ErrorCode)) ||
@@ -96,7 +87,7 @@ BENCHMARK(ParseSummary);
 void ScanSummary(benchmark::State &State) {
   const std::string Text = FullSummary();
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     UINTN Lines = 0;
     for (const CHAR16 *Cursor = gRaidToolOutput; *Cursor != 0; Cursor++) {
       Lines += *Cursor == u'\n';

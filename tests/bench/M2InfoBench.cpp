@@ -10,6 +10,7 @@
 #include "M2Backend.h"
 #include "RaidLibModelBuild.h"
 #include "RaidLibToolRunner.h"
+#include "ScriptedTool.h"
 #include "emu/Emulator.h"
 
 using namespace m2;
@@ -45,26 +46,16 @@ std::string FullDriveReport(UINT32 *Drives) {
   return Text + Total;
 }
 
-VOID Load(const std::string &Text) {
-  for (size_t I = 0; I < Text.size(); I++) {
-    gRaidToolOutput[I] = static_cast<unsigned char>(Text[I]);
-  }
-  gRaidToolOutput[Text.size()] = 0;
-}
-
 void ParseDriveReport(benchmark::State &State) {
   emu::Firmware Firmware;
   gST = Firmware.SystemTable();
   gBS = gST->BootServices;
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
+  RAID_CONTROLLER *Controller =
+      backend_test::NewToolController(u"mvsetup.efi", u"M.2 adapter", nullptr);
   UINT32 Drives = 0;
   const std::string Text = FullDriveReport(&Drives);
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     (VOID)RaidLibResetControllerModel(Controller);
     RAID_ARRAY *Array = RaidLibAddNamedArray(Controller, M2_ARRAY_ID,
                                              M2_ARRAY_NAME, M2_ARRAY_EXTRA_SIZE);
@@ -91,7 +82,7 @@ void ScanDriveReport(benchmark::State &State) {
   UINT32 Drives = 0;
   const std::string Text = FullDriveReport(&Drives);
   for (auto _ : State) {
-    Load(Text);
+    backend_test::LoadToolText(Text);
     UINTN Lines = 0;
     for (const CHAR16 *Cursor = gRaidToolOutput; *Cursor != 0; Cursor++) {
       Lines += *Cursor == u'\n';

@@ -7,6 +7,7 @@
 #include <Library/UefiBootServicesTableLib.h>
 #include "LsiBackend.h"
 #include "FuzzModel.h"
+#include "ScriptedTool.h"
 #include "RaidLibToolRunner.h"
 
 #include <cstddef>
@@ -17,20 +18,6 @@
 #include "emu/Emulator.h"
 
 using namespace lsi;
-
-namespace {
-
-CHAR16 *Load(const std::uint8_t *Data, std::size_t Size) {
-  std::size_t Limit = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) - 1;
-  std::size_t Length = Size < Limit ? Size : Limit;
-  for (std::size_t I = 0; I < Length; I++) {
-    gRaidToolOutput[I] = Data[I];
-  }
-  gRaidToolOutput[Length] = 0;
-  return gRaidToolOutput;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
                                       std::size_t Size) {
@@ -48,26 +35,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   RAID_VOLUME Volume = {};
   switch (Choice) {
     case 0:
-      (void)ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShow(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
     case 1:
-      (void)ParseControllerShow(Load(Data, Size), Controller, &ErrorCode);
-      (void)ParseControllerShowFS(Load(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShow(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
+      (void)ParseControllerShowFS(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
     case 2:
-      (void)ParseControllerShowVolume(Load(Data, Size), &Volume, &ErrorCode);
+      (void)ParseControllerShowVolume(backend_test::LoadToolBytes(Data, Size), &Volume, &ErrorCode);
       break;
     case 3:
-      (void)ParseErrCd(Load(Data, Size), &ErrorCode);
+      (void)ParseErrCd(backend_test::LoadToolBytes(Data, Size), &ErrorCode);
       break;
     case 4:
-      (void)ParseActionStatus(Load(Data, Size), Controller, &Result);
+      (void)ParseActionStatus(backend_test::LoadToolBytes(Data, Size), Controller, &Result);
       break;
     case 5:
-      (void)ParseBDF(Load(Data, Size), Controller, 1, &ErrorCode);
+      (void)ParseBDF(backend_test::LoadToolBytes(Data, Size), Controller, 1, &ErrorCode);
       break;
     default:
-      (void)LsiParseControllerShowCtrlCount(Load(Data, Size), &ErrorCode);
+      (void)LsiParseControllerShowCtrlCount(backend_test::LoadToolBytes(Data, Size), &ErrorCode);
       break;
   }
   fuzz_model::ReleaseAndCheck(Controller, Before);
