@@ -1,9 +1,5 @@
 // Binding a vendor backend to each adapter, by PCI vendor id, and telling a
 // controller's family from the signature its backend wrote.
-//
-// A family whose backend is not built yet binds a placeholder here that
-// writes only its signature, so the controller is known by its family and
-// every operation on it is refused as missing.
 #include "RaidBackends.h"
 #include "RaidLibOperation.h"
 #include "RaidLib.h"
