@@ -1,6 +1,8 @@
 // Pool allocations on the C heap with a ledger beside them.
 #include "emu/Pool.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
@@ -11,6 +13,18 @@ namespace {
 // Larger requests fail like an exhausted pool rather than hitting the heap.
 constexpr UINTN kLargestAllocation = UINTN{1} << 32;
 constexpr unsigned char kFreshFill = 0xAF;
+constexpr UINTN kFirstTableSize = 1024;
+// Released addresses kept for telling double frees from foreign pointers;
+// past this many they are forgotten at the next growth, so a fuzzer's
+// long run does not grow the ledger without bound.
+constexpr UINTN kReleasedKept = UINTN{1} << 20;
+
+// Heap addresses are 16-byte aligned: the low bits carry nothing, and a
+// multiply spreads the rest over the table.
+UINTN SlotIndex(const VOID *Address, UINTN Mask) {
+  const auto Bits = reinterpret_cast<std::uintptr_t>(Address) >> 4;
+  return static_cast<UINTN>((Bits * UINT64{0x9E3779B97F4A7C15}) >> 32) & Mask;
+}
 
 }  // namespace
 
@@ -29,8 +43,48 @@ const char *PoolEventName(PoolEventKind Kind) {
 }
 
 Pool::~Pool() {
-  for (auto &[Address, Record] : Live_) {
-    std::free(const_cast<VOID *>(Address));
+  for (const Slot &Entry : Slots_) {
+    if (Entry.Live) {
+      std::free(const_cast<VOID *>(Entry.Address));
+    }
+  }
+}
+
+Pool::Slot &Pool::Find(const VOID *Address) {
+  const UINTN Mask = Slots_.size() - 1;
+  UINTN Index = SlotIndex(Address, Mask);
+  while (Slots_[Index].Address != nullptr && Slots_[Index].Address != Address) {
+    Index = (Index + 1) & Mask;
+  }
+  return Slots_[Index];
+}
+
+const Pool::Slot *Pool::FindLive(const VOID *Address) const {
+  if (Slots_.empty() || Address == nullptr) {
+    return nullptr;
+  }
+  const Slot &Entry = const_cast<Pool *>(this)->Find(Address);
+  return Entry.Live ? &Entry : nullptr;
+}
+
+VOID Pool::Reserve() {
+  if (!Slots_.empty() && (Used_ + 1) * 4 <= Slots_.size() * 3) {
+    return;
+  }
+  const bool KeepReleased = Used_ - LiveCount_ <= kReleasedKept;
+  const UINTN Keep = KeepReleased ? Used_ : LiveCount_;
+  UINTN Size = kFirstTableSize;
+  while (Size < (Keep + 1) * 2) {
+    Size *= 2;
+  }
+  std::vector<Slot> Old = std::move(Slots_);
+  Slots_.assign(Size, Slot{});
+  Used_ = 0;
+  for (const Slot &Entry : Old) {
+    if (Entry.Address != nullptr && (Entry.Live || KeepReleased)) {
+      Find(Entry.Address) = Entry;
+      Used_++;
+    }
   }
 }
 
@@ -57,8 +111,11 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
     return EFI_OUT_OF_RESOURCES;
   }
   std::memset(Memory, kFreshFill, Size);
-  Live_[Memory] = {Request, Size, Memory, Type};
-  Released_.erase(Memory);
+  Reserve();
+  Slot &Entry = Find(Memory);
+  Used_ += Entry.Address == nullptr ? 1 : 0;
+  Entry = {Memory, Request, Size, Type, true};
+  LiveCount_++;
   Counters_.Allocations++;
   Counters_.BytesOutstanding += Size;
   if (Counters_.BytesOutstanding > Counters_.PeakBytesOutstanding) {
@@ -69,22 +126,22 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
 }
 
 EFI_STATUS Pool::Free(VOID *Buffer) {
-  auto It = Live_.find(Buffer);
-  if (It == Live_.end()) {
+  Slot *Entry = Slots_.empty() || Buffer == nullptr ? nullptr : &Find(Buffer);
+  if (Entry == nullptr || !Entry->Live) {
     PoolEventKind Kind = PoolEventKind::kForeignPointer;
     if (Buffer == nullptr) {
       Kind = PoolEventKind::kNullPointer;
-    } else if (Released_.count(Buffer) != 0) {
+    } else if (Entry != nullptr && Entry->Address == Buffer) {
       Kind = PoolEventKind::kDoubleFree;
     }
     Counters_.InvalidFrees++;
     Events_.push_back({Kind, Buffer, 0});
     return EFI_INVALID_PARAMETER;
   }
-  Counters_.BytesOutstanding -= It->second.Size;
+  Counters_.BytesOutstanding -= Entry->Size;
   Counters_.Frees++;
-  Live_.erase(It);
-  Released_.insert(Buffer);
+  Entry->Live = false;
+  LiveCount_--;
   std::free(Buffer);
   return EFI_SUCCESS;
 }
@@ -103,14 +160,17 @@ VOID Pool::ClearFaults() {
 }
 
 std::vector<Allocation> Pool::Outstanding() const {
-  std::map<UINT64, Allocation> BySequence;
-  for (const auto &[Address, Record] : Live_) {
-    BySequence[Record.Sequence] = Record;
-  }
   std::vector<Allocation> Result;
-  for (const auto &[Sequence, Record] : BySequence) {
-    Result.push_back(Record);
+  Result.reserve(LiveCount_);
+  for (const Slot &Entry : Slots_) {
+    if (Entry.Live) {
+      Result.push_back({Entry.Sequence, Entry.Size, Entry.Address, Entry.Type});
+    }
   }
+  std::sort(Result.begin(), Result.end(),
+            [](const Allocation &A, const Allocation &B) {
+              return A.Sequence < B.Sequence;
+            });
   return Result;
 }
 
@@ -153,12 +213,12 @@ std::string Pool::EventReport() const {
 }
 
 bool Pool::IsLive(const VOID *Address) const {
-  return Live_.count(Address) != 0;
+  return FindLive(Address) != nullptr;
 }
 
 UINTN Pool::SizeOf(const VOID *Address) const {
-  auto It = Live_.find(Address);
-  return It == Live_.end() ? 0 : It->second.Size;
+  const Slot *Entry = FindLive(Address);
+  return Entry == nullptr ? 0 : Entry->Size;
 }
 
 }  // namespace emu

@@ -1,12 +1,15 @@
 // The boot-services pool: every allocation tracked by size and sequence
 // number, so a test can list what is still outstanding, see double frees
 // and foreign pointers, and make chosen allocations fail.
+//
+// Each block is its own C-heap allocation of exactly the size asked for, so
+// AddressSanitizer sees an overrun of any pool block. The ledger beside the
+// blocks is a flat open-addressing table keyed by address: an allocation and
+// its free cost a probe or two each, never a node allocation of their own.
 #pragma once
 
 #include <Uefi.h>
 
-#include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -82,10 +85,28 @@ class Pool {
   UINTN SizeOf(const VOID *Address) const;
 
  private:
-  bool FaultDue(UINT64 Request) const;
+  // One slot of the ledger. An address once handed out keeps its slot:
+  // live while allocated, released after its free (so a second free is
+  // told from a foreign pointer) until the C heap hands it out again.
+  struct Slot {
+    const VOID *Address = nullptr;  // nullptr: an empty slot
+    UINT64 Sequence = 0;
+    UINTN Size = 0;
+    EFI_MEMORY_TYPE Type = EfiReservedMemoryType;
+    bool Live = false;
+  };
 
-  std::map<const VOID *, Allocation> Live_;
-  std::set<const VOID *> Released_;
+  bool FaultDue(UINT64 Request) const;
+  // The slot holding Address, or the empty slot where it would go.
+  Slot &Find(const VOID *Address);
+  const Slot *FindLive(const VOID *Address) const;
+  // Room for one more address, the table doubled (and the released
+  // addresses dropped once there are very many) when it is 3/4 full.
+  VOID Reserve();
+
+  std::vector<Slot> Slots_;
+  UINTN Used_ = 0;      // slots holding an address, live or released
+  UINTN LiveCount_ = 0;
   std::vector<PoolEvent> Events_;
   PoolCounters Counters_;
   UINT64 FailOnly_ = 0;  // request number that fails, 0: none
