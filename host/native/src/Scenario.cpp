@@ -1,12 +1,11 @@
 // Reading a scenario: JSON to the description the server is built from.
 #include "native/Scenario.h"
 
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "emu/TextConversion.h"
 #include "native/EmbeddedFiles.h"
+#include "native/HostFile.h"
 
 namespace host {
 namespace {
@@ -148,13 +147,12 @@ std::vector<emu::SlotInventoryEntry> ParseSlotInventory(const json &List) {
 
 std::string ReadHostFile(const std::filesystem::path &Path,
                          const std::string &Where) {
-  std::ifstream In(Path, std::ios::binary);
-  if (!In) {
-    Refuse(Where, "cannot read " + Path.string());
+  std::string Problem;
+  std::optional<std::string> Contents = ReadRegularFile(Path, Problem);
+  if (!Contents) {
+    Refuse(Where, Problem);
   }
-  std::ostringstream Contents;
-  Contents << In.rdbuf();
-  return Contents.str();
+  return std::move(*Contents);
 }
 
 // One file's contents: {"text": ...}, {"path": ...} or {"product": ...}.
