@@ -105,6 +105,8 @@ TEST(JsonFieldsTest, NumbersAreCheckedBeforeConversion) {
             (std::vector<uint32_t>{1, 2}));
   EXPECT_EQ(Refusal([&] { FieldOr<std::vector<uint32_t>>(Volume, "drives", "v", {}); }),
             "v.drives[2]: out of range");
+  EXPECT_EQ(FieldOr<float>(json{{"f", 2.5}}, "f", "", 0), 2.5f);
+  EXPECT_EQ(Refusal([] { FieldOr<float>(json{{"f", 1e300}}, "f", "", 0); }), "f: out of range");
   EXPECT_EQ(Refusal([] { FieldOr(json{{"on", 1}}, "on", "p", false); }),
             "p.on: has the wrong type, expected true or false");
 }

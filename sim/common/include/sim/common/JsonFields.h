@@ -69,7 +69,8 @@ struct IsVector<std::vector<T>> : std::true_type {};
 }  // namespace detail
 
 // Value as T: a bool, an integer of T's range, a floating-point number, a
-// string, or a list of those; refused, naming Where, when it is another kind.
+// string, or a list of those; refused, naming Where, when it is another kind
+// or out of T's range.
 template <typename T>
 T ReadValue(const nlohmann::json &Value, const std::string &Where) {
   if constexpr (std::is_same_v<T, bool>) {
@@ -86,14 +87,17 @@ T ReadValue(const nlohmann::json &Value, const std::string &Where) {
     if (!Value.is_number()) {
       detail::RefuseKind(Where, "a number");
     }
-    return Value.get<T>();
+    const double Number = Value.get<double>();
+    if (Number > std::numeric_limits<T>::max() || Number < std::numeric_limits<T>::lowest()) {
+      Refuse(Where, "out of range");  // a float from 1e300 would be undefined
+    }
+    return static_cast<T>(Number);
   } else if constexpr (std::is_same_v<T, std::string>) {
     if (!Value.is_string()) {
       detail::RefuseKind(Where, "a string");
     }
     return Value.get<std::string>();
-  } else {
-    static_assert(detail::IsVector<T>::value, "a field of an unknown kind");
+  } else if constexpr (detail::IsVector<T>::value) {
     if (!Value.is_array()) {
       detail::RefuseKind(Where, "a list");
     }
@@ -103,6 +107,14 @@ T ReadValue(const nlohmann::json &Value, const std::string &Where) {
           ReadValue<typename T::value_type>(Value[Index], IndexPlace(Where, Index)));
     }
     return Items;
+  } else {
+    // Any other kind (a map, a pair) by the JSON library's own conversion,
+    // which for those checks the kind and throws.
+    try {
+      return Value.get<T>();
+    } catch (const nlohmann::json::exception &) {
+      detail::RefuseKind(Where, "a list");
+    }
   }
 }
 
