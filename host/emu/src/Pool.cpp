@@ -15,15 +15,73 @@ constexpr UINTN kLargestAllocation = UINTN{1} << 32;
 constexpr unsigned char kFreshFill = 0xAF;
 constexpr UINTN kFirstTableSize = 1024;
 // Released addresses kept for telling double frees from foreign pointers;
-// past this many they are forgotten at the next growth, so a fuzzer's
-// long run does not grow the ledger without bound.
+// at this many they are forgotten, so a fuzzer's long run (where
+// AddressSanitizer's quarantine makes every address new) does not grow the
+// ledger without bound.
 constexpr UINTN kReleasedKept = UINTN{1} << 20;
 
 // Heap addresses are 16-byte aligned: the low bits carry nothing, and a
 // multiply spreads the rest over the table.
-UINTN SlotIndex(const VOID *Address, UINTN Mask) {
+UINTN HomeOf(const VOID *Address, UINTN Mask) {
   const auto Bits = reinterpret_cast<std::uintptr_t>(Address) >> 4;
   return static_cast<UINTN>((Bits * UINT64{0x9E3779B97F4A7C15}) >> 32) & Mask;
+}
+
+// The index of Address's slot in Table (linear probing, a power-of-two
+// size), or of the empty slot where it would go.
+template <typename Slot>
+UINTN Probe(const std::vector<Slot> &Table, const VOID *Address) {
+  const UINTN Mask = Table.size() - 1;
+  UINTN Index = HomeOf(Address, Mask);
+  while (Table[Index].Address != nullptr && Table[Index].Address != Address) {
+    Index = (Index + 1) & Mask;
+  }
+  return Index;
+}
+
+template <typename Slot>
+bool Contains(const std::vector<Slot> &Table, const VOID *Address) {
+  return !Table.empty() && Table[Probe(Table, Address)].Address == Address;
+}
+
+// Table at Size slots, its entries placed anew.
+template <typename Slot>
+VOID Resize(std::vector<Slot> &Table, UINTN Size) {
+  std::vector<Slot> Old = std::move(Table);
+  Table.assign(Size, Slot{});
+  for (const Slot &Entry : Old) {
+    if (Entry.Address != nullptr) {
+      Table[Probe(Table, Entry.Address)] = Entry;
+    }
+  }
+}
+
+// Adds Entry, whose address is not in Table; the table doubles at 3/4 full.
+template <typename Slot>
+VOID Insert(std::vector<Slot> &Table, UINTN &Count, const Slot &Entry) {
+  if (Table.empty() || (Count + 1) * 4 > Table.size() * 3) {
+    Resize(Table, Table.empty() ? kFirstTableSize : Table.size() * 2);
+  }
+  Table[Probe(Table, Entry.Address)] = Entry;
+  Count++;
+}
+
+// Empties slot Index, moving back the entries after it that would no
+// longer be found past the hole.
+template <typename Slot>
+VOID Erase(std::vector<Slot> &Table, UINTN &Count, UINTN Index) {
+  const UINTN Mask = Table.size() - 1;
+  UINTN Hole = Index;
+  for (UINTN Next = (Hole + 1) & Mask; Table[Next].Address != nullptr;
+       Next = (Next + 1) & Mask) {
+    const UINTN Home = HomeOf(Table[Next].Address, Mask);
+    if (((Next - Home) & Mask) >= ((Next - Hole) & Mask)) {
+      Table[Hole] = Table[Next];
+      Hole = Next;
+    }
+  }
+  Table[Hole] = Slot{};
+  Count--;
 }
 
 }  // namespace
@@ -43,49 +101,29 @@ const char *PoolEventName(PoolEventKind Kind) {
 }
 
 Pool::~Pool() {
-  for (const Slot &Entry : Slots_) {
-    if (Entry.Live) {
+  for (const LiveSlot &Entry : Live_) {
+    if (Entry.Address != nullptr) {
       std::free(const_cast<VOID *>(Entry.Address));
     }
   }
 }
 
-Pool::Slot &Pool::Find(const VOID *Address) {
-  const UINTN Mask = Slots_.size() - 1;
-  UINTN Index = SlotIndex(Address, Mask);
-  while (Slots_[Index].Address != nullptr && Slots_[Index].Address != Address) {
-    Index = (Index + 1) & Mask;
-  }
-  return Slots_[Index];
-}
-
-const Pool::Slot *Pool::FindLive(const VOID *Address) const {
-  if (Slots_.empty() || Address == nullptr) {
+const Pool::LiveSlot *Pool::FindLive(const VOID *Address) const {
+  if (Address == nullptr || !Contains(Live_, Address)) {
     return nullptr;
   }
-  const Slot &Entry = const_cast<Pool *>(this)->Find(Address);
-  return Entry.Live ? &Entry : nullptr;
+  return &Live_[Probe(Live_, Address)];
 }
 
-VOID Pool::Reserve() {
-  if (!Slots_.empty() && (Used_ + 1) * 4 <= Slots_.size() * 3) {
+VOID Pool::Remember(const VOID *Address) {
+  if (Contains(Released_, Address)) {
     return;
   }
-  const bool KeepReleased = Used_ - LiveCount_ <= kReleasedKept;
-  const UINTN Keep = KeepReleased ? Used_ : LiveCount_;
-  UINTN Size = kFirstTableSize;
-  while (Size < (Keep + 1) * 2) {
-    Size *= 2;
+  if (ReleasedCount_ >= kReleasedKept) {
+    Released_.clear();
+    ReleasedCount_ = 0;
   }
-  std::vector<Slot> Old = std::move(Slots_);
-  Slots_.assign(Size, Slot{});
-  Used_ = 0;
-  for (const Slot &Entry : Old) {
-    if (Entry.Address != nullptr && (Entry.Live || KeepReleased)) {
-      Find(Entry.Address) = Entry;
-      Used_++;
-    }
-  }
+  Insert(Released_, ReleasedCount_, ReleasedSlot{Address});
 }
 
 bool Pool::FaultDue(UINT64 Request) const {
@@ -111,11 +149,7 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
     return EFI_OUT_OF_RESOURCES;
   }
   std::memset(Memory, kFreshFill, Size);
-  Reserve();
-  Slot &Entry = Find(Memory);
-  Used_ += Entry.Address == nullptr ? 1 : 0;
-  Entry = {Memory, Request, Size, Type, true};
-  LiveCount_++;
+  Insert(Live_, LiveCount_, LiveSlot{Memory, Request, Size, Type});
   Counters_.Allocations++;
   Counters_.BytesOutstanding += Size;
   if (Counters_.BytesOutstanding > Counters_.PeakBytesOutstanding) {
@@ -126,22 +160,22 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
 }
 
 EFI_STATUS Pool::Free(VOID *Buffer) {
-  Slot *Entry = Slots_.empty() || Buffer == nullptr ? nullptr : &Find(Buffer);
-  if (Entry == nullptr || !Entry->Live) {
+  if (Buffer == nullptr || !Contains(Live_, Buffer)) {
     PoolEventKind Kind = PoolEventKind::kForeignPointer;
     if (Buffer == nullptr) {
       Kind = PoolEventKind::kNullPointer;
-    } else if (Entry != nullptr && Entry->Address == Buffer) {
+    } else if (Contains(Released_, Buffer)) {
       Kind = PoolEventKind::kDoubleFree;
     }
     Counters_.InvalidFrees++;
     Events_.push_back({Kind, Buffer, 0});
     return EFI_INVALID_PARAMETER;
   }
-  Counters_.BytesOutstanding -= Entry->Size;
+  const UINTN Index = Probe(Live_, Buffer);
+  Counters_.BytesOutstanding -= Live_[Index].Size;
   Counters_.Frees++;
-  Entry->Live = false;
-  LiveCount_--;
+  Erase(Live_, LiveCount_, Index);
+  Remember(Buffer);
   std::free(Buffer);
   return EFI_SUCCESS;
 }
@@ -162,8 +196,8 @@ VOID Pool::ClearFaults() {
 std::vector<Allocation> Pool::Outstanding() const {
   std::vector<Allocation> Result;
   Result.reserve(LiveCount_);
-  for (const Slot &Entry : Slots_) {
-    if (Entry.Live) {
+  for (const LiveSlot &Entry : Live_) {
+    if (Entry.Address != nullptr) {
       Result.push_back({Entry.Sequence, Entry.Size, Entry.Address, Entry.Type});
     }
   }
@@ -217,7 +251,7 @@ bool Pool::IsLive(const VOID *Address) const {
 }
 
 UINTN Pool::SizeOf(const VOID *Address) const {
-  const Slot *Entry = FindLive(Address);
+  const LiveSlot *Entry = FindLive(Address);
   return Entry == nullptr ? 0 : Entry->Size;
 }
 

@@ -4,8 +4,9 @@
 //
 // Each block is its own C-heap allocation of exactly the size asked for, so
 // AddressSanitizer sees an overrun of any pool block. The ledger beside the
-// blocks is a flat open-addressing table keyed by address: an allocation and
-// its free cost a probe or two each, never a node allocation of their own.
+// blocks is flat open-addressing tables keyed by address: an allocation and
+// its free cost a few probes, never a node allocation of their own, and the
+// live table stays as small as what is live.
 #pragma once
 
 #include <Uefi.h>
@@ -85,28 +86,30 @@ class Pool {
   UINTN SizeOf(const VOID *Address) const;
 
  private:
-  // One slot of the ledger. An address once handed out keeps its slot:
-  // live while allocated, released after its free (so a second free is
-  // told from a foreign pointer) until the C heap hands it out again.
-  struct Slot {
+  // The ledger: two flat open-addressing tables keyed by address, live
+  // blocks with their records and released addresses, so that a second
+  // free is told from a foreign pointer. A free moves an address from the
+  // first to the second; a released address handed out again is simply
+  // live as well, the live table being asked first.
+  struct LiveSlot {
     const VOID *Address = nullptr;  // nullptr: an empty slot
     UINT64 Sequence = 0;
     UINTN Size = 0;
     EFI_MEMORY_TYPE Type = EfiReservedMemoryType;
-    bool Live = false;
+  };
+  struct ReleasedSlot {
+    const VOID *Address = nullptr;
   };
 
   bool FaultDue(UINT64 Request) const;
-  // The slot holding Address, or the empty slot where it would go.
-  Slot &Find(const VOID *Address);
-  const Slot *FindLive(const VOID *Address) const;
-  // Room for one more address, the table doubled (and the released
-  // addresses dropped once there are very many) when it is 3/4 full.
-  VOID Reserve();
+  // The live slot of Address, or nullptr.
+  const LiveSlot *FindLive(const VOID *Address) const;
+  VOID Remember(const VOID *Address);
 
-  std::vector<Slot> Slots_;
-  UINTN Used_ = 0;      // slots holding an address, live or released
+  std::vector<LiveSlot> Live_;
   UINTN LiveCount_ = 0;
+  std::vector<ReleasedSlot> Released_;
+  UINTN ReleasedCount_ = 0;
   std::vector<PoolEvent> Events_;
   PoolCounters Counters_;
   UINT64 FailOnly_ = 0;  // request number that fails, 0: none
