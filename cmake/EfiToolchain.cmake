@@ -19,11 +19,17 @@ set(CMAKE_C_FLAGS_RELEASE_INIT "-O2 -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELEASE_INIT "-O2 -DNDEBUG")
 # CMake passes CMAKE_<LANG>_COMPILER_TARGET only while detecting the compiler
 # when clang simulates MSVC, so the target goes into the flags as well.
-set(CMAKE_C_FLAGS_INIT "--target=x86_64-unknown-windows -nostdlibinc")
-set(CMAKE_CXX_FLAGS_INIT "--target=x86_64-unknown-windows -nostdlibinc -nostdinc++")
+# Every function and object in its own section, so the link below drops
+# what nothing calls or reads: about 25 KiB of raidcfg.efi.
+set(CMAKE_C_FLAGS_INIT
+    "--target=x86_64-unknown-windows -nostdlibinc -ffunction-sections -fdata-sections")
+set(CMAKE_CXX_FLAGS_INIT
+    "--target=x86_64-unknown-windows -nostdlibinc -nostdinc++ -ffunction-sections -fdata-sections")
 
 # Images are linked by lld-link directly (see cmake/EfiImage.cmake); the
-# image adds its subsystem, entry point and import-library path.
+# image adds its subsystem, entry point and import-library path. /opt:ref
+# drops unreferenced sections; identical functions are not folded, so two
+# functions never share an address (folding would save only 0.5 KiB).
 set(CMAKE_CXX_LINK_EXECUTABLE
-    "<CMAKE_LINKER> /nologo /nodefaultlib /dynamicbase /machine:x64 <LINK_FLAGS> <OBJECTS> <LINK_LIBRARIES> /out:<TARGET>")
+    "<CMAKE_LINKER> /nologo /nodefaultlib /dynamicbase /machine:x64 /opt:ref /opt:noicf <LINK_FLAGS> <OBJECTS> <LINK_LIBRARIES> /out:<TARGET>")
 set(CMAKE_EXECUTABLE_SUFFIX "")

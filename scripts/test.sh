@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
 # The one test command. Installs what is missing, builds and runs the
 # native tests (AddressSanitizer + UBSan), builds the UEFI images and checks
-# their headers, builds the fuzz targets and runs each one briefly. Ends
-# with "N passed, N failed" and a non-zero status on any failure.
+# their headers and raidcfg.efi's size, builds the fuzz targets and runs
+# each one briefly. Ends with "N passed, N failed" and a non-zero status on
+# any failure.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 JOBS=2
 FUZZ_SECONDS=20
 FUZZ_RUNS=20000
+# raidcfg.efi's size budget on disk, HII strings included.
+IMAGE_LIMIT_KIB=448
 
 passed=0
 failed=0
@@ -122,6 +125,8 @@ if build_preset efi; then
   pass "EFI build"
   check "raidcfg.efi headers" check_image_headers build/efi/raidcfg.efi EFI_BOOT_SERVICE_DRIVER
   check "raidcfg.efi HII resource" check_hii_resource build/efi/raidcfg.efi
+  check "raidcfg.efi within ${IMAGE_LIMIT_KIB} KiB" \
+    python3 tools/image_size.py build/efi/raidcfg.efi --limit-kib "$IMAGE_LIMIT_KIB"
   llvm-readobj --file-headers build/efi/raidcfg.efi | grep -E 'Magic: 0x20B|Machine:|Subsystem:|DYNAMIC_BASE'
   raidhost=$(find build/efi -name raidhost.efi -type f | head -n 1)
   if [[ -n "$raidhost" ]]; then

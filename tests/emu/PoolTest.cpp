@@ -2,6 +2,8 @@
 // seen through the boot services a module calls.
 #include <Library/MemoryAllocationLib.h>
 
+#include <vector>
+
 #include "EmuTestSupport.h"
 
 namespace emu_test {
@@ -110,6 +112,45 @@ TEST_F(PoolTest, ForeignAndInteriorPointersAreReportedNotFreed) {
   EXPECT_TRUE(Fw().Memory().IsLive(Buffer));
   EXPECT_EQ(EFI_SUCCESS, gBS->FreePool(Buffer));
 }
+
+// Thousands of blocks make the ledger grow several times: the records of
+// live and released blocks survive each growth.
+TEST_F(PoolTest, LedgerKeepsItsRecordsAcrossGrowth) {
+  constexpr UINTN kBlocks = 5000;
+  std::vector<VOID *> Blocks;
+  for (UINTN Index = 0; Index < kBlocks; Index++) {
+    Blocks.push_back(Allocate(Index % 61 + 1));
+  }
+  for (UINTN Index = 0; Index < kBlocks; Index += 2) {
+    ASSERT_EQ(EFI_SUCCESS, gBS->FreePool(Blocks[Index]));
+  }
+  const auto Outstanding = Fw().Memory().Outstanding();
+  ASSERT_EQ(kBlocks / 2, Outstanding.size());
+  for (UINTN Index = 0; Index < Outstanding.size(); Index++) {
+    EXPECT_EQ(2 * Index + 2, Outstanding[Index].Sequence);
+    EXPECT_EQ(Blocks[2 * Index + 1], Outstanding[Index].Address);
+    EXPECT_EQ((2 * Index + 1) % 61 + 1, Fw().Memory().SizeOf(Blocks[2 * Index + 1]));
+  }
+  EXPECT_EQ(EFI_INVALID_PARAMETER, gBS->FreePool(Blocks[0]));
+  EXPECT_EQ(1u, Fw().Memory().EventsOf(PoolEventKind::kDoubleFree).size());
+  for (UINTN Index = 1; Index < kBlocks; Index += 2) {
+    ASSERT_EQ(EFI_SUCCESS, gBS->FreePool(Blocks[Index]));
+  }
+  EXPECT_EQ("", Fw().Memory().LeakReport());
+  EXPECT_EQ(0u, Fw().Memory().Counters().BytesOutstanding);
+}
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+// Each block is its own heap allocation of exactly its size, so a write one
+// byte past a pool block is caught where it happens.
+TEST_F(PoolTest, OverrunOfAPoolBlockIsCaughtBySanitizer) {
+  auto *Buffer = static_cast<volatile UINT8 *>(Allocate(24));
+  EXPECT_DEATH(Buffer[24] = 1, "heap-buffer-overflow");
+  FreePool(const_cast<UINT8 *>(Buffer));
+}
+#endif
+#endif
 
 TEST_F(PoolTest, FreshPoolMemoryIsNotZeroed) {
   auto *Buffer = static_cast<UINT8 *>(Allocate(4));

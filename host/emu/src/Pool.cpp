@@ -1,6 +1,8 @@
 // Pool allocations on the C heap with a ledger beside them.
 #include "emu/Pool.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
@@ -11,6 +13,76 @@ namespace {
 // Larger requests fail like an exhausted pool rather than hitting the heap.
 constexpr UINTN kLargestAllocation = UINTN{1} << 32;
 constexpr unsigned char kFreshFill = 0xAF;
+constexpr UINTN kFirstTableSize = 1024;
+// Released addresses kept for telling double frees from foreign pointers;
+// at this many they are forgotten, so a fuzzer's long run (where
+// AddressSanitizer's quarantine makes every address new) does not grow the
+// ledger without bound.
+constexpr UINTN kReleasedKept = UINTN{1} << 20;
+
+// Heap addresses are 16-byte aligned: the low bits carry nothing, and a
+// multiply spreads the rest over the table.
+UINTN HomeOf(const VOID *Address, UINTN Mask) {
+  const auto Bits = reinterpret_cast<std::uintptr_t>(Address) >> 4;
+  return static_cast<UINTN>((Bits * UINT64{0x9E3779B97F4A7C15}) >> 32) & Mask;
+}
+
+// The index of Address's slot in Table (linear probing, a power-of-two
+// size), or of the empty slot where it would go.
+template <typename Slot>
+UINTN Probe(const std::vector<Slot> &Table, const VOID *Address) {
+  const UINTN Mask = Table.size() - 1;
+  UINTN Index = HomeOf(Address, Mask);
+  while (Table[Index].Address != nullptr && Table[Index].Address != Address) {
+    Index = (Index + 1) & Mask;
+  }
+  return Index;
+}
+
+template <typename Slot>
+bool Contains(const std::vector<Slot> &Table, const VOID *Address) {
+  return !Table.empty() && Table[Probe(Table, Address)].Address == Address;
+}
+
+// Table at Size slots, its entries placed anew.
+template <typename Slot>
+VOID Resize(std::vector<Slot> &Table, UINTN Size) {
+  std::vector<Slot> Old = std::move(Table);
+  Table.assign(Size, Slot{});
+  for (const Slot &Entry : Old) {
+    if (Entry.Address != nullptr) {
+      Table[Probe(Table, Entry.Address)] = Entry;
+    }
+  }
+}
+
+// Adds Entry, whose address is not in Table; the table doubles at 3/4 full.
+template <typename Slot>
+VOID Insert(std::vector<Slot> &Table, UINTN &Count, const Slot &Entry) {
+  if (Table.empty() || (Count + 1) * 4 > Table.size() * 3) {
+    Resize(Table, Table.empty() ? kFirstTableSize : Table.size() * 2);
+  }
+  Table[Probe(Table, Entry.Address)] = Entry;
+  Count++;
+}
+
+// Empties slot Index, moving back the entries after it that would no
+// longer be found past the hole.
+template <typename Slot>
+VOID Erase(std::vector<Slot> &Table, UINTN &Count, UINTN Index) {
+  const UINTN Mask = Table.size() - 1;
+  UINTN Hole = Index;
+  for (UINTN Next = (Hole + 1) & Mask; Table[Next].Address != nullptr;
+       Next = (Next + 1) & Mask) {
+    const UINTN Home = HomeOf(Table[Next].Address, Mask);
+    if (((Next - Home) & Mask) >= ((Next - Hole) & Mask)) {
+      Table[Hole] = Table[Next];
+      Hole = Next;
+    }
+  }
+  Table[Hole] = Slot{};
+  Count--;
+}
 
 }  // namespace
 
@@ -29,9 +101,29 @@ const char *PoolEventName(PoolEventKind Kind) {
 }
 
 Pool::~Pool() {
-  for (auto &[Address, Record] : Live_) {
-    std::free(const_cast<VOID *>(Address));
+  for (const LiveSlot &Entry : Live_) {
+    if (Entry.Address != nullptr) {
+      std::free(const_cast<VOID *>(Entry.Address));
+    }
   }
+}
+
+const Pool::LiveSlot *Pool::FindLive(const VOID *Address) const {
+  if (Address == nullptr || !Contains(Live_, Address)) {
+    return nullptr;
+  }
+  return &Live_[Probe(Live_, Address)];
+}
+
+VOID Pool::Remember(const VOID *Address) {
+  if (Contains(Released_, Address)) {
+    return;
+  }
+  if (ReleasedCount_ >= kReleasedKept) {
+    Released_.clear();
+    ReleasedCount_ = 0;
+  }
+  Insert(Released_, ReleasedCount_, ReleasedSlot{Address});
 }
 
 bool Pool::FaultDue(UINT64 Request) const {
@@ -57,8 +149,7 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
     return EFI_OUT_OF_RESOURCES;
   }
   std::memset(Memory, kFreshFill, Size);
-  Live_[Memory] = {Request, Size, Memory, Type};
-  Released_.erase(Memory);
+  Insert(Live_, LiveCount_, LiveSlot{Memory, Request, Size, Type});
   Counters_.Allocations++;
   Counters_.BytesOutstanding += Size;
   if (Counters_.BytesOutstanding > Counters_.PeakBytesOutstanding) {
@@ -69,22 +160,22 @@ EFI_STATUS Pool::Allocate(EFI_MEMORY_TYPE Type, UINTN Size, VOID **Buffer) {
 }
 
 EFI_STATUS Pool::Free(VOID *Buffer) {
-  auto It = Live_.find(Buffer);
-  if (It == Live_.end()) {
+  if (Buffer == nullptr || !Contains(Live_, Buffer)) {
     PoolEventKind Kind = PoolEventKind::kForeignPointer;
     if (Buffer == nullptr) {
       Kind = PoolEventKind::kNullPointer;
-    } else if (Released_.count(Buffer) != 0) {
+    } else if (Contains(Released_, Buffer)) {
       Kind = PoolEventKind::kDoubleFree;
     }
     Counters_.InvalidFrees++;
     Events_.push_back({Kind, Buffer, 0});
     return EFI_INVALID_PARAMETER;
   }
-  Counters_.BytesOutstanding -= It->second.Size;
+  const UINTN Index = Probe(Live_, Buffer);
+  Counters_.BytesOutstanding -= Live_[Index].Size;
   Counters_.Frees++;
-  Live_.erase(It);
-  Released_.insert(Buffer);
+  Erase(Live_, LiveCount_, Index);
+  Remember(Buffer);
   std::free(Buffer);
   return EFI_SUCCESS;
 }
@@ -103,14 +194,17 @@ VOID Pool::ClearFaults() {
 }
 
 std::vector<Allocation> Pool::Outstanding() const {
-  std::map<UINT64, Allocation> BySequence;
-  for (const auto &[Address, Record] : Live_) {
-    BySequence[Record.Sequence] = Record;
-  }
   std::vector<Allocation> Result;
-  for (const auto &[Sequence, Record] : BySequence) {
-    Result.push_back(Record);
+  Result.reserve(LiveCount_);
+  for (const LiveSlot &Entry : Live_) {
+    if (Entry.Address != nullptr) {
+      Result.push_back({Entry.Sequence, Entry.Size, Entry.Address, Entry.Type});
+    }
   }
+  std::sort(Result.begin(), Result.end(),
+            [](const Allocation &A, const Allocation &B) {
+              return A.Sequence < B.Sequence;
+            });
   return Result;
 }
 
@@ -153,12 +247,12 @@ std::string Pool::EventReport() const {
 }
 
 bool Pool::IsLive(const VOID *Address) const {
-  return Live_.count(Address) != 0;
+  return FindLive(Address) != nullptr;
 }
 
 UINTN Pool::SizeOf(const VOID *Address) const {
-  auto It = Live_.find(Address);
-  return It == Live_.end() ? 0 : It->second.Size;
+  const LiveSlot *Entry = FindLive(Address);
+  return Entry == nullptr ? 0 : Entry->Size;
 }
 
 }  // namespace emu

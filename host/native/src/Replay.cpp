@@ -1,20 +1,22 @@
 // Loading a replay directory and answering command lines from it.
 #include "native/Replay.h"
 
-#include <fstream>
 #include <sstream>
+
+#include "native/HostFile.h"
 
 namespace host {
 namespace {
 
-std::string ReadWhole(const std::filesystem::path &Path) {
-  std::ifstream In(Path, std::ios::binary);
-  if (!In) {
-    throw ReplayError("replay: cannot read " + Path.string());
+// Where names the index line that lists Path, for an output file.
+std::string ReadWhole(const std::filesystem::path &Path,
+                      const std::string &Where = "replay") {
+  std::string Problem;
+  std::optional<std::string> Contents = ReadRegularFile(Path, Problem);
+  if (!Contents) {
+    throw ReplayError(Where + ": " + Problem);
   }
-  std::ostringstream Contents;
-  Contents << In.rdbuf();
-  return Contents.str();
+  return std::move(*Contents);
 }
 
 // An output file name must stay inside the replay directory.
@@ -52,7 +54,7 @@ Replay::Replay(const std::filesystem::path &Directory) {
     if (!IsInsideDirectory(Output)) {
       throw ReplayError(Where + ": output file outside the directory");
     }
-    Outputs_[Line.substr(Tab + 1)].push_back(ReadWhole(Directory / Output));
+    Outputs_[Line.substr(Tab + 1)].push_back(ReadWhole(Directory / Output, Where));
   }
 }
 

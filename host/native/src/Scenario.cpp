@@ -1,12 +1,11 @@
 // Reading a scenario: JSON to the description the server is built from.
 #include "native/Scenario.h"
 
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "emu/TextConversion.h"
 #include "native/EmbeddedFiles.h"
+#include "native/HostFile.h"
 
 namespace host {
 namespace {
@@ -148,13 +147,12 @@ std::vector<emu::SlotInventoryEntry> ParseSlotInventory(const json &List) {
 
 std::string ReadHostFile(const std::filesystem::path &Path,
                          const std::string &Where) {
-  std::ifstream In(Path, std::ios::binary);
-  if (!In) {
-    Refuse(Where, "cannot read " + Path.string());
+  std::string Problem;
+  std::optional<std::string> Contents = ReadRegularFile(Path, Problem);
+  if (!Contents) {
+    Refuse(Where, Problem);
   }
-  std::ostringstream Contents;
-  Contents << In.rdbuf();
-  return Contents.str();
+  return std::move(*Contents);
 }
 
 // One file's contents: {"text": ...}, {"path": ...} or {"product": ...}.
@@ -278,6 +276,45 @@ std::vector<AdapterDescription> ParseAdapters(
   return Adapters;
 }
 
+// Deeper JSON is refused before it is parsed: copying or printing a value
+// recurses once per level, and no scenario needs a tenth of this.
+constexpr int kDeepestNesting = 64;
+
+// "line L, column C" of the bracket that first nests deeper than
+// kDeepestNesting, or "" when none does.
+std::string TooDeepAt(std::string_view Text) {
+  int Depth = 0;
+  bool InString = false;
+  bool Escaped = false;
+  std::size_t Line = 1;
+  std::size_t Column = 0;
+  for (const char C : Text) {
+    Column++;
+    if (C == '\n') {
+      Line++;
+      Column = 0;
+    } else if (InString) {
+      InString = Escaped || C != '"';
+      Escaped = !Escaped && C == '\\';
+    } else if (C == '"') {
+      InString = true;
+    } else if ((C == '[' || C == '{') && ++Depth > kDeepestNesting) {
+      return "line " + std::to_string(Line) + ", column " + std::to_string(Column);
+    } else if (C == ']' || C == '}') {
+      Depth--;
+    }
+  }
+  return "";
+}
+
+// " at line L, column C: what" from the JSON library's message.
+std::string ParseErrorPlace(const json::parse_error &Error) {
+  const std::string_view Message = Error.what();
+  const std::size_t At = Message.find(" at line ");
+  return At == std::string_view::npos ? std::string()
+                                      : std::string(Message.substr(At));
+}
+
 const json *Find(const json &Object, const char *Key) {
   auto It = Object.find(Key);
   return It == Object.end() ? nullptr : &*It;
@@ -313,9 +350,16 @@ Scenario ParseScenario(const json &Json,
 
 Scenario ParseScenarioText(std::string_view Text, std::string_view Origin,
                            const std::filesystem::path &BaseDirectory) {
-  json Json = json::parse(Text, nullptr, false);
-  if (Json.is_discarded()) {
-    throw ScenarioError(std::string(Origin) + ": not valid JSON");
+  if (const std::string Place = TooDeepAt(Text); !Place.empty()) {
+    throw ScenarioError(std::string(Origin) + ": nested deeper than " +
+                        std::to_string(kDeepestNesting) + " levels at " + Place);
+  }
+  json Json;
+  try {
+    Json = json::parse(Text);
+  } catch (const json::parse_error &Error) {
+    throw ScenarioError(std::string(Origin) + ": not valid JSON" +
+                        ParseErrorPlace(Error));
   }
   try {
     Scenario Result = ParseScenario(Json, BaseDirectory);

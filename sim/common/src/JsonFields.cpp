@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 
 namespace sim::common {
 
@@ -67,6 +68,82 @@ const json &ObjectOr(const json &Object, const char *Key,
   return Value;
 }
 
+namespace detail {
+
+void RefuseKind(const std::string &Where, const char *Expected) {
+  Refuse(Where, std::string("has the wrong type, expected ") + Expected);
+}
+
+}  // namespace detail
+
+namespace {
+
+void RefuseOutOfRange(const std::string &Where) {
+  Refuse(Where, "out of range");
+}
+
+// A floating-point JSON number (1e3, 2.5, 1e300) as a whole number in
+// [Min, Max], compared as doubles before any conversion.
+double WholeDouble(const json &Value, const std::string &Where, double Min,
+                   double Limit) {
+  const double Number = Value.get<double>();
+  if (!std::isfinite(Number) || Number < Min || Number >= Limit) {
+    RefuseOutOfRange(Where);
+  }
+  if (Number != std::trunc(Number)) {
+    Refuse(Where, "not a whole number");
+  }
+  return Number;
+}
+
+}  // namespace
+
+uint64_t ReadUnsigned(const json &Value, const std::string &Where,
+                      uint64_t Max) {
+  uint64_t Number = 0;
+  if (Value.is_number_unsigned()) {
+    Number = Value.get<uint64_t>();
+  } else if (Value.is_number_integer()) {
+    // Signed: parsed text is signed only when negative, a value built in
+    // code may be signed either way.
+    const int64_t Signed = Value.get<int64_t>();
+    if (Signed < 0) {
+      RefuseOutOfRange(Where);
+    }
+    Number = static_cast<uint64_t>(Signed);
+  } else if (Value.is_number_float()) {
+    // 2^64 is exact as a double; every whole double below it fits.
+    Number = static_cast<uint64_t>(WholeDouble(Value, Where, 0, 0x1p64));
+  } else {
+    detail::RefuseKind(Where, "a number");
+  }
+  if (Number > Max) {
+    RefuseOutOfRange(Where);
+  }
+  return Number;
+}
+
+int64_t ReadSigned(const json &Value, const std::string &Where, int64_t Min,
+                   int64_t Max) {
+  int64_t Number = 0;
+  if (Value.is_number_unsigned()) {
+    if (Value.get<uint64_t>() > static_cast<uint64_t>(Max)) {
+      RefuseOutOfRange(Where);
+    }
+    Number = static_cast<int64_t>(Value.get<uint64_t>());
+  } else if (Value.is_number_integer()) {
+    Number = Value.get<int64_t>();
+  } else if (Value.is_number_float()) {
+    Number = static_cast<int64_t>(WholeDouble(Value, Where, -0x1p63, 0x1p63));
+  } else {
+    detail::RefuseKind(Where, "a number");
+  }
+  if (Number < Min || Number > Max) {
+    RefuseOutOfRange(Where);
+  }
+  return Number;
+}
+
 bool ParseHex(std::string_view Text, uint64_t &Value) {
   if (Text.size() > 2 && Text[0] == '0' && (Text[1] == 'x' || Text[1] == 'X')) {
     Text.remove_prefix(2);
@@ -100,7 +177,7 @@ uint64_t ReadHexNumber(const json &Value, const std::string &Where,
     Refuse(Where, "expected a number or a hexadecimal string");
   }
   if (Number > Max) {
-    Refuse(Where, "out of range");
+    RefuseOutOfRange(Where);
   }
   return Number;
 }

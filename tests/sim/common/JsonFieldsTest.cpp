@@ -70,6 +70,47 @@ TEST(JsonFieldsTest, RefusalsNameThePlace) {
   }
 }
 
+// Numbers are checked as JSON numbers before they are converted: a huge, a
+// negative or a fractional size is refused naming its key, never wrapped
+// around or converted with undefined behaviour.
+TEST(JsonFieldsTest, NumbersAreCheckedBeforeConversion) {
+  const std::pair<json, uint64_t> kRead[] = {
+      {0u, 0}, {953344u, 953344}, {1e3, 1000}, {18446744073709551615u, UINT64_MAX}};
+  for (const auto &[Value, Expected] : kRead) {
+    EXPECT_EQ(FieldOr<uint64_t>(json{{"sizeMb", Value}}, "sizeMb", "", 0), Expected) << Value;
+  }
+  const std::pair<json, const char *> kRefused[] = {
+      {1e300, "drives[0].sizeMb: out of range"},
+      {-1e300, "drives[0].sizeMb: out of range"},
+      {-1, "drives[0].sizeMb: out of range"},
+      {1.8446744073709552e19, "drives[0].sizeMb: out of range"},
+      {2.5, "drives[0].sizeMb: not a whole number"},
+      {"1000", "drives[0].sizeMb: has the wrong type, expected a number"},
+      {true, "drives[0].sizeMb: has the wrong type, expected a number"},
+  };
+  for (const auto &[Value, Message] : kRefused) {
+    const json Drive = {{"sizeMb", Value}};
+    EXPECT_EQ(Refusal([&] { FieldOr<uint64_t>(Drive, "sizeMb", "drives[0]", 0); }), Message)
+        << Value;
+  }
+  EXPECT_EQ(Refusal([] { FieldOr<uint32_t>(json{{"did", 4294967296u}}, "did", "d", 0); }),
+            "d.did: out of range");
+  EXPECT_EQ(FieldOr<int32_t>(json{{"t", -5}}, "t", "", 0), -5);
+  EXPECT_EQ(Refusal([] { FieldOr<int32_t>(json{{"t", -2147483649}}, "t", "", 0); }),
+            "t: out of range");
+  EXPECT_EQ(Refusal([] { FieldOr<int32_t>(json{{"t", 2147483648u}}, "t", "", 0); }),
+            "t: out of range");
+  const json Volume = {{"drives", {1, 2, -3}}};
+  EXPECT_EQ(FieldOr<std::vector<uint32_t>>(json{{"drives", {1, 2}}}, "drives", "", {}),
+            (std::vector<uint32_t>{1, 2}));
+  EXPECT_EQ(Refusal([&] { FieldOr<std::vector<uint32_t>>(Volume, "drives", "v", {}); }),
+            "v.drives[2]: out of range");
+  EXPECT_EQ(FieldOr<float>(json{{"f", 2.5}}, "f", "", 0), 2.5f);
+  EXPECT_EQ(Refusal([] { FieldOr<float>(json{{"f", 1e300}}, "f", "", 0); }), "f: out of range");
+  EXPECT_EQ(Refusal([] { FieldOr(json{{"on", 1}}, "on", "p", false); }),
+            "p.on: has the wrong type, expected true or false");
+}
+
 TEST(JsonFieldsTest, HexNumbersAsTextOrJsonNumbers) {
   const std::pair<json, uint64_t> kRead[] = {
       {"1000", 0x1000}, {"0x1000", 0x1000}, {"0X1a", 0x1a}, {4096u, 4096}, {"ffff", 0xffff}};

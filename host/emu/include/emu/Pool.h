@@ -1,12 +1,16 @@
 // The boot-services pool: every allocation tracked by size and sequence
 // number, so a test can list what is still outstanding, see double frees
 // and foreign pointers, and make chosen allocations fail.
+//
+// Each block is its own C-heap allocation of exactly the size asked for, so
+// AddressSanitizer sees an overrun of any pool block. The ledger beside the
+// blocks is flat open-addressing tables keyed by address: an allocation and
+// its free cost a few probes, never a node allocation of their own, and the
+// live table stays as small as what is live.
 #pragma once
 
 #include <Uefi.h>
 
-#include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -82,10 +86,30 @@ class Pool {
   UINTN SizeOf(const VOID *Address) const;
 
  private:
-  bool FaultDue(UINT64 Request) const;
+  // The ledger: two flat open-addressing tables keyed by address, live
+  // blocks with their records and released addresses, so that a second
+  // free is told from a foreign pointer. A free moves an address from the
+  // first to the second; a released address handed out again is simply
+  // live as well, the live table being asked first.
+  struct LiveSlot {
+    const VOID *Address = nullptr;  // nullptr: an empty slot
+    UINT64 Sequence = 0;
+    UINTN Size = 0;
+    EFI_MEMORY_TYPE Type = EfiReservedMemoryType;
+  };
+  struct ReleasedSlot {
+    const VOID *Address = nullptr;
+  };
 
-  std::map<const VOID *, Allocation> Live_;
-  std::set<const VOID *> Released_;
+  bool FaultDue(UINT64 Request) const;
+  // The live slot of Address, or nullptr.
+  const LiveSlot *FindLive(const VOID *Address) const;
+  VOID Remember(const VOID *Address);
+
+  std::vector<LiveSlot> Live_;
+  UINTN LiveCount_ = 0;
+  std::vector<ReleasedSlot> Released_;
+  UINTN ReleasedCount_ = 0;
   std::vector<PoolEvent> Events_;
   PoolCounters Counters_;
   UINT64 FailOnly_ = 0;  // request number that fails, 0: none

@@ -6,10 +6,12 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -48,34 +50,82 @@ const nlohmann::json &ArrayOr(const nlohmann::json &Object, const char *Key,
 const nlohmann::json &ObjectOr(const nlohmann::json &Object, const char *Key,
                                const std::string &Where);
 
+// A whole JSON number as an integer within [Min, Max]. The number's kind and
+// range are checked before it is converted, so 1e300, -1 or 2.5 are refused
+// with the place named ("out of range", "not a whole number") rather
+// than converted with undefined behaviour or wrapped around.
+uint64_t ReadUnsigned(const nlohmann::json &Value, const std::string &Where,
+                      uint64_t Max);
+int64_t ReadSigned(const nlohmann::json &Value, const std::string &Where,
+                   int64_t Min, int64_t Max);
+
 namespace detail {
 template <typename T>
-constexpr const char *KindName() {
-  if constexpr (std::is_same_v<T, bool>) {
-    return "true or false";
-  } else if constexpr (std::is_arithmetic_v<T>) {
-    return "a number";
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    return "a string";
-  } else {
-    return "a list";
-  }
-}
+struct IsVector : std::false_type {};
+template <typename T>
+struct IsVector<std::vector<T>> : std::true_type {};
+
+[[noreturn]] void RefuseKind(const std::string &Where, const char *Expected);
 }  // namespace detail
 
-// Object[Key] as T (JSON's own conversion), or Default when absent.
+// Value as T: a bool, an integer of T's range, a floating-point number, a
+// string, or a list of those; refused, naming Where, when it is another kind
+// or out of T's range.
+template <typename T>
+T ReadValue(const nlohmann::json &Value, const std::string &Where) {
+  if constexpr (std::is_same_v<T, bool>) {
+    if (!Value.is_boolean()) {
+      detail::RefuseKind(Where, "true or false");
+    }
+    return Value.get<bool>();
+  } else if constexpr (std::is_integral_v<T> && std::is_unsigned_v<T>) {
+    return static_cast<T>(ReadUnsigned(Value, Where, std::numeric_limits<T>::max()));
+  } else if constexpr (std::is_integral_v<T>) {
+    return static_cast<T>(ReadSigned(Value, Where, std::numeric_limits<T>::min(),
+                                     std::numeric_limits<T>::max()));
+  } else if constexpr (std::is_floating_point_v<T>) {
+    if (!Value.is_number()) {
+      detail::RefuseKind(Where, "a number");
+    }
+    const double Number = Value.get<double>();
+    if (Number > std::numeric_limits<T>::max() || Number < std::numeric_limits<T>::lowest()) {
+      Refuse(Where, "out of range");  // a float from 1e300 would be undefined
+    }
+    return static_cast<T>(Number);
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    if (!Value.is_string()) {
+      detail::RefuseKind(Where, "a string");
+    }
+    return Value.get<std::string>();
+  } else if constexpr (detail::IsVector<T>::value) {
+    if (!Value.is_array()) {
+      detail::RefuseKind(Where, "a list");
+    }
+    T Items;
+    for (size_t Index = 0; Index < Value.size(); Index++) {
+      Items.push_back(
+          ReadValue<typename T::value_type>(Value[Index], IndexPlace(Where, Index)));
+    }
+    return Items;
+  } else {
+    // Any other kind (a map, a pair) by the JSON library's own conversion,
+    // which for those checks the kind and throws.
+    try {
+      return Value.get<T>();
+    } catch (const nlohmann::json::exception &) {
+      detail::RefuseKind(Where, "a list");
+    }
+  }
+}
+
+// Object[Key] as T, or Default when absent.
 template <typename T>
 T FieldOr(const nlohmann::json &Object, const char *Key,
           const std::string &Where, T Default) {
   if (!Object.contains(Key)) {
     return Default;
   }
-  try {
-    return Object.at(Key).get<T>();
-  } catch (const nlohmann::json::exception &) {
-    Refuse(KeyPlace(Where, Key),
-           std::string("has the wrong type, expected ") + detail::KindName<T>());
-  }
+  return ReadValue<T>(Object.at(Key), KeyPlace(Where, Key));
 }
 
 // Object[Key] as T; refused when absent.
