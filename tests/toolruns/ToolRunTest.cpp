@@ -3,6 +3,7 @@
 // service, which records its command line; a read served from the cached
 // model ("Info is up to date") runs nothing.
 #include <cstdio>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -140,6 +141,10 @@ struct Case {
   const Family *Of;
   UINTN Count;
 };
+// Names the case in test listings (gtest would print its bytes).
+void PrintTo(const Case &C, std::ostream *Out) {
+  *Out << C.Of->Name << " x" << C.Count;
+}
 
 class ToolRunTest : public WizardWorld,
                     public ::testing::WithParamInterface<Case> {
