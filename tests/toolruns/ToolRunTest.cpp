@@ -182,6 +182,12 @@ TEST_P(ToolRunTest, StartUpAndPageOneRebuildsRunWhatTheRulesPrescribe) {
   ASSERT_EQ(Press(RAID_NODE_BACK), EFI_SUCCESS);
   ExpectRuns("return to page 1", F.Runs.Return(N));
 
+  // Choosing an adapter rebuilds every label and the chosen adapter's
+  // table from the cache, in every family.
+  ASSERT_EQ(ChooseAdapter(N - 1), EFI_SUCCESS);
+  ASSERT_EQ(ChooseAdapter(0), EFI_SUCCESS);
+  ExpectRuns("adapter chosen", 0);
+
   ASSERT_EQ(Driver_.SelectRow(Node(RAID_NODE_CONFIG_TABLE), F.DeletedRow),
             EFI_SUCCESS);
   Driver_.QueueAnswer(TRUE);
