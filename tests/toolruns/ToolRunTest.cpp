@@ -26,6 +26,7 @@ struct Pinned {
 struct Family {
   const char *Name;
   const char16_t *DeletedRow;  // the first adapter's row that is deleted
+  const char *Changeable[2];   // what the delete may change on it
   Pinned Runs;
 };
 
@@ -45,6 +46,7 @@ UINTN MchpRead(UINTN N) { return (N >= 2 ? 1 : 0) + 1; }
 
 const Family kFamilies[] = {
     {"megaraid", u"VD1: logs",
+     {"/megaraid/0/driveGroups", "/megaraid/0/drives/*/state"},
      {// card search + per adapter: summary + free space + one per virtual disk
       [](UINTN N) { return StorcliCardSearch(N) + N * (2 + kMegaRaidVds); },
       // the selected adapter: summary + free space + one per virtual disk
@@ -54,6 +56,7 @@ const Family kFamilies[] = {
       // delete + re-read: summary + free space + one per remaining disk
       [](UINTN) { return 1 + 2 + (kMegaRaidVds - 1); }}},
     {"microchip", u"VD0: os",
+     {"/microchip/0/arrays", "/microchip/0/devices/*/state"},
      {// "list" per adapter + per adapter: ["list" when N > 1] + getconfig
       [](UINTN N) { return N + N * MchpRead(N); },
       // the selected adapter: ["list" when N > 1] + getconfig
@@ -63,6 +66,7 @@ const Family kFamilies[] = {
       // DELETE + re-read: ["list" when N > 1] + getconfig
       [](UINTN N) { return 1 + MchpRead(N); }}},
     {"intel", u"VD0: OS_Mirror",
+     {"/intel/0/arrays", "/intel/0/disks/*/state"},
      {// tool search "/V" once + per engine: /V + /I + /ST
       [](UINTN N) { return 1 + N * 3; },
       // the selected engine: /V + /I + /ST
@@ -72,6 +76,7 @@ const Family kFamilies[] = {
       // /Y /D + re-read: /V + /I + /ST
       [](UINTN) -> UINTN { return 1 + 3; }}},
     {"marvell", u"Array 0",
+     {"/marvell/0/volumes", "/marvell/0/drives/*/status"},
      {// per adapter: info -o hba + info -o vd + info -o pd
       [](UINTN N) { return N * 3; },
       // the selected adapter: hba + vd + pd
@@ -123,7 +128,9 @@ json ServerOf(const std::string &Family, UINTN Count) {
     if (Family == "intel") {
       // Disk numbers are unique across all engines of the server.
       const UINTN Base = I * A["disks"].size();
-      for (json &Disk : A["disks"]) Disk["number"] = Base + Disk["number"].get<UINTN>();
+      for (json &Disk : A["disks"]) {
+        Disk["number"] = Base + Disk["number"].get<UINTN>();
+      }
       for (json &Array : A["arrays"]) {
         for (json &Disk : Array["disks"]) Disk = Base + Disk.get<UINTN>();
         for (json &Volume : Array["volumes"]) {
@@ -193,6 +200,8 @@ TEST_P(ToolRunTest, StartUpAndPageOneRebuildsRunWhatTheRulesPrescribe) {
   Driver_.QueueAnswer(TRUE);
   ASSERT_EQ(Press(RAID_NODE_DELETE), EFI_SUCCESS);
   ExpectRuns("delete and re-read", F.Runs.Change(N));
+  EXPECT_NE(ExpectChangedOnly({F.Changeable[0], F.Changeable[1]}), Started_)
+      << "nothing was deleted";
 }
 
 std::vector<Case> AllCases() {
