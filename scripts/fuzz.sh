@@ -123,13 +123,15 @@ fuzz_target() {
   rm -rf "$scratch"
 
   # The last progress line of the fork's parent holds the totals:
-  # "#<runs>: cov: <edges> ft: <features> corp: <n> exec/s <rate> ...".
-  local progress runs=- rate=- per_core=- coverage=-
+  # "#<runs>: cov: <edges> ... time: <seconds>s ...". Its own exec/s is the
+  # last job's alone, so the rate is worked out from runs and time.
+  local progress runs=- rate=- per_core=- coverage=- seconds
   progress=$(grep -E '^#[0-9]+: cov: ' "$log" | tail -n 1)
   if [[ -n $progress ]]; then
     runs=$(sed -E 's/^#([0-9]+):.*/\1/' <<<"$progress")
     coverage=$(sed -E 's/.* cov: ([0-9]+) .*/\1/' <<<"$progress")
-    rate=$(sed -E 's/.* exec\/s ([0-9]+) .*/\1/' <<<"$progress")
+    seconds=$(sed -E 's/.* time: ([0-9]+)s .*/\1/' <<<"$progress")
+    rate=$((runs / (seconds > 0 ? seconds : 1)))
     per_core=$((rate / cores))
   fi
   local new_findings
