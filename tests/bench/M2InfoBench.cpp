@@ -10,6 +10,7 @@
 #include "M2Backend.h"
 #include "RaidLibModelBuild.h"
 #include "RaidLibToolRunner.h"
+#include "ScanFloor.h"
 #include "ScriptedTool.h"
 #include "emu/Emulator.h"
 
@@ -80,16 +81,7 @@ BENCHMARK(ParseDriveReport);
 // The floor: the same copy into the buffer and one pass counting lines.
 void ScanDriveReport(benchmark::State &State) {
   UINT32 Drives = 0;
-  const std::string Text = FullDriveReport(&Drives);
-  for (auto _ : State) {
-    backend_test::LoadToolText(Text);
-    UINTN Lines = 0;
-    for (const CHAR16 *Cursor = gRaidToolOutput; *Cursor != 0; Cursor++) {
-      Lines += *Cursor == u'\n';
-    }
-    benchmark::DoNotOptimize(Lines);
-  }
-  State.SetBytesProcessed(State.iterations() * Text.size() * sizeof(CHAR16));
+  ScanToolText(State, FullDriveReport(&Drives));
 }
 BENCHMARK(ScanDriveReport);
 

@@ -10,6 +10,7 @@
 #include "RaidLibModelBuild.h"
 #include "RaidLibToolRunner.h"
 #include "RsteBackend.h"
+#include "ScanFloor.h"
 #include "ScriptedTool.h"
 #include "emu/Emulator.h"
 #include "sim/intel/IntelJson.h"
@@ -69,18 +70,7 @@ void ParseInfo(benchmark::State &State) {
 BENCHMARK(ParseInfo);
 
 // The floor: the same copy into the buffer and one pass counting lines.
-void ScanInfo(benchmark::State &State) {
-  const std::string Text = LargeReport();
-  for (auto _ : State) {
-    backend_test::LoadToolText(Text);
-    UINTN Lines = 0;
-    for (const CHAR16 *Cursor = gRaidToolOutput; *Cursor != 0; Cursor++) {
-      Lines += *Cursor == u'\n';
-    }
-    benchmark::DoNotOptimize(Lines);
-  }
-  State.SetBytesProcessed(State.iterations() * Text.size() * sizeof(CHAR16));
-}
+void ScanInfo(benchmark::State &State) { ScanToolText(State, LargeReport()); }
 BENCHMARK(ScanInfo);
 
 }  // namespace
