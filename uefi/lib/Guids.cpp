@@ -10,6 +10,7 @@
 #include <Protocol/Host/TarnXml.h>
 #include <Protocol/LoadedImage.h>
 #include <Protocol/PciIo.h>
+#include <Protocol/SerialIo.h>
 #include <Protocol/SimpleFileSystem.h>
 #include <Protocol/Smbios.h>
 
@@ -17,6 +18,7 @@ constinit EFI_GUID gEfiLoadedImageProtocolGuid = EFI_LOADED_IMAGE_PROTOCOL_GUID;
 constinit EFI_GUID gEfiSimpleFileSystemProtocolGuid =
     EFI_SIMPLE_FILE_SYSTEM_PROTOCOL_GUID;
 constinit EFI_GUID gEfiPciIoProtocolGuid = EFI_PCI_IO_PROTOCOL_GUID;
+constinit EFI_GUID gEfiSerialIoProtocolGuid = EFI_SERIAL_IO_PROTOCOL_GUID;
 constinit EFI_GUID gEfiDevicePathProtocolGuid = EFI_DEVICE_PATH_PROTOCOL_GUID;
 constinit EFI_GUID gEfiLoadedImageDevicePathProtocolGuid =
     EFI_LOADED_IMAGE_DEVICE_PATH_PROTOCOL_GUID;
