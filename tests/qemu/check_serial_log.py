@@ -5,7 +5,10 @@ Each check prints PASS or FAIL with what it looked for; the exit status is
 0 when all passed. With --raidcfg-host the model printed under OVMF is
 compared with `raidcfg-host --dump-model` for the same scenario and replay.
 With --screen-log the screen the text UI drew in the screen mode is rebuilt
-from the terminal output and checked for the wizard's first page.
+from the terminal output and checked for the wizard's first page. Each
+boot's start-up figures (the module's own time from its time stamps, the
+boot to page 1) are printed, never checked: they depend on how busy the
+machine is.
 """
 import argparse
 import json
@@ -134,6 +137,7 @@ def check_ended(c, name, log, qemu_status):
 
 def check_screen_run(c, args):
     log, screen = read_screen_run(c, "screen", args.screen_log)
+    print_startup("screen", log)
     with open(f"{args.out}/screen.txt", "w") as f:
         f.write(screen)
     c.check(FIRST_PAGE_TITLE in screen,
@@ -152,6 +156,7 @@ def check_interactive_run(c, args):
     """Keys typed on the serial line: Down, Enter (the second adapter is
     chosen and its status shown), Esc (the operator leaves)."""
     log, screen = read_screen_run(c, "interactive", args.interactive_log)
+    print_startup("interactive", log)
     with open(f"{args.out}/interactive-screen.txt", "w") as f:
         f.write(screen)
     chosen = EXPECTED_ADAPTERS[1]
@@ -164,6 +169,38 @@ def check_interactive_run(c, args):
             "interactive boot: Esc left the wizard, the model was printed after it")
     check_nodes_left(c, "interactive boot: ", log)
     check_ended(c, "interactive", log, args.interactive_qemu_status)
+
+
+# The module's start-up, between its first and its last time-stamped step.
+STARTUP_STEP = re.compile(r"RAID: \[RaidcfgSetupEntryPoint\] A (\S+) B (\S+): TimeStamp: ([0-9A-Fa-f]+)")
+HOST_STAMPS = re.compile(r"raidhost: time stamps: StartImage 0x([0-9A-Fa-f]+) to 0x([0-9A-Fa-f]+) "
+                         r"\(page 1 shown\), (\d+) per ms")
+TRACE_ROUTES = {"serial": "the serial port", "memory": "a memory log", "console": "the console"}
+
+
+def print_startup(name, log):
+    """The module's own start-up from its first to its last time stamp, next
+    to StartImage and to the boot up to page 1 (the processor's time-stamp
+    counter counts from the machine's reset), as raidhost measured them."""
+    route = re.search(r"raidhost: trace (\w+): Success", log)
+    where = TRACE_ROUTES.get(route.group(1) if route else "console", "the console")
+    steps = []
+    for match in STARTUP_STEP.finditer(log):
+        steps.append(int(match.group(3), 16))
+        if match.group(2) == "return":
+            break
+    host = HOST_STAMPS.search(log)
+    if len(steps) < 2 or not host or int(host.group(3)) == 0:
+        print(f"start-up, {name} boot: figures missing (time stamps {len(steps)}, "
+              f"raidhost's line {'found' if host else 'missing'})")
+        return
+    per_ms = int(host.group(3))
+    module = (steps[-1] - steps[0]) / per_ms
+    start_image = (int(host.group(2), 16) - int(host.group(1), 16)) / per_ms
+    boot = int(host.group(2), 16) / per_ms
+    print(f"start-up, {name} boot, trace to {where}: the module {module:.1f} ms (its time "
+          f"stamps), StartImage {start_image:.1f} ms, boot to page 1 {boot:.0f} ms; "
+          f"the module's share {100 * module / boot:.2f}%")
 
 
 def model_from_log(log):
@@ -231,6 +268,9 @@ def main():
             "LoadImage of raidcfg.efi by device path on the boot volume")
     c.check("raidhost: mode dump (configuration file)" in log,
             "\\raidhost.cfg chose the dump mode")
+    c.check("raidhost: trace serial: Success" in log,
+            "\\raidhost.cfg sent the module's trace lines to the serial port")
+    print_startup("dump", log)
     c.check("raidhost: StartImage: Success" in log, "StartImage ran the module's start-up")
     c.check(f'raidhost: wizard page shown: node' in log and f'"{FIRST_PAGE_TITLE}"' in log,
             f"the module showed page 1 \"{FIRST_PAGE_TITLE}\" through the page framework")

@@ -16,20 +16,10 @@ constexpr UINTN kMaxHeldBytes = 256 * 1024;
 // Console text kept while the console is held.
 struct HeldText {
   BOOLEAN Holding;
-  CHAR8 *Bytes;
-  UINTN Used;
-  UINTN Dropped;
+  HostTextLog Log;
 };
 
 constinit HeldText gHeld = {};
-
-VOID Keep(const CHAR8 *Text, UINTN Length) {
-  const UINTN Room = gHeld.Bytes == nullptr ? 0 : kMaxHeldBytes - gHeld.Used;
-  const UINTN Kept = Length < Room ? Length : Room;
-  CopyMem(gHeld.Bytes + gHeld.Used, Text, Kept);
-  gHeld.Used += Kept;
-  gHeld.Dropped += Length - Kept;
-}
 
 VOID WritePort8(UINT16 Port, UINT8 Value) {
   __asm__ __volatile__("outb %0, %1" : : "a"(Value), "Nd"(Port));
@@ -39,7 +29,7 @@ VOID WritePort8(UINT16 Port, UINT8 Value) {
 
 VOID HostPutAscii(const CHAR8 *Text, UINTN Length) {
   if (gHeld.Holding) {
-    Keep(Text, Length);
+    HostTextLogKeep(gHeld.Log, Text, Length);
     return;
   }
   if (gST == nullptr || gST->ConOut == nullptr) {
@@ -72,7 +62,7 @@ VOID HostConsoleHold(VOID) {
     return;
   }
   gHeld = {};
-  gHeld.Bytes = static_cast<CHAR8 *>(AllocatePool(kMaxHeldBytes));
+  HostTextLogOpen(gHeld.Log, kMaxHeldBytes);
   gHeld.Holding = TRUE;
 }
 
@@ -80,14 +70,37 @@ VOID HostConsoleRelease(VOID) {
   if (!gHeld.Holding) {
     return;
   }
-  const HeldText Held = gHeld;
+  HeldText Held = gHeld;
   gHeld = {};
-  HostPutAscii(Held.Bytes, Held.Used);
-  FreePool(Held.Bytes);
-  if (Held.Dropped != 0) {
+  HostPutAscii(Held.Log.Bytes, Held.Log.Used);
+  const UINTN Dropped = Held.Log.Dropped;
+  HostTextLogClose(Held.Log);
+  if (Dropped != 0) {
     HostPrint("raidhost: %d bytes of console output left out while the wizard "
-              "was on screen\n", Held.Dropped);
+              "was on screen\n", Dropped);
   }
+}
+
+BOOLEAN HostTextLogOpen(HostTextLog &Log, UINTN Capacity) {
+  Log = {};
+  Log.Bytes = static_cast<CHAR8 *>(AllocatePool(Capacity));
+  Log.Capacity = Log.Bytes != nullptr ? Capacity : 0;
+  return Log.Bytes != nullptr;
+}
+
+VOID HostTextLogKeep(HostTextLog &Log, const CHAR8 *Text, UINTN Length) {
+  const UINTN Room = Log.Capacity - Log.Used;
+  const UINTN Kept = Length < Room ? Length : Room;
+  CopyMem(Log.Bytes + Log.Used, Text, Kept);
+  Log.Used += Kept;
+  Log.Dropped += Length - Kept;
+}
+
+VOID HostTextLogClose(HostTextLog &Log) {
+  if (Log.Bytes != nullptr) {
+    FreePool(Log.Bytes);
+  }
+  Log = {};
 }
 
 VOID HostPowerOff(UINT8 Code) {

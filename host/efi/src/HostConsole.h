@@ -16,6 +16,21 @@ VOID HostPutAscii(const CHAR8 *Text, UINTN Length);
 VOID HostConsoleHold(VOID);
 VOID HostConsoleRelease(VOID);
 
+// Text kept in a pool buffer of a fixed capacity; what does not fit is
+// counted, not kept.
+struct HostTextLog {
+  CHAR8 *Bytes;
+  UINTN Capacity;
+  UINTN Used;
+  UINTN Dropped;
+};
+
+// Allocates the buffer; FALSE when memory is short (the log then keeps
+// nothing and counts everything as dropped).
+BOOLEAN HostTextLogOpen(HostTextLog &Log, UINTN Capacity);
+VOID HostTextLogKeep(HostTextLog &Log, const CHAR8 *Text, UINTN Length);
+VOID HostTextLogClose(HostTextLog &Log);
+
 // Ends QEMU through its isa-debug-exit port (status (Code << 1) | 1), then
 // falls back to a firmware shutdown.
 [[noreturn]] VOID HostPowerOff(UINT8 Code);

@@ -1,4 +1,4 @@
-// Choosing the run mode from the load options or the configuration file.
+// The run's settings from the load options and the configuration file.
 #include "HostRunMode.h"
 
 #include <Library/BaseLib.h>
@@ -64,25 +64,48 @@ BOOLEAN ModeFromLoadOptions(EFI_HANDLE ImageHandle, HostRunMode *Mode) {
 }
 
 struct ConfigRead {
-  BOOLEAN Found;
-  HostRunMode Mode;
+  BOOLEAN ModeFound;
+  HostSettings Settings;
+};
+
+// Takes the value of one setting; FALSE when it names nothing known.
+BOOLEAN TakeMode(ConfigRead &Config, const CHAR8 *Value, UINTN Length) {
+  if (!ModeNamed(Value, Length, &Config.Settings.Mode)) {
+    return FALSE;
+  }
+  Config.ModeFound = TRUE;
+  return TRUE;
+}
+
+BOOLEAN TakeTrace(ConfigRead &Config, const CHAR8 *Value, UINTN Length) {
+  return HostTraceRouteNamed(Value, Length, &Config.Settings.Trace);
+}
+
+struct ConfigKey {
+  const CHAR8 *Key;  // with its '='
+  BOOLEAN (*Take)(ConfigRead &Config, const CHAR8 *Value, UINTN Length);
+};
+
+constexpr ConfigKey kConfigKeys[] = {
+    {"mode=", TakeMode},
+    {"trace=", TakeTrace},
 };
 
 // One line of the configuration: "key=value"; '#' starts a comment line.
 EFI_STATUS ReadConfigLine(VOID *Context, const CHAR8 *Line, UINTN Length) {
   ConfigRead &Config = *static_cast<ConfigRead *>(Context);
-  constexpr CHAR8 kModeKey[] = "mode=";
-  constexpr UINTN kModeKeyLength = sizeof(kModeKey) - 1;
   if (Line[0] == '#') {
     return EFI_SUCCESS;
   }
   while (Length > 0 && (Line[Length - 1] == ' ' || Line[Length - 1] == '\t')) {
     Length--;
   }
-  if (Length > kModeKeyLength && AsciiStrnCmp(Line, kModeKey, kModeKeyLength) == 0 &&
-      ModeNamed(Line + kModeKeyLength, Length - kModeKeyLength, &Config.Mode)) {
-    Config.Found = TRUE;
-    return EFI_SUCCESS;
+  for (const ConfigKey &Key : kConfigKeys) {
+    const UINTN KeyLength = AsciiStrLen(Key.Key);
+    if (Length > KeyLength && AsciiStrnCmp(Line, Key.Key, KeyLength) == 0 &&
+        Key.Take(Config, Line + KeyLength, Length - KeyLength)) {
+      return EFI_SUCCESS;
+    }
   }
   CHAR8 Shown[80];
   const UINTN ShownLength = Length < sizeof(Shown) - 1 ? Length : sizeof(Shown) - 1;
@@ -96,25 +119,21 @@ EFI_STATUS ReadConfigLine(VOID *Context, const CHAR8 *Line, UINTN Length) {
 
 }  // namespace
 
-HostRunMode HostChooseRunMode(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
-                              const CHAR16 *ConfigPath, const CHAR8 **Source) {
-  HostRunMode Mode = HostModeInteractive;
-  if (ModeFromLoadOptions(ImageHandle, &Mode)) {
-    *Source = "load options";
-    return Mode;
-  }
-  ConfigRead Config = {FALSE, HostModeInteractive};
+HostSettings HostReadSettings(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
+                              const CHAR16 *ConfigPath) {
+  ConfigRead Config = {FALSE, {HostModeInteractive, "default", HostTraceConsole}};
   const EFI_STATUS Status =
       HostReadFileLines(Root, ConfigPath, kMaxConfigSize, ReadConfigLine, &Config);
   if (EFI_ERROR(Status)) {
     HostPrint("raidhost: %s: %r\n", ConfigPath, Status);
   }
-  if (Config.Found) {
-    *Source = "configuration file";
-    return Config.Mode;
+  if (Config.ModeFound) {
+    Config.Settings.ModeSource = "configuration file";
   }
-  *Source = "default";
-  return HostModeInteractive;
+  if (ModeFromLoadOptions(ImageHandle, &Config.Settings.Mode)) {
+    Config.Settings.ModeSource = "load options";
+  }
+  return Config.Settings;
 }
 
 const CHAR8 *HostRunModeName(HostRunMode Mode) {

@@ -5,6 +5,8 @@
 #include <Protocol/SimpleFileSystem.h>
 #include <Uefi.h>
 
+#include "HostTrace.h"
+
 enum HostRunMode : UINT8 {
   // The text UI on the console until the operator leaves (Esc or F10).
   HostModeInteractive,
@@ -14,11 +16,22 @@ enum HostRunMode : UINT8 {
   HostModeDump,
 };
 
+// What a run does, from the load options and the configuration file.
+struct HostSettings {
+  HostRunMode Mode;
+  // Where the mode came from: "load options", "configuration file" or
+  // "default".
+  const CHAR8 *ModeSource;
+  // Where the module's trace lines go (console by default).
+  HostTraceRoute Trace;
+};
+
 // The mode: a load option "--interactive", "--screen" or "--dump" first,
 // else a line "mode=interactive|screen|dump" of ConfigPath, else
-// interactive. *Source says where the choice came from.
-HostRunMode HostChooseRunMode(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
-                              const CHAR16 *ConfigPath, const CHAR8 **Source);
+// interactive. The trace route ("trace=console|serial|memory") comes from
+// ConfigPath only.
+HostSettings HostReadSettings(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
+                              const CHAR16 *ConfigPath);
 
 // "interactive", "screen" or "dump".
 const CHAR8 *HostRunModeName(HostRunMode Mode);

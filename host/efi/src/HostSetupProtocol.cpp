@@ -1,11 +1,13 @@
-// The setup protocol under real firmware: trace lines on the console and
-// texts from the firmware's HII string protocol. The page-framework slots
-// are the framework's (HostWizard.cpp fills them before the module loads).
+// The setup protocol under real firmware: trace lines where \raidhost.cfg
+// sends them (HostTrace.h) and texts from the firmware's HII string
+// protocol. The page-framework slots are the framework's (HostWizard.cpp
+// fills them before the module loads).
 #include <Library/PrintLib.h>
 
 #include "HostConsole.h"
 #include "HostProtocols.h"
 #include "HostStrings.h"
+#include "HostTrace.h"
 
 namespace {
 
@@ -13,14 +15,14 @@ constinit UINTN gTraceLines = 0;
 constinit ESA_GUI_CONTEXT gGuiContext = {};
 constinit BOOLEAN gGuiConnected = FALSE;
 
-// One trace line, formatted here and printed as it is.
+// One trace line, formatted here and sent as it is where the trace goes.
 VOID EFIAPI DebugPrint(UINT32 Level, const CHAR8 *Format, ...) {
   CHAR8 Line[4096];
   VA_LIST Marker;
   VA_START(Marker, Format);
   const UINTN Length = AsciiVSPrint(Line, sizeof(Line), Format, Marker);
   VA_END(Marker);
-  HostPutAscii(Line, Length);
+  HostTraceWrite(Line, Length);
   gTraceLines++;
 }
 

@@ -11,9 +11,11 @@
 #include <Protocol/LoadedImage.h>
 
 #include "HostConsole.h"
+#include "HostMeasure.h"
 #include "HostProtocols.h"
 #include "HostRunMode.h"
 #include "HostStrings.h"
+#include "HostTrace.h"
 #include "HostVolume.h"
 #include "HostWizard.h"
 #include "ModelJson.h"
@@ -130,10 +132,16 @@ VOID RunModule(EFI_HANDLE ImageHandle, EFI_HANDLE Device, RunResult &Result) {
   Result.Loaded = TRUE;
 
   HostWizardOpenScreen();
+  const UINT64 StartedAt = HostTimeStamp();
   Status = gBS->StartImage(Module, nullptr, nullptr);
+  // The module has built and shown page 1 when StartImage returns.
+  const UINT64 PageShownAt = HostTimeStamp();
+  HostTraceFlush();
   HostWizardFinish(!EFI_ERROR(Status));
   HostPrint("raidhost: StartImage: %r (%d trace lines)\n", Status,
             HostTraceLineCount());
+  HostPrint("raidhost: time stamps: StartImage 0x%lx to 0x%lx (page 1 shown), "
+            "%ld per ms\n", StartedAt, PageShownAt, HostTicksPerMillisecond());
   Result.Started = !EFI_ERROR(Status);
   if (Result.Started) {
     Result.ModelRead = PrintModel(Module);
@@ -145,6 +153,7 @@ VOID RunModule(EFI_HANDLE ImageHandle, EFI_HANDLE Device, RunResult &Result) {
   Result.StringsFetched = PrintModuleStrings(Hii);
 
   Status = gBS->UnloadImage(Module);
+  HostTraceFlush();
   HostPrint("raidhost: UnloadImage: %r\n", Status);
   Result.Unloaded = !EFI_ERROR(Status);
   if (Result.Unloaded) {
@@ -191,11 +200,13 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
               Status, HostSlotCount());
   }
   if (!EFI_ERROR(Status)) {
-    const CHAR8 *Source = nullptr;
-    const HostRunMode Mode = HostChooseRunMode(ImageHandle, Root, kConfigPath, &Source);
-    Status = HostWizardStart(Mode);
-    HostPrint("raidhost: mode %a (%a), page framework: %r\n", HostRunModeName(Mode),
-              Source, Status);
+    const HostSettings Settings = HostReadSettings(ImageHandle, Root, kConfigPath);
+    const EFI_STATUS TraceStatus = HostTraceOpen(Settings.Trace);
+    HostPrint("raidhost: trace %a: %r%a\n", HostTraceRouteName(Settings.Trace), TraceStatus,
+              EFI_ERROR(TraceStatus) ? ", the trace goes to the console" : "");
+    Status = HostWizardStart(Settings.Mode);
+    HostPrint("raidhost: mode %a (%a), page framework: %r\n", HostRunModeName(Settings.Mode),
+              Settings.ModeSource, Status);
   }
   if (!EFI_ERROR(Status)) {
     Status = InstallHostProtocols();
@@ -206,6 +217,7 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
     UninstallHostProtocols();
   }
   const UINTN NodesLeft = HostWizardStop();
+  HostTraceClose();
   if (Root != nullptr) {
     Root->Close(Root);
   }
