@@ -5,10 +5,12 @@ Each check prints PASS or FAIL with what it looked for; the exit status is
 0 when all passed. With --raidcfg-host the model printed under OVMF is
 compared with `raidcfg-host --dump-model` for the same scenario and replay.
 With --screen-log the screen the text UI drew in the screen mode is rebuilt
-from the terminal output and checked for the wizard's first page. Each
-boot's start-up figures (the module's own time from its time stamps, the
-boot to page 1) are printed, never checked: they depend on how busy the
-machine is.
+from the terminal output and checked for the wizard's first page. With
+--cycles N the dump boot loaded and unloaded the module N times and the
+firmware's free memory must be the same after the last cycle as after the
+first. Each boot's start-up figures (the module's own time from its time
+stamps, the boot to page 1) are printed, never checked: they depend on how
+busy the machine is.
 """
 import argparse
 import json
@@ -203,6 +205,22 @@ def print_startup(name, log):
           f"the module's share {100 * module / boot:.2f}%")
 
 
+def check_cycles(c, log, cycles):
+    """Every load cycle passed, and the firmware's free memory (conventional
+    pages in its memory map) after the last equals that after the first."""
+    found = re.findall(r"raidhost: cycle (\d+) of \d+: (passed|failed[^,]*), free memory (\d+) pages",
+                       log)
+    passed = [n for n, verdict, _ in found if verdict == "passed"]
+    c.check(len(found) == cycles and len(passed) == cycles,
+            f"dump boot: raidcfg.efi loaded, started and unloaded {cycles} times",
+            f"{len(passed)} of {len(found)} cycles passed")
+    pages = [int(p) for _, _, p in found]
+    # 0 pages: raidhost could not read the memory map.
+    c.check(len(pages) == cycles and pages[0] > 0 and pages[0] == pages[-1],
+            "dump boot: the firmware's free memory after the last cycle equals that after "
+            "the first", f"pages after each cycle: {pages}")
+
+
 def model_from_log(log):
     match = re.search(r"RAIDHOST-MODEL-BEGIN\n(.*?)\nRAIDHOST-MODEL-END", log, re.S)
     if not match:
@@ -257,6 +275,7 @@ def main():
     parser.add_argument("--screen-qemu-status", type=int)
     parser.add_argument("--interactive-log")
     parser.add_argument("--interactive-qemu-status", type=int)
+    parser.add_argument("--cycles", type=int, default=1)
     args = parser.parse_args()
 
     with open(args.log, encoding="ascii", errors="replace") as f:
@@ -316,6 +335,8 @@ def main():
             "after unload: strings removed, GUI driver disconnected, no parser left",
             after.group(0) if after else "line missing")
     check_nodes_left(c, "", log)
+    if args.cycles > 1:
+        check_cycles(c, log, args.cycles)
     c.check("RAIDHOST-VERDICT: PASS" in log and args.qemu_status == 1,
             "raidhost's verdict PASS and QEMU ended through isa-debug-exit",
             f"QEMU status {args.qemu_status}")

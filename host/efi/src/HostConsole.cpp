@@ -20,6 +20,7 @@ struct HeldText {
 };
 
 constinit HeldText gHeld = {};
+constinit BOOLEAN gQuiet = FALSE;
 
 VOID WritePort8(UINT16 Port, UINT8 Value) {
   __asm__ __volatile__("outb %0, %1" : : "a"(Value), "Nd"(Port));
@@ -28,6 +29,9 @@ VOID WritePort8(UINT16 Port, UINT8 Value) {
 }  // namespace
 
 VOID HostPutAscii(const CHAR8 *Text, UINTN Length) {
+  if (gQuiet) {
+    return;
+  }
   if (gHeld.Holding) {
     HostTextLogKeep(gHeld.Log, Text, Length);
     return;
@@ -80,6 +84,10 @@ VOID HostConsoleRelease(VOID) {
               "was on screen\n", Dropped);
   }
 }
+
+VOID HostConsoleQuiet(BOOLEAN Quiet) { gQuiet = Quiet; }
+
+BOOLEAN HostConsoleIsQuiet(VOID) { return gQuiet; }
 
 BOOLEAN HostTextLogOpen(HostTextLog &Log, UINTN Capacity) {
   Log = {};

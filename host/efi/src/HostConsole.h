@@ -16,6 +16,11 @@ VOID HostPutAscii(const CHAR8 *Text, UINTN Length);
 VOID HostConsoleHold(VOID);
 VOID HostConsoleRelease(VOID);
 
+// While quiet, console text is dropped: the later rounds of a load cycle
+// print one summary line each instead of a whole run's output.
+VOID HostConsoleQuiet(BOOLEAN Quiet);
+BOOLEAN HostConsoleIsQuiet(VOID);
+
 // Text kept in a pool buffer of a fixed capacity; what does not fit is
 // counted, not kept.
 struct HostTextLog {

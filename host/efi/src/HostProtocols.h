@@ -28,6 +28,9 @@ SHELL_COMMAND_PROTOCOL *HostShellCommand(VOID);
 // Recorded command lines, and command lines asked that nobody recorded.
 UINTN HostReplayEntryCount(VOID);
 UINTN HostReplayUnansweredCount(VOID);
+// Every recorded output is answered afresh, from the first (each load of the
+// module asks the same commands).
+VOID HostRewindReplay(VOID);
 VOID HostFreeReplay(VOID);
 
 // ---- Slot inventory (HostSlotInventory.cpp) --------------------------------

@@ -63,6 +63,22 @@ BOOLEAN ModeFromLoadOptions(EFI_HANDLE ImageHandle, HostRunMode *Mode) {
   return Found;
 }
 
+// The decimal count of Length characters, within 1 to kHostMaxCycles.
+BOOLEAN CyclesNamed(const CHAR8 *Text, UINTN Length, UINTN *Cycles) {
+  UINTN Value = 0;
+  for (UINTN I = 0; I < Length; I++) {
+    if (Text[I] < '0' || Text[I] > '9' || Value > kHostMaxCycles) {
+      return FALSE;
+    }
+    Value = Value * 10 + static_cast<UINTN>(Text[I] - '0');
+  }
+  if (Length == 0 || Value == 0 || Value > kHostMaxCycles) {
+    return FALSE;
+  }
+  *Cycles = Value;
+  return TRUE;
+}
+
 struct ConfigRead {
   BOOLEAN ModeFound;
   HostSettings Settings;
@@ -81,6 +97,10 @@ BOOLEAN TakeTrace(ConfigRead &Config, const CHAR8 *Value, UINTN Length) {
   return HostTraceRouteNamed(Value, Length, &Config.Settings.Trace);
 }
 
+BOOLEAN TakeCycles(ConfigRead &Config, const CHAR8 *Value, UINTN Length) {
+  return CyclesNamed(Value, Length, &Config.Settings.Cycles);
+}
+
 struct ConfigKey {
   const CHAR8 *Key;  // with its '='
   BOOLEAN (*Take)(ConfigRead &Config, const CHAR8 *Value, UINTN Length);
@@ -89,6 +109,7 @@ struct ConfigKey {
 constexpr ConfigKey kConfigKeys[] = {
     {"mode=", TakeMode},
     {"trace=", TakeTrace},
+    {"cycles=", TakeCycles},
 };
 
 // One line of the configuration: "key=value"; '#' starts a comment line.
@@ -121,7 +142,7 @@ EFI_STATUS ReadConfigLine(VOID *Context, const CHAR8 *Line, UINTN Length) {
 
 HostSettings HostReadSettings(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
                               const CHAR16 *ConfigPath) {
-  ConfigRead Config = {FALSE, {HostModeInteractive, "default", HostTraceConsole}};
+  ConfigRead Config = {FALSE, {HostModeInteractive, "default", HostTraceConsole, 1}};
   const EFI_STATUS Status =
       HostReadFileLines(Root, ConfigPath, kMaxConfigSize, ReadConfigLine, &Config);
   if (EFI_ERROR(Status)) {

@@ -16,6 +16,9 @@ enum HostRunMode : UINT8 {
   HostModeDump,
 };
 
+// The most load cycles a run may ask for.
+constexpr UINTN kHostMaxCycles = 1000;
+
 // What a run does, from the load options and the configuration file.
 struct HostSettings {
   HostRunMode Mode;
@@ -24,11 +27,15 @@ struct HostSettings {
   const CHAR8 *ModeSource;
   // Where the module's trace lines go (console by default).
   HostTraceRoute Trace;
+  // How many times the module is loaded, started and unloaded (1 by
+  // default).
+  UINTN Cycles;
 };
 
 // The mode: a load option "--interactive", "--screen" or "--dump" first,
 // else a line "mode=interactive|screen|dump" of ConfigPath, else
-// interactive. The trace route ("trace=console|serial|memory") comes from
+// interactive. The trace route ("trace=console|serial|memory") and the
+// number of load cycles ("cycles=N", 1 to kHostMaxCycles) come from
 // ConfigPath only.
 HostSettings HostReadSettings(EFI_HANDLE ImageHandle, EFI_FILE_PROTOCOL *Root,
                               const CHAR16 *ConfigPath);

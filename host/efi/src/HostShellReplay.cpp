@@ -204,6 +204,12 @@ UINTN HostReplayEntryCount(VOID) { return gEntryCount; }
 
 UINTN HostReplayUnansweredCount(VOID) { return gUnanswered; }
 
+VOID HostRewindReplay(VOID) {
+  for (UINTN I = 0; I < gEntryCount; I++) {
+    gEntries[I].Used = FALSE;
+  }
+}
+
 VOID HostFreeReplay(VOID) {
   for (UINTN I = 0; I < gEntryCount; I++) {
     FreePool(gEntries[I].CommandLine);

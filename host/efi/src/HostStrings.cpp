@@ -1,7 +1,7 @@
 // Texts from the firmware's HII database, kept per handle, language and id
-// until the host ends: the module may hold a text while it opens a message
-// box whose title the framework fetches, so no text may be overwritten by a
-// later fetch.
+// until the module is unloaded: the module may hold a text while it opens a
+// message box whose title the framework fetches, so no text may be
+// overwritten by a later fetch.
 #include "HostStrings.h"
 
 #include <Library/BaseLib.h>

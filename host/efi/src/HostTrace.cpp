@@ -72,6 +72,9 @@ EFI_STATUS HostTraceOpen(HostTraceRoute Route) {
 }
 
 VOID HostTraceWrite(const CHAR8 *Text, UINTN Length) {
+  if (HostConsoleIsQuiet()) {
+    return;
+  }
   switch (gTrace.Route) {
     case HostTraceSerial:
       WriteSerial(Text, Length);

@@ -22,7 +22,7 @@ BOOLEAN HostTraceRouteNamed(const CHAR8 *Name, UINTN Length, HostTraceRoute *Rou
 // Opens Route. Without a serial port, or without memory for the log, the
 // trace goes to the console and the status says why.
 EFI_STATUS HostTraceOpen(HostTraceRoute Route);
-// One formatted trace line.
+// One formatted trace line (nothing while the console is quiet).
 VOID HostTraceWrite(const CHAR8 *Text, UINTN Length);
 // Memory log: prints the lines kept so far on the console and empties it.
 VOID HostTraceFlush(VOID);

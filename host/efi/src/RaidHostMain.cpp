@@ -4,7 +4,9 @@
 // module's device is that volume), runs the wizard on the console in the
 // mode chosen, prints the RAID model the module holds, fetches one of the
 // module's strings back in two languages through the firmware's HII,
-// unloads the module, prints a verdict and powers the machine off.
+// unloads the module, prints a verdict and powers the machine off. Asked
+// for several load cycles, it does all this as many times, the later
+// cycles quietly, and prints the firmware's free memory after each.
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
@@ -64,6 +66,8 @@ VOID UninstallHostProtocols() {
       TarnXmlProtocolInterface(), &gShellCommandProtocolGuid, HostShellCommand(),
       &gSlotInventoryProtocolGuid, HostSlotInventory(), &gQolCommandsProtocolGuid,
       HostQolCommands(), nullptr);
+  // The handle went with its last protocol; the next cycle makes a new one.
+  gHostProtocolHandle = nullptr;
 }
 
 // Prints the model the loaded module holds, between marker lines, from its
@@ -168,10 +172,70 @@ VOID RunModule(EFI_HANDLE ImageHandle, EFI_HANDLE Device, RunResult &Result) {
   }
 }
 
-BOOLEAN Passed(const RunResult &R) {
-  return R.Loaded && R.Started && R.ModelRead &&
-         R.StringsFetched == ARRAY_SIZE(kProbeLanguages) && R.Unloaded &&
-         R.CleanAfterUnload;
+// The first step of the run that failed, or NULL when every step passed.
+const CHAR8 *FailedStep(const RunResult &R) {
+  const struct {
+    BOOLEAN Done;
+    const CHAR8 *Step;
+  } Steps[] = {
+      {R.Loaded, "LoadImage"},
+      {R.Started, "StartImage"},
+      {R.ModelRead, "model"},
+      {R.StringsFetched == ARRAY_SIZE(kProbeLanguages), "strings"},
+      {R.Unloaded, "UnloadImage"},
+      {R.CleanAfterUnload, "clean after unload"},
+  };
+  for (const auto &Each : Steps) {
+    if (!Each.Done) {
+      return Each.Step;
+    }
+  }
+  return nullptr;
+}
+
+// One load cycle: the page framework and the host protocols around a load,
+// start, read and unload of the module; afterwards nothing of the cycle is
+// left but the replay's answers, rewound for the next.
+const CHAR8 *RunCycle(EFI_HANDLE ImageHandle, EFI_HANDLE Device,
+                      const HostSettings &Settings) {
+  RunResult Result;
+  EFI_STATUS Status = HostWizardStart(Settings.Mode);
+  HostPrint("raidhost: mode %a (%a), page framework: %r\n", HostRunModeName(Settings.Mode),
+            Settings.ModeSource, Status);
+  if (!EFI_ERROR(Status)) {
+    Status = InstallHostProtocols();
+    HostPrint("raidhost: host protocols installed: %r\n", Status);
+  }
+  if (!EFI_ERROR(Status)) {
+    RunModule(ImageHandle, Device, Result);
+    UninstallHostProtocols();
+  }
+  const UINTN NodesLeft = HostWizardStop();
+  HostFreeStrings();
+  HostRewindReplay();
+  if (EFI_ERROR(Status)) {
+    return "host set-up";
+  }
+  const CHAR8 *Failed = FailedStep(Result);
+  return Failed == nullptr && NodesLeft != 0 ? "page nodes left" : Failed;
+}
+
+// Every cycle the settings ask for; the second and later print only a line
+// each, with the firmware's free memory after the cycle.
+BOOLEAN RunCycles(EFI_HANDLE ImageHandle, EFI_HANDLE Device, const HostSettings &Settings) {
+  BOOLEAN AllPassed = TRUE;
+  for (UINTN Cycle = 1; Cycle <= Settings.Cycles; Cycle++) {
+    HostConsoleQuiet(Cycle > 1);
+    const CHAR8 *Failed = RunCycle(ImageHandle, Device, Settings);
+    HostConsoleQuiet(FALSE);
+    AllPassed = AllPassed && Failed == nullptr;
+    if (Settings.Cycles > 1) {
+      HostPrint("raidhost: cycle %d of %d: %a%a, free memory %ld pages\n", Cycle,
+                Settings.Cycles, Failed == nullptr ? "passed" : "failed at ",
+                Failed == nullptr ? "" : Failed, HostFreeMemoryPages());
+    }
+  }
+  return AllPassed;
 }
 
 }  // namespace
@@ -185,7 +249,7 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
   gBS->SetWatchdogTimer(0, 0, 0, nullptr);
   HostPrint("\nraidhost: start\n");
 
-  RunResult Result;
+  BOOLEAN Ran = FALSE;
   EFI_HANDLE Device = nullptr;
   EFI_FILE_PROTOCOL *Root = nullptr;
   EFI_STATUS Status = HostOpenOwnVolume(ImageHandle, &Device, &Root);
@@ -204,30 +268,22 @@ extern "C" EFI_STATUS EFIAPI RaidHostEntryPoint(EFI_HANDLE ImageHandle,
     const EFI_STATUS TraceStatus = HostTraceOpen(Settings.Trace);
     HostPrint("raidhost: trace %a: %r%a\n", HostTraceRouteName(Settings.Trace), TraceStatus,
               EFI_ERROR(TraceStatus) ? ", the trace goes to the console" : "");
-    Status = HostWizardStart(Settings.Mode);
-    HostPrint("raidhost: mode %a (%a), page framework: %r\n", HostRunModeName(Settings.Mode),
-              Settings.ModeSource, Status);
+    if (Settings.Cycles > 1) {
+      HostPrint("raidhost: %d load cycles, free memory before the first %ld pages\n",
+                Settings.Cycles, HostFreeMemoryPages());
+    }
+    Ran = RunCycles(ImageHandle, Device, Settings);
+    HostTraceClose();
   }
-  if (!EFI_ERROR(Status)) {
-    Status = InstallHostProtocols();
-    HostPrint("raidhost: host protocols installed: %r\n", Status);
-  }
-  if (!EFI_ERROR(Status)) {
-    RunModule(ImageHandle, Device, Result);
-    UninstallHostProtocols();
-  }
-  const UINTN NodesLeft = HostWizardStop();
-  HostTraceClose();
   if (Root != nullptr) {
     Root->Close(Root);
   }
   HostPrint("raidhost: unanswered tool commands: %d\n", HostReplayUnansweredCount());
   TarnXmlFreeAllParsers();
-  HostFreeStrings();
   HostFreeReplay();
   HostFreeSlotInventory();
 
-  const BOOLEAN Pass = !EFI_ERROR(Status) && Passed(Result) && NodesLeft == 0;
+  const BOOLEAN Pass = !EFI_ERROR(Status) && Ran;
   HostPrint("RAIDHOST-VERDICT: %a\n", Pass ? "PASS" : "FAIL");
   HostPowerOff(Pass ? kExitPass : kExitFail);
 }
