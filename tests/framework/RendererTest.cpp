@@ -111,7 +111,7 @@ TEST_F(FrameworkTest, FramesWriteOnlyTheCellsThatChanged) {
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, RecordingSink::Flush},
+                                   {&Sink, RecordingSink::Write, RecordingSink::Flush, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   framework::TextUiRender(Ui);
@@ -136,7 +136,7 @@ TEST_F(FrameworkTest, KeysOperateTheFocusedControls) {
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, nullptr},
+                                   {&Sink, RecordingSink::Write, nullptr, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   // Down to the second adapter, choose it; Tab to the check box, tick it;
@@ -171,7 +171,7 @@ TEST_F(FrameworkTest, QuestionsDefaultToNoAndTakeYesByKey) {
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, nullptr},
+                                   {&Sink, RecordingSink::Write, nullptr, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   // The question reads its answer from the keys: Enter alone says No,
