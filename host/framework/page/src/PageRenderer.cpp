@@ -364,7 +364,8 @@ constexpr UINTN kMaxColumns = 32;
 
 // Column widths: the module's, else each column's widest cell, narrowed
 // (widest first) until the table fits, but not below kMinColumnWidth (or
-// the column's content): a table that still does not fit scrolls sideways.
+// the column's content). A table that would not fit even so keeps its
+// columns whole and scrolls sideways.
 constexpr UINTN kMinColumnWidth = 8;
 
 VOID ColumnWidths(const HOST_PAGE_NODE *Node, UINTN TableWidth,
@@ -388,7 +389,11 @@ VOID ColumnWidths(const HOST_PAGE_NODE *Node, UINTN TableWidth,
     Minimums[Column] = Width < Minimum ? Width : Minimum;
     Total += Width + 1;
   }
-  while (Total > TableWidth) {
+  UINTN Narrowest = 0;
+  for (UINT32 Column = 0; Column < Columns; Column++) {
+    Narrowest += Minimums[Column] + 1;
+  }
+  while (Total > TableWidth && Narrowest <= TableWidth) {
     UINTN Widest = 0;
     for (UINT32 Column = 1; Column < Columns; Column++) {
       UINTN Slack = Widths[Column] - Minimums[Column];
