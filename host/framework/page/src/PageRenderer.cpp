@@ -337,6 +337,7 @@ VOID DrawSlider(DrawContext &Context, const HOST_PAGE_NODE *Node,
            EffectiveState(Node) == HOST_DISPLAY_GRAYED ? look::kGrayed
                                                        : look::kLabel);
 }
+
 // ---- Tables ---------------------------------------------------------------
 
 constexpr UINTN kMaxColumns = 32;

@@ -360,6 +360,13 @@ HostServices TextUiServices(TextUi &Ui) {
   return Services;
 }
 
+namespace {
+
+[[nodiscard]] BOOLEAN IsRedrawKey(const EFI_INPUT_KEY &Key) {
+  return Key.ScanCode == kScanRedraw ||
+         (Key.ScanCode == SCAN_NULL && Key.UnicodeChar == kCharRedraw);
+}
+
 // Takes the console's size when it changed: new screens, all drawn. The
 // old screens stay when memory for the new ones is short.
 VOID FollowConsoleSize(TextUi &Ui) {
@@ -389,6 +396,8 @@ VOID FollowConsoleSize(TextUi &Ui) {
   Ui.FullFrame = TRUE;
 }
 
+}  // namespace
+
 VOID TextUiRender(TextUi &Ui) {
   if (!Ui.Started) {
     return;
@@ -406,15 +415,6 @@ VOID TextUiRender(TextUi &Ui) {
 }
 
 VOID TextUiInvalidate(TextUi &Ui) { Ui.FullFrame = TRUE; }
-
-namespace {
-
-[[nodiscard]] BOOLEAN IsRedrawKey(const EFI_INPUT_KEY &Key) {
-  return Key.ScanCode == kScanRedraw ||
-         (Key.ScanCode == SCAN_NULL && Key.UnicodeChar == kCharRedraw);
-}
-
-}  // namespace
 
 BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key) {
   if (IsRedrawKey(Key)) {
