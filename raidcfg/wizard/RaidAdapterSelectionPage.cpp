@@ -18,6 +18,20 @@
 
 namespace {
 
+// The word after a count of virtual disks: one, a few (2 to 4, 22 to 24,
+// ...: the form Russian needs; the other languages repeat their plural)
+// or many.
+[[nodiscard]] EFI_STRING_ID VirtualDisksWord(UINTN Count) {
+  if (Count == 1) {
+    return STR_VIRTUAL_DISK_WORD;
+  }
+  const UINTN Units = Count % 10;
+  const UINTN Tens = Count % 100;
+  return Units >= 2 && Units <= 4 && (Tens < 12 || Tens > 14)
+             ? STR_VIRTUAL_DISKS_FEW_WORD
+             : STR_VIRTUAL_DISKS_WORD;
+}
+
 constexpr UINT32 kPage = RAID_PAGE_CONTROLLER_SELECTION;
 
 // Room of an adapter label beyond the controller's name.
@@ -86,8 +100,7 @@ VOID UpdateAdapterKind(const RAID_CONTROLLER *Controller) {
   }
   const BOOLEAN NoSlot =
       Slot == RAID_SLOT_NUMBER_NONE || Slot > kHighestLabelledSlot;
-  const CHAR16 *Word = RaidString(VolumeCount == 1 ? STR_VIRTUAL_DISK_WORD
-                                                   : STR_VIRTUAL_DISKS_WORD);
+  const CHAR16 *Word = RaidString(VirtualDisksWord(VolumeCount));
   if (NoSlot) {
     return VolumeCount == 0
                ? RaidFormatText(Length, RaidString(STR_ADAPTER_NO_VIRTUAL_DISKS),

@@ -76,15 +76,16 @@ constexpr HOST_NODE_TEMPLATE kAdapterSelectionNodes[] = {
 // ---- Page 2 ----------------------------------------------------------------------
 
 constexpr HOST_NODE_TEMPLATE kConfigTypeNodes[] = {
+    // Two options four rows apart, each with its description below it.
     {RAID_NODE_CONFIG_TYPE_RADIO, HOST_CONTROL_RADIO_GROUP, 0, kShown,
-     {0, 0, 40, 0}, nullptr, 0},
+     {0, 0, 40, 8}, nullptr, 0},
     {RAID_NODE_SIMPLE_DESCRIPTION, HOST_CONTROL_LABEL,
-     STR_SIMPLE_CONFIGURATION_DESCRIPTION, kShown, {4, 3, 72, 2}, nullptr, 0},
+     STR_SIMPLE_CONFIGURATION_DESCRIPTION, kShown, {4, 1, 72, 3}, nullptr, 0},
     {RAID_NODE_ADVANCED_DESCRIPTION, HOST_CONTROL_LABEL,
-     STR_ADVANCED_CONFIGURATION_DESCRIPTION, kShown, {4, 6, 72, 2}, nullptr,
+     STR_ADVANCED_CONFIGURATION_DESCRIPTION, kShown, {4, 5, 72, 3}, nullptr,
      0},
     {RAID_NODE_ADVANCED_MODE_COMBO, HOST_CONTROL_COMBO_BOX,
-     STR_CREATE_NEW_ARRAY_AND_VD, kGrayed, {4, 9, 60, 0}, nullptr, 0},
+     STR_CREATE_NEW_ARRAY_AND_VD, kGrayed, {4, 8, 60, 0}, nullptr, 0},
     {RAID_NODE_SIMPLE_WARNING, HOST_CONTROL_LABEL, STR_WARN_MIXED_DRIVE_TYPES,
      kHidden, {0, 12, 76, 2}, nullptr, 0},
     {RAID_NODE_ADVANCED_WARNING, HOST_CONTROL_LABEL, STR_WARN_ALL_DRIVES_USED,
@@ -189,7 +190,7 @@ constexpr HOST_NODE_TEMPLATE kNewArrayNodes[] = {
     {RAID_NODE_NEW_ARRAY_LEVEL_COMBO, HOST_CONTROL_COMBO_BOX, 0, kShown,
      {0, 0, 20, 0}, nullptr, 0},
     {RAID_NODE_NEW_ARRAY_HINT, HOST_CONTROL_LABEL, STR_HINT_DRIVE_RANGE,
-     kShown, {22, 0, 54, 0}, nullptr, 0},
+     kShown, {22, 0, 54, 2}, nullptr, 0},
     {RAID_NODE_NEW_ARRAY_DRIVE_TABLE, HOST_CONTROL_TABLE, 0, kShown,
      {0, 2, 76, 12}, nullptr, 0},
     {RAID_NODE_NEW_ARRAY_WARNING, HOST_CONTROL_LABEL, 0, kHidden,

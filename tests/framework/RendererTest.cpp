@@ -111,7 +111,7 @@ TEST_F(FrameworkTest, FramesWriteOnlyTheCellsThatChanged) {
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, RecordingSink::Flush},
+                                   {&Sink, RecordingSink::Write, RecordingSink::Flush, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   framework::TextUiRender(Ui);
@@ -131,12 +131,67 @@ TEST_F(FrameworkTest, FramesWriteOnlyTheCellsThatChanged) {
 EFI_INPUT_KEY Scan(UINT16 Code) { return {Code, 0}; }
 EFI_INPUT_KEY Char(CHAR16 Code) { return {SCAN_NULL, Code}; }
 
+// A console whose size the test changes, as a terminal window's.
+struct ResizableSink : RecordingSink {
+  UINTN Columns = 80;
+  UINTN Rows = 25;
+  static VOID Size(VOID *Context, UINTN *Columns, UINTN *Rows) {
+    auto &Self = *static_cast<ResizableSink *>(Context);
+    *Columns = Self.Columns;
+    *Rows = Self.Rows;
+  }
+};
+
+std::u16string ScreenOf(const framework::ScreenBuffer &Screen) {
+  std::u16string Text(framework::ScreenText(Screen, nullptr, 0) + 1, u'\0');
+  Text.resize(framework::ScreenText(Screen, Text.data(), Text.size()));
+  return Text;
+}
+
+TEST_F(FrameworkTest, RedrawsFollowTheConsolesSize) {
+  ResizableSink Sink;
+  KeyList Keys;
+  framework::TextUi Ui;
+  ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
+                                   {&Sink, RecordingSink::Write, nullptr,
+                                    ResizableSink::Size},
+                                   {&Keys, KeyList::Read}),
+            EFI_SUCCESS);
+  framework::TextUiRender(Ui);
+  // Each step redraws every cell at the console's size then; below 80 x 25
+  // only the notice shows, and the page comes back whole.
+  struct Step {
+    UINTN Columns;
+    UINTN Rows;
+    EFI_INPUT_KEY Key;
+    const char16_t *Shows;
+  };
+  const Step kSteps[] = {
+      {100, 30, Scan(framework::kScanRedraw), u"Demo - Select Adapter"},
+      {100, 30, Char(framework::kCharRedraw), u"Demo - Select Adapter"},
+      {60, 20, Scan(framework::kScanRedraw), u"at least 80 x 25"},
+      {80, 25, Scan(framework::kScanRedraw), u"[X] Show advanced"},
+  };
+  EXPECT_EQ(Driver.Tick(On(demo::kAdvancedCheck), true), EFI_SUCCESS);
+  for (const Step &Each : kSteps) {
+    Sink.Columns = Each.Columns;
+    Sink.Rows = Each.Rows;
+    Sink.Characters = 0;
+    EXPECT_TRUE(framework::TextUiHandleKey(Ui, Each.Key));
+    framework::TextUiRender(Ui);
+    EXPECT_EQ(Sink.Characters, Each.Columns * Each.Rows - 1) << Each.Columns;
+    EXPECT_NE(ScreenOf(Ui.Shown).find(Each.Shows), std::u16string::npos)
+        << framework::ToUtf8(ScreenOf(Ui.Shown));
+  }
+  framework::TextUiStop(Ui);
+}
+
 TEST_F(FrameworkTest, KeysOperateTheFocusedControls) {
   RecordingSink Sink;
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, nullptr},
+                                   {&Sink, RecordingSink::Write, nullptr, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   // Down to the second adapter, choose it; Tab to the check box, tick it;
@@ -171,7 +226,7 @@ TEST_F(FrameworkTest, QuestionsDefaultToNoAndTakeYesByKey) {
   KeyList Keys;
   framework::TextUi Ui;
   ASSERT_EQ(framework::TextUiStart(Ui, 80, 25,
-                                   {&Sink, RecordingSink::Write, nullptr},
+                                   {&Sink, RecordingSink::Write, nullptr, nullptr},
                                    {&Keys, KeyList::Read}),
             EFI_SUCCESS);
   // The question reads its answer from the keys: Enter alone says No,
@@ -216,6 +271,11 @@ TEST(TextHelpers, WrapBreaksAtBlanksAndLineBreaks) {
       {u"abcdefghij", 4, {u"abcd", u"efgh", u"ij"}},
       {u"", 10, {}},
       {u"\x6570\x636E\x6570\x636E", 5, {u"\x6570\x636E", u"\x6570\x636E"}},
+      // Wide characters break between each other, never before closing
+      // punctuation, and within a word of wide characters after a blank.
+      {u"\x4EEE\x60F3\x3001\x4F5C\x6210", 4,
+       {u"\x4EEE", u"\x60F3\x3001", u"\x4F5C\x6210"}},
+      {u"RAID \x30EC\x30D9\x30EB", 8, {u"RAID \x30EC", u"\x30D9\x30EB"}},
   };
   for (const Case &Each : kCases) {
     std::vector<std::u16string> Lines;

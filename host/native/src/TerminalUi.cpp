@@ -2,10 +2,12 @@
 #include "native/TerminalUi.h"
 
 #include <poll.h>
+#include <signal.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 
 #include "framework/HeadlessDriver.h"
@@ -14,6 +16,14 @@ namespace host {
 namespace {
 
 termios gSaved;
+
+// Set by SIGWINCH: the window changed its size. The handler is installed
+// without SA_RESTART, so that a blocking read returns and the screen is
+// drawn again at once.
+volatile sig_atomic_t gResized = 0;
+struct sigaction gSavedWinch;
+
+void OnResize(int) { gResized = 1; }
 
 // UEFI colour numbers to ANSI ones (black, blue, green, cyan, red, magenta,
 // brown, light gray).
@@ -55,10 +65,15 @@ Terminal::Terminal() {
     Raw.c_cc[VTIME] = 0;
     Raw_ = ::tcsetattr(STDIN_FILENO, TCSANOW, &Raw) == 0;
   }
+  struct sigaction Action = {};
+  Action.sa_handler = OnResize;
+  sigemptyset(&Action.sa_mask);
+  ::sigaction(SIGWINCH, &Action, &gSavedWinch);
   WriteAll("\x1b[?1049h\x1b[?25l\x1b[2J");
 }
 
 Terminal::~Terminal() {
+  ::sigaction(SIGWINCH, &gSavedWinch, nullptr);
   WriteAll("\x1b[0m\x1b[2J\x1b[?25h\x1b[?1049l");
   if (Raw_) {
     ::tcsetattr(STDIN_FILENO, TCSANOW, &gSaved);
@@ -75,7 +90,11 @@ void Terminal::Size(UINTN *Columns, UINTN *Rows) const {
   }
 }
 
-framework::ScreenSink Terminal::Sink() { return {this, Write, Flush}; }
+framework::ScreenSink Terminal::Sink() { return {this, Write, Flush, SizeOf}; }
+
+VOID Terminal::SizeOf(VOID *Context, UINTN *Columns, UINTN *Rows) {
+  static_cast<const Terminal *>(Context)->Size(Columns, Rows);
+}
 framework::KeySource Terminal::Keys() { return {this, ReadKey}; }
 
 VOID Terminal::Write(VOID *Context, UINTN Column, UINTN Row, UINT8 Attribute,
@@ -156,11 +175,23 @@ bool Terminal::DecodeKey(std::string &Bytes, EFI_INPUT_KEY *Key) {
 BOOLEAN Terminal::ReadKey(VOID *Context, EFI_INPUT_KEY *Key) {
   auto &Self = *static_cast<Terminal *>(Context);
   for (;;) {
+    if (gResized != 0) {
+      gResized = 0;
+      // The terminal may have scrolled or kept stale cells: everything is
+      // drawn again at the new size.
+      WriteAll("\x1b[0m\x1b[2J");
+      *Key = {framework::kScanRedraw, 0};
+      return TRUE;
+    }
     if (!Self.Pending_.empty() && Self.Pending_[0] == '\x1b' &&
         Self.Pending_.size() == 1) {
       // Wait a moment for the rest of an escape sequence.
       pollfd Input = {STDIN_FILENO, POLLIN, 0};
-      if (::poll(&Input, 1, 40) <= 0) {
+      int Ready = ::poll(&Input, 1, 40);
+      if (Ready < 0 && errno == EINTR) {
+        continue;
+      }
+      if (Ready <= 0) {
         Self.Pending_.clear();
         *Key = {SCAN_ESC, 0};
         return TRUE;
@@ -170,6 +201,9 @@ BOOLEAN Terminal::ReadKey(VOID *Context, EFI_INPUT_KEY *Key) {
     }
     char Buffer[64];
     ssize_t Read = ::read(STDIN_FILENO, Buffer, sizeof(Buffer));
+    if (Read < 0 && errno == EINTR) {
+      continue;
+    }
     if (Read <= 0) {
       return FALSE;
     }

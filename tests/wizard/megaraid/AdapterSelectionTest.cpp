@@ -373,11 +373,15 @@ TEST_F(AdapterSelectionTest, LanguageChangeRebuildsTheFormattedTexts) {
   ASSERT_EQ(Driver_.SwitchLanguage("fr-FR"), EFI_SUCCESS);
   EXPECT_EQ(Labels()[kConfiguredMegaRaid],
             u"MegaRAID 9560-8i     emplacement PCI 4  (3 disques virtuels "
-            u"créé(s))");
+            u"créés)");
   EXPECT_NE(Labels()[kEmptyMegaRaid].find(u"(aucun disque virtuel créé)"),
             std::u16string::npos);
   EXPECT_EQ(Text(RAID_NODE_FIRMWARE_LABEL),
             u"Version du package de firmware : 52.20.0-4341");
+  // Russian counts of two to four take their own form.
+  ASSERT_EQ(Driver_.SwitchLanguage("ru-RU"), EFI_SUCCESS);
+  EXPECT_NE(Labels()[kConfiguredMegaRaid].find(u"(создано: 3 виртуальных диска)"),
+            std::u16string::npos);
   for (UINT8 Flag : gRaidReInitFlags) {
     EXPECT_EQ(Flag, 1);
   }

@@ -302,9 +302,9 @@ EFI_STATUS HeadlessDriver::SwitchLanguage(const std::string &Code) {
   return EFI_NOT_FOUND;
 }
 
-std::string HeadlessDriver::Dump() const {
+std::string HeadlessDriver::Dump(UINTN Columns, UINTN Rows) const {
   ScreenBuffer Screen = {};
-  if (!AllocateScreen(Screen, Columns_, Rows_)) {
+  if (!AllocateScreen(Screen, Columns, Rows)) {
     return {};
   }
   ComposeScreen(Screen, nullptr);

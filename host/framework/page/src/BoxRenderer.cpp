@@ -3,6 +3,7 @@
 #include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 
+#include "FrameworkState.h"
 #include "framework/Framework.h"
 #include "framework/Text.h"
 #include "framework/TextRenderer.h"
@@ -19,6 +20,7 @@ constexpr CHAR16 kBottomLeft = 0x255A;
 constexpr CHAR16 kBottomRight = 0x255D;
 constexpr CHAR16 kFull = 0x2588;   // █ done part of the progress bar
 constexpr CHAR16 kShade = 0x2591;  // ░ the rest
+constexpr CHAR16 kEllipsis = 0x2026;  // … more text than room
 
 [[nodiscard]] BOOLEAN IsBlank(const CHAR16 *Text) {
   for (; *Text != 0; Text++) {
@@ -57,10 +59,15 @@ VOID DrawFrame(ScreenBuffer &Screen, const Frame &Box, const CHAR16 *Title,
   if (Title != nullptr && TextWidth(Title) != 0 && !IsBlank(Title) &&
       Box.Width > 6) {
     UINTN Width = TextWidth(Title);
-    Width = Width > Box.Width - 6 ? Box.Width - 6 : Width;
+    BOOLEAN Cut = Width > Box.Width - 6;
+    Width = Cut ? Box.Width - 6 : Width;
     UINTN Column = Box.Column + (Box.Width - Width - 2) / 2;
     PutChar(Screen, Column, Box.Row, u' ', look::kBoxTitle);
-    PutText(Screen, Column + 1, Box.Row, Title, Width, look::kBoxTitle);
+    UINTN Used = PutText(Screen, Column + 1, Box.Row, Title,
+                         Cut ? Width - 1 : Width, look::kBoxTitle);
+    if (Cut) {
+      PutChar(Screen, Column + 1 + Used, Box.Row, kEllipsis, look::kBoxTitle);
+    }
     PutChar(Screen, Column + 1 + Width, Box.Row, u' ', look::kBoxTitle);
   }
   if (Footer != nullptr && Box.Width > 6) {
@@ -86,6 +93,8 @@ VOID DrawFrame(ScreenBuffer &Screen, const Frame &Box, const CHAR16 *Title,
 
 // Draws Text wrapped to Width from a position; at most MaxLines lines
 // after skipping Skip of them. Returns the lines drawn.
+// A text cut after its last line shown ends that line in an ellipsis
+// (a scrolled help panel shows the rest).
 UINTN DrawWrapped(ScreenBuffer &Screen, UINTN Column, UINTN Row,
                   const CHAR16 *Text, UINTN Width, UINTN Skip, UINTN MaxLines,
                   UINT8 Attribute) {
@@ -101,21 +110,46 @@ UINTN DrawWrapped(ScreenBuffer &Screen, UINTN Column, UINTN Row,
     PutTextN(Screen, Column, Row + Drawn, Start, Length, Width, Attribute);
     Drawn++;
   }
+  if (Drawn == MaxLines && Drawn != 0 && *Text != 0) {
+    PutChar(Screen, Column + Width - 1, Row + Drawn - 1, kEllipsis, Attribute);
+  }
   return Drawn;
+}
+
+// "[ Yes ]   [ No ]" or "[ OK ]" in the language shown.
+constexpr UINTN kButtonGap = 3;
+
+[[nodiscard]] UINTN ButtonWidth(const CHAR16 *Text) {
+  return TextWidth(Text) + 4;
+}
+
+// The columns the box's buttons take.
+[[nodiscard]] UINTN ButtonsWidth(UINT8 Style) {
+  const FrameTexts &Texts = ScreenTexts();
+  return Style == HOST_MSGBOX_YES_NO
+             ? ButtonWidth(Texts.Yes) + kButtonGap + ButtonWidth(Texts.No)
+             : ButtonWidth(Texts.Ok);
+}
+
+VOID PutButton(ScreenBuffer &Screen, UINTN Column, UINTN Row,
+               const CHAR16 *Text, UINT8 Attribute) {
+  UINTN Used = PutText(Screen, Column, Row, u"[ ", 2, Attribute);
+  Used += PutText(Screen, Column + Used, Row, Text, TextWidth(Text), Attribute);
+  PutText(Screen, Column + Used, Row, u" ]", 2, Attribute);
 }
 
 VOID DrawButtons(ScreenBuffer &Screen, const Frame &Box, UINT8 Style,
                  BOOLEAN AnswerYes) {
+  const FrameTexts &Texts = ScreenTexts();
   UINTN Row = Box.Row + Box.Height - 2;
+  UINTN Column = Box.Column + (Box.Width - ButtonsWidth(Style)) / 2;
   if (Style == HOST_MSGBOX_YES_NO) {
-    UINTN Column = Box.Column + (Box.Width - 17) / 2;
-    PutText(Screen, Column, Row, u"[ Yes ]", 7,
-            AnswerYes ? look::kBoxButton : look::kBox);
-    PutText(Screen, Column + 10, Row, u"[ No ]", 6,
-            AnswerYes ? look::kBox : look::kBoxButton);
+    PutButton(Screen, Column, Row, Texts.Yes,
+              AnswerYes ? look::kBoxButton : look::kBox);
+    PutButton(Screen, Column + ButtonWidth(Texts.Yes) + kButtonGap, Row,
+              Texts.No, AnswerYes ? look::kBox : look::kBoxButton);
   } else {
-    PutText(Screen, Box.Column + (Box.Width - 6) / 2, Row, u"[ OK ]", 6,
-            look::kBoxButton);
+    PutButton(Screen, Column, Row, Texts.Ok, look::kBoxButton);
   }
 }
 
@@ -143,6 +177,8 @@ VOID DrawMessageBox(ScreenBuffer &Screen, const UiOverlay *Overlay) {
   UINTN TitleWidth = TextWidth(Title) + 4;
   Inner = Inner < TitleWidth ? TitleWidth : Inner;
   Inner = Inner < 30 ? 30 : Inner;
+  Inner = Inner < ButtonsWidth(State.Style) ? ButtonsWidth(State.Style) : Inner;
+  Inner = Inner > Limit ? Limit : Inner;
   UINTN Lines = WrappedLineCount(Text, Inner);
   UINTN MaxLines = Screen.Rows - 10;
   Lines = Lines > MaxLines ? MaxLines : Lines;
@@ -165,7 +201,7 @@ VOID DrawHelpPanel(ScreenBuffer &Screen) {
   BodyArea Body = BodyOf(Screen);
   Frame Box = {Screen.Columns / 4, Body.Row - 1, Screen.Columns - Screen.Columns / 4 - 1,
                Body.Height + 2};
-  DrawFrame(Screen, Box, u"Help", u" Esc:Close  \x2191\x2193:Scroll ", look::kBox);
+  DrawFrame(Screen, Box, ScreenTexts().Help, ScreenTexts().HelpKeys, look::kBox);
   UINTN Width = Box.Width - 4;
   UINTN Rows = Box.Height - 2;
   UINTN Skip = State.Scroll;

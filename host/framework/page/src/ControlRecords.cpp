@@ -31,9 +31,11 @@ VOID FreeTable(TableCopy &Table) {
   FreePool(Table.Widths);
   UINT32 Scroll = Table.ScrollTop;
   UINT32 Cursor = Table.CursorColumn;
+  UINT32 First = Table.FirstColumn;
   Table = {};
   Table.ScrollTop = Scroll;
   Table.CursorColumn = Cursor;
+  Table.FirstColumn = First;
 }
 
 // The text of an option or cell: its own text, else its text id's.

@@ -119,6 +119,18 @@ VOID SetTableCursorColumn(HOST_PAGE_NODE *Node, UINT32 Column) {
   }
 }
 
+UINT32 TableFirstColumn(const HOST_PAGE_NODE *Node) {
+  Control *Record = RecordOf(Node);
+  return Record == nullptr ? 0 : Record->Table.FirstColumn;
+}
+
+VOID SetTableFirstColumn(HOST_PAGE_NODE *Node, UINT32 Column) {
+  Control *Record = RecordOf(Node);
+  if (Record != nullptr) {
+    Record->Table.FirstColumn = Column;
+  }
+}
+
 UINT32 RadioCursor(const HOST_PAGE_NODE *Node) {
   Control *Record = RecordOf(Node);
   return Record == nullptr ? 0 : Record->RadioCursor;

@@ -33,6 +33,7 @@ struct TableCopy {
   CellCopy *Cells;
   UINT32 ScrollTop;
   UINT32 CursorColumn;
+  UINT32 FirstColumn;  // the first column shown when the table scrolls sideways
 };
 
 // A control record: the wizard's part first, the framework's behind it.
@@ -117,6 +118,19 @@ struct NoticeTexts {
   const CHAR16 *Text;
 };
 [[nodiscard]] NoticeTexts UnshownQuestionNotice();
+// The texts of the screen's own frame in the current language: the key
+// line, the message boxes' buttons, the help panel's title and keys, and
+// the notice of a screen too small for the pages.
+struct FrameTexts {
+  const CHAR16 *Keys;
+  const CHAR16 *Yes;
+  const CHAR16 *No;
+  const CHAR16 *Ok;
+  const CHAR16 *Help;
+  const CHAR16 *HelpKeys;
+  const CHAR16 *Enlarge;
+};
+[[nodiscard]] const FrameTexts &ScreenTexts();
 // Focus repair after states changed: the focus leaves a control that can no
 // longer take it.
 VOID RepairFocus();

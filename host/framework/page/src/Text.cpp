@@ -74,6 +74,31 @@ UINTN TextWidth(const CHAR16 *Text) {
   return Width;
 }
 
+namespace {
+
+// Punctuation a line may not start with (CJK line-breaking rules).
+[[nodiscard]] BOOLEAN ClosesPhrase(CHAR16 Char) {
+  switch (Char) {
+    case 0x3001:  // 、
+    case 0x3002:  // 。
+    case 0xFF0C:  // ，
+    case 0xFF0E:  // ．
+    case 0xFF1A:  // ：
+    case 0xFF1B:  // ；
+    case 0xFF01:  // ！
+    case 0xFF1F:  // ？
+    case 0xFF09:  // ）
+    case 0x300D:  // 」
+    case 0x300F:  // 』
+    case 0x30FC:  // ー
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+}  // namespace
+
 BOOLEAN NextWrappedLine(const CHAR16 **Text, UINTN Width, UINTN *Length) {
   const CHAR16 *Start = *Text;
   if (Start == nullptr || *Start == 0) {
@@ -84,16 +109,23 @@ BOOLEAN NextWrappedLine(const CHAR16 **Text, UINTN Width, UINTN *Length) {
   }
   UINTN Used = 0;
   UINTN Index = 0;
-  UINTN LastBlank = 0;
-  BOOLEAN HaveBlank = FALSE;
+  // The last place the line may end: at a blank (dropped), or between two
+  // characters of which one is wide (CJK text breaks between characters).
+  UINTN Break = 0;
+  BOOLEAN BreakAtBlank = FALSE;
   while (Start[Index] != 0 && !IsLineBreak(Start[Index])) {
     UINTN Columns = CharWidth(Start[Index]);
     if (Used + Columns > Width && Index != 0) {
       break;
     }
     if (Start[Index] == u' ') {
-      LastBlank = Index;
-      HaveBlank = TRUE;
+      Break = Index;
+      BreakAtBlank = TRUE;
+    } else if (Index != 0 && Start[Index - 1] != u' ' &&
+               (Columns == 2 || CharWidth(Start[Index - 1]) == 2) &&
+               !ClosesPhrase(Start[Index])) {
+      Break = Index;
+      BreakAtBlank = FALSE;
     }
     Used += Columns;
     Index++;
@@ -104,14 +136,23 @@ BOOLEAN NextWrappedLine(const CHAR16 **Text, UINTN Width, UINTN *Length) {
     SkipLineBreak(Text);
     return TRUE;
   }
-  // The line is full: break at its last blank, or inside the word when the
-  // word alone is wider than the line.
+  // The line is full: end it at the break found last, or inside the word
+  // when the word alone is wider than the line.
   if (Start[Index] == u' ') {
     *Length = Index;
     *Text = Start + Index + 1;
-  } else if (HaveBlank && LastBlank != 0) {
-    *Length = LastBlank;
-    *Text = Start + LastBlank + 1;
+  } else if (Break != 0 && !ClosesPhrase(Start[Index])) {
+    // A break just before the character that did not fit is as good.
+    UINTN End = (CharWidth(Start[Index]) == 2 || CharWidth(Start[Index - 1]) == 2) &&
+                        Start[Index - 1] != u' '
+                    ? Index
+                    : Break;
+    BOOLEAN Blank = End == Break && BreakAtBlank;
+    *Length = End;
+    *Text = Start + End + (Blank ? 1 : 0);
+  } else if (Break != 0) {
+    *Length = Break;
+    *Text = Start + Break + (BreakAtBlank ? 1 : 0);
   } else {
     *Length = Index;
     *Text = Start + Index;

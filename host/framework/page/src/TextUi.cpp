@@ -162,9 +162,19 @@ VOID ActivateCell(TextUi &Ui, HOST_PAGE_NODE *Node, UINT32 Row) {
       Target = Rows - 1;
       break;
     case SCAN_LEFT:
-    case SCAN_RIGHT:
+    case SCAN_RIGHT: {
+      UINT32 Before = TableCursorColumn(Node);
       MoveCellCursor(Node, Row, Key.ScanCode == SCAN_LEFT ? -1 : 1);
+      if (TableCursorColumn(Node) == Before) {
+        // No cell to move to: a table wider than its place scrolls
+        // sideways (the renderer keeps the view inside the table).
+        UINT32 First = TableFirstColumn(Node);
+        SetTableFirstColumn(Node, Key.ScanCode == SCAN_LEFT
+                                      ? (First > 1 ? First - 1 : First)
+                                      : First + 1);
+      }
       return TRUE;
+    }
     default:
       if (Key.UnicodeChar == kCharCarriageReturn || Key.UnicodeChar == u' ') {
         ActivateCell(Ui, Node, Row);
@@ -350,9 +360,50 @@ HostServices TextUiServices(TextUi &Ui) {
   return Services;
 }
 
+namespace {
+
+[[nodiscard]] BOOLEAN IsRedrawKey(const EFI_INPUT_KEY &Key) {
+  return Key.ScanCode == kScanRedraw ||
+         (Key.ScanCode == SCAN_NULL && Key.UnicodeChar == kCharRedraw);
+}
+
+// Takes the console's size when it changed: new screens, all drawn. The
+// old screens stay when memory for the new ones is short.
+VOID FollowConsoleSize(TextUi &Ui) {
+  if (Ui.Sink.Size == nullptr) {
+    return;
+  }
+  UINTN Columns = 0;
+  UINTN Rows = 0;
+  Ui.Sink.Size(Ui.Sink.Context, &Columns, &Rows);
+  ScreenBuffer Next = {};
+  ScreenBuffer Shown = {};
+  if (!AllocateScreen(Next, Columns, Rows)) {
+    return;
+  }
+  if (Next.Columns == Ui.Next.Columns && Next.Rows == Ui.Next.Rows) {
+    FreeScreen(Next);
+    return;
+  }
+  if (!AllocateScreen(Shown, Columns, Rows)) {
+    FreeScreen(Next);
+    return;
+  }
+  FreeScreen(Ui.Next);
+  FreeScreen(Ui.Shown);
+  Ui.Next = Next;
+  Ui.Shown = Shown;
+  Ui.FullFrame = TRUE;
+}
+
+}  // namespace
+
 VOID TextUiRender(TextUi &Ui) {
   if (!Ui.Started) {
     return;
+  }
+  if (Ui.FullFrame) {
+    FollowConsoleSize(Ui);
   }
   if (Ui.Overlay.DropDown != nullptr &&
       (CurrentPage() == nullptr || !IsFocusable(Ui.Overlay.DropDown))) {
@@ -366,6 +417,10 @@ VOID TextUiRender(TextUi &Ui) {
 VOID TextUiInvalidate(TextUi &Ui) { Ui.FullFrame = TRUE; }
 
 BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key) {
+  if (IsRedrawKey(Key)) {
+    TextUiInvalidate(Ui);
+    return TRUE;
+  }
   if (Help().Open) {
     HandleHelpKey(Key);
     return TRUE;
@@ -424,6 +479,11 @@ BOOLEAN TextUiAsk(TextUi &Ui) {
   TextUiRender(Ui);
   EFI_INPUT_KEY Key = {};
   while (Ui.Keys.ReadKey != nullptr && Ui.Keys.ReadKey(Ui.Keys.Context, &Key)) {
+    if (IsRedrawKey(Key)) {
+      TextUiInvalidate(Ui);
+      TextUiRender(Ui);
+      continue;
+    }
     if (!YesNo) {
       if (Key.UnicodeChar == kCharCarriageReturn || Key.UnicodeChar == u' ' ||
           Key.ScanCode == SCAN_ESC) {

@@ -49,6 +49,37 @@ VOID Write(VOID *Context, UINTN Column, UINTN Row, UINT8 Attribute,
   }
 }
 
+VOID Size(VOID *Context, UINTN *Columns, UINTN *Rows) {
+  UefiConsoleSize(*static_cast<UefiConsole *>(Context), Columns, Rows);
+}
+
+// Sets the console's largest text mode (up to the largest screen the
+// renderer draws): the pages use the room there is.
+VOID UseLargestMode(EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL *Out) {
+  if (Out->Mode == nullptr) {
+    return;
+  }
+  INT32 Best = Out->Mode->Mode;
+  UINTN BestCells = 0;
+  for (INT32 Mode = 0; Mode < Out->Mode->MaxMode; Mode++) {
+    UINTN Columns = 0;
+    UINTN Rows = 0;
+    if (Out->QueryMode(Out, static_cast<UINTN>(Mode), &Columns, &Rows) !=
+            EFI_SUCCESS ||
+        Columns > kMaxColumns || Rows > kMaxRows) {
+      continue;
+    }
+    if (Columns * Rows > BestCells) {
+      Best = Mode;
+      BestCells = Columns * Rows;
+    }
+  }
+  if (Best != Out->Mode->Mode) {
+    // A mode the console refuses leaves the one it has.
+    (VOID) Out->SetMode(Out, static_cast<UINTN>(Best));
+  }
+}
+
 }  // namespace
 
 VOID UefiConsoleOpen(UefiConsole &Console, EFI_SYSTEM_TABLE *SystemTable) {
@@ -61,6 +92,7 @@ VOID UefiConsoleOpen(UefiConsole &Console, EFI_SYSTEM_TABLE *SystemTable) {
   Console.In = SystemTable->ConIn;
   Console.BootServices = SystemTable->BootServices;
   if (Console.Out != nullptr) {
+    UseLargestMode(Console.Out);
     Console.Out->EnableCursor(Console.Out, FALSE);
     Console.Out->ClearScreen(Console.Out);
   }
@@ -84,7 +116,7 @@ VOID UefiConsoleSize(const UefiConsole &Console, UINTN *Columns, UINTN *Rows) {
 }
 
 ScreenSink UefiConsoleSink(UefiConsole &Console) {
-  return {&Console, Write, nullptr};
+  return {&Console, Write, nullptr, Size};
 }
 
 KeySource UefiConsoleKeys(UefiConsole &Console) { return {&Console, ReadKey}; }

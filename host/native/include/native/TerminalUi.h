@@ -31,6 +31,7 @@ class Terminal {
   static VOID Write(VOID *Context, UINTN Column, UINTN Row, UINT8 Attribute,
                     const CHAR16 *Text, UINTN Length);
   static VOID Flush(VOID *Context);
+  static VOID SizeOf(VOID *Context, UINTN *Columns, UINTN *Rows);
   static BOOLEAN ReadKey(VOID *Context, EFI_INPUT_KEY *Key);
 
   std::string Frame_;

@@ -101,8 +101,10 @@ class HeadlessDriver {
   [[nodiscard]] EFI_STATUS SwitchLanguage(const std::string &Code);
   void ReturnToModule();
 
-  // The screen as the operator would see it now, as UTF-8 text.
-  [[nodiscard]] std::string Dump() const;
+  // The screen as the operator would see it now, as UTF-8 text; at the
+  // driver's size or at another.
+  [[nodiscard]] std::string Dump() const { return Dump(Columns_, Rows_); }
+  [[nodiscard]] std::string Dump(UINTN Columns, UINTN Rows) const;
 
  private:
   [[nodiscard]] static BOOLEAN Ask(VOID *Context);

@@ -176,6 +176,9 @@ struct CellView {
 VOID SetTableScrollTop(HOST_PAGE_NODE *Node, UINT32 Top);
 [[nodiscard]] UINT32 TableCursorColumn(const HOST_PAGE_NODE *Node);
 VOID SetTableCursorColumn(HOST_PAGE_NODE *Node, UINT32 Column);
+// The first column a table too wide for its place shows.
+[[nodiscard]] UINT32 TableFirstColumn(const HOST_PAGE_NODE *Node);
+VOID SetTableFirstColumn(HOST_PAGE_NODE *Node, UINT32 Column);
 // The option under a radio group's cursor.
 [[nodiscard]] UINT32 RadioCursor(const HOST_PAGE_NODE *Node);
 VOID SetRadioCursor(HOST_PAGE_NODE *Node, UINT32 Option);

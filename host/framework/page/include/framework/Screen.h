@@ -37,13 +37,14 @@ struct ScreenBuffer {
 };
 
 // A console: Write puts Length characters of one attribute at a position
-// (never past the row's end); Flush ends a frame. SetCursor, when not NULL,
-// shows the cursor at a cell or hides it (Visible FALSE).
+// (never past the row's end); Flush ends a frame. Size, when not NULL,
+// gives the console's size now (a terminal window can be resized).
 struct ScreenSink {
   VOID *Context;
   VOID (*Write)(VOID *Context, UINTN Column, UINTN Row, UINT8 Attribute,
                 const CHAR16 *Text, UINTN Length);
   VOID (*Flush)(VOID *Context);
+  VOID (*Size)(VOID *Context, UINTN *Columns, UINTN *Rows);
 };
 
 // Allocates a screen (sizes clamped to the limits above); FALSE when memory

@@ -31,6 +31,7 @@ constexpr UINT8 kRule = attr::Make(attr::kCyan, attr::kBlue);
 constexpr UINT8 kField = attr::Make(attr::kBlack, attr::kLightGray);
 constexpr UINT8 kFieldGrayed = attr::Make(attr::kDarkGray, attr::kBlue);
 constexpr UINT8 kFocus = attr::Make(attr::kBlack, attr::kCyan);
+constexpr UINT8 kFocusGrayed = attr::Make(attr::kDarkGray, attr::kCyan);
 constexpr UINT8 kHeading = attr::Make(attr::kYellow, attr::kBlue);
 constexpr UINT8 kSelected = attr::Make(attr::kBlue, attr::kLightGray);
 constexpr UINT8 kCellCursor = attr::Make(attr::kWhite, attr::kBlack);
@@ -48,6 +49,28 @@ struct BodyArea {
   UINTN Height;
 };
 [[nodiscard]] BodyArea BodyOf(const ScreenBuffer &Screen);
+
+// The smallest screen the pages are laid out for; below it the screen
+// shows only a notice to enlarge the window.
+constexpr UINTN kLayoutColumns = 80;
+constexpr UINTN kLayoutRows = 25;
+[[nodiscard]] BOOLEAN ScreenTooSmall(const ScreenBuffer &Screen);
+
+// What the layout check found in the last page drawn: cells where one
+// control's text ran into another's, and texts cut with nothing on the
+// screen to show it (a cut text that ends in an ellipsis is not counted).
+// The first fault is described by the two node ids and its cell.
+struct LayoutFaults {
+  UINT32 Overlaps;
+  UINT32 Cuts;
+  UINT32 NodeId;
+  UINT32 OtherNodeId;
+  UINT16 Column;
+  UINT16 Row;
+};
+// Checks every page drawn from now on: Owners holds a cell per screen
+// cell, Faults the result. NULL, NULL ends the check.
+VOID CheckLayout(UINT16 *Owners, LayoutFaults *Faults);
 
 // Draws everything the operator sees now. Overlay may be NULL.
 VOID ComposeScreen(ScreenBuffer &Screen, const UiOverlay *Overlay);

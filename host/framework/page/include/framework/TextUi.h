@@ -8,7 +8,8 @@
 // between a table row's cells, step a slider, turn a combo box; PgUp/PgDn,
 // Home/End page through tables and sliders; Enter/Space press, choose,
 // toggle or open a drop-down list; typing edits an edit box (Backspace
-// deletes); F1 help; F2 the next language; Esc/F10 leave.
+// deletes); F1 help; F2 the next language; Ctrl-L redraws the screen;
+// Esc/F10 leave.
 #pragma once
 
 #include <Uefi.h>
@@ -21,6 +22,10 @@ namespace framework {
 
 // Scan code for Shift+Tab, which UEFI consoles do not report.
 constexpr UINT16 kScanShiftTab = 0x7F01;
+// Scan code a console reports when its size changed: the whole screen is
+// drawn again at the new size (as Ctrl-L does at any time).
+constexpr UINT16 kScanRedraw = 0x7F02;
+constexpr CHAR16 kCharRedraw = 0x000C;  // Ctrl-L
 constexpr CHAR16 kCharBackspace = 0x0008;
 constexpr CHAR16 kCharTab = 0x0009;
 constexpr CHAR16 kCharCarriageReturn = 0x000D;
@@ -51,7 +56,8 @@ VOID TextUiStop(TextUi &Ui);
 [[nodiscard]] HostServices TextUiServices(TextUi &Ui);
 // Draws the current state (only what changed since the last frame).
 VOID TextUiRender(TextUi &Ui);
-// Redraws every cell on the next render (after the console was cleared).
+// Redraws every cell on the next render (after the console was cleared),
+// at the console's size then.
 VOID TextUiInvalidate(TextUi &Ui);
 // Handles one key; FALSE when the operator leaves.
 [[nodiscard]] BOOLEAN TextUiHandleKey(TextUi &Ui, const EFI_INPUT_KEY &Key);
