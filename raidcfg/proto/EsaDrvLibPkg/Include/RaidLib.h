@@ -74,6 +74,9 @@
 
 // RAID_CONTROLLER_PRIVATE.Flags bit 0: the cached tool output is valid.
 #define RAID_FLAG_OUTPUT_VALID 0x00000001U
+// Flags bit 1: the last read of the adapter got at least one tool output
+// cut at its buffer's end; the model lacks what was cut.
+#define RAID_FLAG_OUTPUT_CUT 0x00000002U
 
 // ---- Size units (SizeUnit, FreeCapacityUnit) -------------------------------
 

@@ -5,6 +5,8 @@
 
 #include <Uefi.h>
 
+#include "RaidLib.h"
+
 // The shared output buffer: 80960 bytes of CHAR16 text.
 #define RAID_TOOL_OUTPUT_SIZE 80960
 // Command lines are formatted into 200 bytes: at most 100 characters with
@@ -62,10 +64,37 @@ typedef struct {
 // whose size the runner sets before the call. The output is cleared to an
 // empty string first, so a failed run leaves no stale text. A line that
 // does not fit its buffer is refused as RaidLibFormatCommand refuses it,
-// and nothing is run. Returns the shell service's status, or the refusal.
+// and nothing is run. An output the service cut is noted
+// (RaidLibNoteCutOutput) and counts as arrived: EFI_SUCCESS, the size word
+// the bytes that landed. Returns the shell service's status, or the
+// refusal.
 [[nodiscard]] EFI_STATUS EFIAPI RaidLibRunTool(const RAID_TOOL_RUN &Run,
                                                UINT32 *ErrorCode,
                                                const CHAR16 *Format, ...);
+
+// An output that did not fit its buffer, whether the shell-command service
+// cut it (EFI_BUFFER_TOO_SMALL) or a backend keeps only its head: traced
+// under Caller as "[<Caller>]Tool output cut: it needs <n> bytes, the
+// buffer holds <m>; read as far as it arrived", and the controller being
+// read, if any, is marked RAID_FLAG_OUTPUT_CUT. The parsers read what
+// arrived, as with any output.
+VOID RaidLibNoteCutOutput(const CHAR8 *Caller, UINTN NeededBytes,
+                          UINTN HeldBytes);
+
+// The read of one controller's configuration, from its first run to the
+// end of its scope: a cut output met meanwhile marks the controller. The
+// mark of its previous read goes when the new read starts, so the mark
+// always speaks of the model as it stands.
+class RaidLibReadScope {
+ public:
+  explicit RaidLibReadScope(RAID_CONTROLLER *Controller);
+  ~RaidLibReadScope();
+  RaidLibReadScope(const RaidLibReadScope &) = delete;
+  RaidLibReadScope &operator=(const RaidLibReadScope &) = delete;
+
+ private:
+  RAID_CONTROLLER *Outer_;
+};
 
 // Marks a run whose status is deliberately not looked at: the caller judges
 // the tool's output (a failed or refused run left it empty), or, where the
