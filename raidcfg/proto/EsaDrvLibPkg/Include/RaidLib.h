@@ -28,6 +28,10 @@
 // did not fit its buffer, so the operation refused and ran nothing rather
 // than run a cut text.
 #define RAID_ERROR_BUFFER_TOO_SMALL 0x00200005U
+// A text for a command line (a volume name) would not reach the tool as
+// the one word it stands for, so nothing was run. Chosen for its message,
+// "Input parameters are invalid".
+#define RAID_ERROR_NOT_ONE_WORD 0x00200003U
 
 // The error code for a firmware service that failed with Status.
 [[nodiscard]] constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {

@@ -68,7 +68,7 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
   ZeroMem(gMchpGetconfigOutput, MCHP_GETCONFIG_COPY_BYTES);
   RaidLibOutputJudgedByCaller(RaidLibRunTool(
       {__func__, MCHP_READ_COMMAND_CHARS, gMchpGetconfigOutput,
-       MCHP_GETCONFIG_OUTPUT_BYTES},
+       MCHP_GETCONFIG_OUTPUT_BYTES, RAID_TOOL_WORD_PLAIN},
       ErrorCode, u"%S getconfig %d", Controller->Capability->ToolName,
       Own->CardId));
   // Both parsers cut the text in place, so the second reads a copy, of the

@@ -69,35 +69,6 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
 
 namespace {
 
-// Formats a command line, refusing one that was cut.
-[[nodiscard]] EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                                       UINTN CommandChars, UINT32 *ErrorCode,
-                                       const CHAR16 *Format, VA_LIST Marker) {
-  if (RaidLibVFormat(CommandLine, CommandChars, Format, Marker)) {
-    return EFI_SUCCESS;
-  }
-  *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
-  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
-                    "[%a]Command does not fit in %u characters, not run: %S\n",
-                    static_cast<UINT32>(CommandChars), CommandLine);
-  return EFI_BUFFER_TOO_SMALL;
-}
-
-}  // namespace
-
-EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                                       UINTN CommandChars, UINT32 *ErrorCode,
-                                       const CHAR16 *Format, ...) {
-  VA_LIST Marker;
-  VA_START(Marker, Format);
-  EFI_STATUS Status = FormatCommand(Caller, CommandLine, CommandChars,
-                                    ErrorCode, Format, Marker);
-  VA_END(Marker);
-  return Status;
-}
-
-namespace {
-
 // Formats, traces and runs one command line.
 [[nodiscard]] EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
                                  const CHAR16 *Format, VA_LIST Marker) {
@@ -116,8 +87,8 @@ namespace {
     Run.Output[0] = 0;
   }
   CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
-  Status = FormatCommand(Run.Caller, CommandLine, CommandChars, ErrorCode,
-                         Format, Marker);
+  Status = RaidLibVFormatCommand(Run.Caller, CommandLine, CommandChars,
+                                 Run.Words, ErrorCode, Format, Marker);
   if (EFI_ERROR(Status)) {
     return Status;
   }
