@@ -84,4 +84,35 @@ TEST(RaidLibCommandLine, ATextReachesTheToolAsOneWordOrNothingRuns) {
   }
 }
 
+// The longest tool name raid.xml may give fits every family's shortest
+// line with ids at their widest; one that does not fit is refused whole.
+TEST(RaidLibCommandLine, TheLongestToolNameFitsAndALongerLineIsRefused) {
+  test::ScopedTestPool Pool;
+  test::TraceCapture Trace;
+  const std::u16string Tool =
+      std::u16string(RAID_TOOL_NAME_CHARS - 4, u't') + u".efi";
+  ASSERT_TRUE(RaidLibIsToolFileName(Tool.c_str()));
+  CHAR16 Line[M2_COMMAND_CHARS];
+  UINT32 ErrorCode = 0;
+  EXPECT_EQ(RaidLibFormatCommand(
+                "Caller", Line, M2_COMMAND_CHARS, M2_TOOL_WORDS, &ErrorCode,
+                u"%S %d delete -o vd -i %d -f --waiveconfirmation",
+                Tool.c_str(), -2147483647 - 1, -2147483647 - 1),
+            EFI_SUCCESS);
+  EXPECT_EQ(ErrorCode, 0u);
+  const std::u16string Longer = std::u16string(80, u't') + u".efi";
+  EXPECT_EQ(RaidLibFormatCommand("Caller", Line, M2_COMMAND_CHARS,
+                                 M2_TOOL_WORDS, &ErrorCode,
+                                 u"%S %d delete -o vd -i %d -f "
+                                 u"--waiveconfirmation",
+                                 Longer.c_str(), 0, 0),
+            EFI_BUFFER_TOO_SMALL);
+  EXPECT_EQ(ErrorCode, RAID_ERROR_BUFFER_TOO_SMALL);
+  ASSERT_EQ(Trace.Lines().size(), 1u);
+  EXPECT_EQ(Trace.Lines()[0].rfind("[Caller]Command does not fit in 100 "
+                                   "characters, not run: ",
+                                   0),
+            0u);
+}
+
 }  // namespace

@@ -64,6 +64,16 @@ extern UINT32 gRaidCurrentCardId;
                                                const CHAR16 *Format,
                                                VA_LIST Marker);
 
+// The longest tool name raid.xml may give: with it, every command line of
+// every family fits its buffer whatever the ids it carries.
+#define RAID_TOOL_NAME_CHARS 32
+
+// TRUE when Name is a tool's file name as the command lines take it: 1 to
+// RAID_TOOL_NAME_CHARS letters, digits, "_", "-" and ".", not beginning
+// with "-" or ".", ending in ".efi" (any case). raid.xml is checked with it
+// once, when the profile is read.
+[[nodiscard]] BOOLEAN RaidLibIsToolFileName(const CHAR16 *Name);
+
 // One run of a vendor tool: the operation that runs it (named in the
 // "Command:" trace), the buffer its command line is formatted into, and
 // where its output lands. The output buffer and its size come with the run:

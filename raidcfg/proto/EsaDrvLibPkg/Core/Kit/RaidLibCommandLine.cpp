@@ -140,6 +140,38 @@ CHAR16 TakeConversion(const CHAR16 *&Cursor, VA_LIST &Marker,
 
 }  // namespace
 
+BOOLEAN RaidLibIsToolFileName(const CHAR16 *Name) {
+  if (Name == nullptr || Name[0] == u'-' || Name[0] == u'.') {
+    return FALSE;
+  }
+  UINTN Length = 0;
+  for (; Name[Length] != 0; Length++) {
+    const CHAR16 Char = Name[Length];
+    const bool Plain = (Char >= u'a' && Char <= u'z') ||
+                       (Char >= u'A' && Char <= u'Z') ||
+                       (Char >= u'0' && Char <= u'9') || Char == u'_' ||
+                       Char == u'-' || Char == u'.';
+    if (!Plain || Length == RAID_TOOL_NAME_CHARS) {
+      return FALSE;
+    }
+  }
+  constexpr UINTN kSuffix = 4;  // ".efi"
+  if (Length <= kSuffix) {
+    return FALSE;
+  }
+  const CHAR16 *Suffix = Name + Length - kSuffix;
+  const CHAR16 Lower[kSuffix] = {u'.', u'e', u'f', u'i'};
+  for (UINTN I = 0; I < kSuffix; I++) {
+    const CHAR16 Char = (Suffix[I] >= u'A' && Suffix[I] <= u'Z')
+                            ? static_cast<CHAR16>(Suffix[I] + (u'a' - u'A'))
+                            : Suffix[I];
+    if (Char != Lower[I]) {
+      return FALSE;
+    }
+  }
+  return TRUE;
+}
+
 BOOLEAN RaidLibToolWord(const CHAR8 *Caller, const CHAR16 *Text, UINT32 Words,
                         UINT32 *ErrorCode) {
   if (IsOneWord(Text, Words)) {
