@@ -111,7 +111,8 @@ VOID CreateOnNewDisks(const CHAR8 *Caller, RAID_VOLUME_PARAMETER *Parameter,
   INT32 Size = Gb > 0x7FFFFFFF ? 0x7FFFFFFF : static_cast<INT32>(Gb);
   INT32 Level = Parameter->RaidLevel;
   INT32 Stripe = static_cast<INT32>(Parameter->StripeSize);
-  RAID_TOOL_RUN Run = RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
+  RAID_TOOL_RUN Run =
+      RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
   const CHAR16 *Name = NameOf(Parameter);
   EFI_STATUS Status;
   if (Level == 1) {
@@ -150,7 +151,8 @@ VOID CreateInArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
   }
   INT32 Level = Array->RaidLevel;
   INT32 Stripe = static_cast<INT32>(Parameter->StripeSize);
-  RAID_TOOL_RUN Run = RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
+  RAID_TOOL_RUN Run =
+      RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
   const CHAR16 *Name = NameOf(Parameter);
   EFI_STATUS Status =
       Level == 1
