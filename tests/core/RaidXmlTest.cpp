@@ -5,6 +5,7 @@
 #include "RaidLib.h"
 #include "RaidXml.h"
 
+#include <algorithm>
 #include <fstream>
 #include <initializer_list>
 #include <sstream>
@@ -171,6 +172,48 @@ TEST_F(RaidXmlCallbacks, ABlockForAnAbsentFamilyIsFreedAtItsEnd) {
   End(u"CONTROLLER");
   EXPECT_EQ(gCapability, nullptr);
   EXPECT_EQ(Lsi->Capability, nullptr);
+}
+
+// A tool name no command line can carry whole is refused once, when the
+// profile is read: the family's adapters get no profile, as if raid.xml did
+// not name them, instead of each command failing or being cut later.
+TEST_F(RaidXmlCallbacks, AToolNameThatIsNoShortEfiFileNameWithholdsTheProfile) {
+  const std::u16string Longest = std::u16string(28, u's') + u".efi";
+  const struct {
+    std::u16string Tool;
+    bool Taken;
+  } Cases[] = {
+      {u"storcli.efi", true},
+      {u"RCfgSata_v2-1.EFI", true},
+      {Longest, true},
+      {u"s" + Longest, false},  // one character too many
+      {std::u16string(81, u's') + u".efi", false},
+      {u"storcli", false},
+      {u".efi", false},
+      {u"-h.efi", false},
+      {u"fs0:\\storcli.efi", false},
+      {u"stor cli.efi", false},
+      {u"storcli.efi /c0", false},
+      {u"", false},
+  };
+  for (const auto &Case : Cases) {
+    SCOPED_TRACE(Narrow(Case.Tool.c_str()));
+    RAID_CONTROLLER *Lsi = test::AddController(0, u"LSI", 0x1000);
+    Trace_.Clear();
+    Start(u"CONTROLLER", {u"ID", u"LSI"});
+    Leaf(u"TOOL", {u"ID", Case.Tool.c_str()});
+    End(u"CONTROLLER");
+    EXPECT_EQ(gCapability, nullptr);
+    EXPECT_EQ(Lsi->Capability != nullptr, Case.Taken);
+    const std::string Refusal =
+        "[RaidXmlTagStart]Tool name of LSI (" +
+        std::to_string(Case.Tool.size()) +
+        " characters) is no file name of up to 32 characters ending in .efi: "
+        "its adapters get no profile\n";
+    EXPECT_EQ(std::count(Trace_.Lines().begin(), Trace_.Lines().end(), Refusal),
+              Case.Taken ? 0 : 1);
+    test::FreeAllControllers();
+  }
 }
 
 TEST_F(RaidXmlCallbacks, OnlyMatchedControllersWithThatExactStorageIdReceive) {

@@ -2,6 +2,8 @@
 // scenario's PCI functions, SMBIOS slots, slot inventory and volume files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "HostTestSupport.h"
 
 namespace host_test {
@@ -55,6 +57,7 @@ TEST(ModelDump, OneControllerPerFamilyAsTheProductDataSays) {
     EXPECT_EQ(Private["SubDeviceId"], Want.SubDeviceId);
     EXPECT_EQ(Private["Signature"], Want.Signature);
     EXPECT_EQ(Private["CardId"], Want.CardId);
+    EXPECT_EQ(Got["OutputCut"], 0);
     ASSERT_TRUE(Got["Capability"].is_object());
     EXPECT_EQ(Got["Capability"]["ControllerName"], Want.StorageId);
     EXPECT_EQ(Got["Capability"]["ToolName"], Want.ToolName);
@@ -95,7 +98,8 @@ TEST(ModelDump, ControllerAndPrivateKeysInOrder) {
                 "Id", "ToolType", "Name", "FirmwareVersion", "SerialNumber",
                 "SlotNumber", "DiskDriveCount", "UnconfiguredDriveCount",
                 "GlobalSpareCount", "DriveTable", "PhysicalDrives",
-                "SpareDrives", "Arrays", "Private", "Capability"}));
+                "SpareDrives", "Arrays", "Private", "Capability",
+                "OutputCut"}));
   EXPECT_EQ(KeysOf(Controller["Private"]),
             (std::vector<std::string>{
                 "CardId", "StorageId", "ProductName", "Bus", "Device",
@@ -114,6 +118,95 @@ TEST(ModelDump, DriveKeysInOrderWithAllFivePositionValues) {
                                       "Role", "Position"}));
   EXPECT_EQ(Drives[1]["Location"], "252:1");
   EXPECT_EQ(Drives[1]["Position"], host::ModelJson({252, 1, 0, 0, 0}));
+}
+
+// Drives "<prefix><n>" for n in [0, Count).
+json Addresses(const std::string &Prefix, int First, int Count) {
+  json List = json::array();
+  for (int N = First; N < First + Count; N++) {
+    List.push_back(Prefix + std::to_string(N));
+  }
+  return List;
+}
+
+// A MegaRAID adapter with 240 drives in eight RAID 0 groups: its "/c0 show"
+// is larger than the shared output buffer.
+json LargeMegaRaid() {
+  json Adapter = {{"family", "megaraid"}, {"pciFunction", "megaraid"}};
+  for (int Slot = 0; Slot < 240; Slot++) {
+    Adapter["drives"].push_back(
+        {{"address", "252:" + std::to_string(Slot)}, {"sizeMb", 953344}});
+  }
+  for (int Group = 0; Group < 8; Group++) {
+    Adapter["driveGroups"].push_back(
+        {{"members", Addresses("252:", Group * 30, 30)},
+         {"virtualDrives",
+          {{{"name", "vd" + std::to_string(Group)}, {"sizeMb", 102400}}}}});
+  }
+  return Adapter;
+}
+
+// A SmartRAID adapter whose getconfig report is larger than the head of
+// it the backend keeps for its second parse.
+json LargeSmartRaid() {
+  json Adapter = {{"family", "microchip"}, {"pciFunction", "smartraid"},
+                  {"slot", 6}};
+  for (int Device = 0; Device < 240; Device++) {
+    Adapter["devices"].push_back(
+        {{"address", "0:" + std::to_string(Device)}, {"sizeMb", 953344}});
+  }
+  for (int Array = 0; Array < 8; Array++) {
+    Adapter["arrays"].push_back(
+        {{"raidLevel", 0},
+         {"members", Addresses("0:", Array * 30, 30)},
+         {"logicalDrives", {{{"name", "ld" + std::to_string(Array)}}}}});
+  }
+  return Adapter;
+}
+
+// An output cut at its buffer's end is read as far as it arrived, but the
+// loss is traced and the controller marked; the other adapters are not.
+TEST(ModelDump, ACutToolOutputIsTracedAndMarksItsController) {
+  const struct {
+    const char *Family;
+    json Adapter;
+    std::size_t Controller;  // its place in the dump
+    const char *Caller;
+    const char *Held;  // bytes the cut buffer holds
+  } Cases[] = {
+      {"megaraid", LargeMegaRaid(), 0, "LsiGetControllerInfo", "80960"},
+      {"microchip", LargeSmartRaid(), 1, "MchpGetControllerInfo", "404800"},
+  };
+  for (const auto &Case : Cases) {
+    SCOPED_TRACE(Case.Family);
+    json Scenario = FourFamilyScenario();
+    json &Adapters = Scenario["adapters"];
+    if (Adapters[0]["family"] == Case.Family) {
+      Adapters[0] = Case.Adapter;
+    } else {
+      Adapters.push_back(Case.Adapter);
+    }
+    DumpRun Run = RunDump(Scenario);
+    ASSERT_EQ(Run.Model["status"], "Success");
+    const auto &Controllers = Run.Model["controllers"];
+    for (std::size_t I = 0; I < Controllers.size(); I++) {
+      EXPECT_EQ(Controllers[I]["OutputCut"], I == Case.Controller ? 1 : 0)
+          << "controller " << I;
+    }
+    const std::string Head =
+        std::string("[") + Case.Caller + "]Tool output cut: it needs ";
+    const std::string Tail = std::string(" bytes, the buffer holds ") +
+                             Case.Held + "; read as far as it arrived";
+    EXPECT_TRUE(std::any_of(Run.Trace.begin(), Run.Trace.end(),
+                            [&](const std::string &Line) {
+                              return Line.rfind(Head, 0) == 0 &&
+                                     Line.find(Tail) != std::string::npos;
+                            }))
+        << Head << "..." << Tail;
+    // What arrived is read: the cut drops drives, not the controller.
+    EXPECT_GT(Controllers[Case.Controller]["DiskDriveCount"], 100);
+    EXPECT_EQ(Run.LeakReport, "");
+  }
 }
 
 TEST(ModelDump, NoPoolAllocationOutlivesTheRun) {

@@ -127,30 +127,41 @@ ReplayEntry *NextOutput(const CHAR16 *CommandLine) {
   return Last;
 }
 
-// Copies the recorded bytes as CHAR16 into Output, cut to fit.
-VOID CopyOutput(const ReplayEntry *Entry, CHAR16 *Output, UINTN *OutputSize) {
+// Copies the recorded bytes as CHAR16 into Output, cut to fit. A cut
+// output is EFI_BUFFER_TOO_SMALL with *OutputSize the bytes the whole
+// needs, its NUL included, as the service's contract has it.
+EFI_STATUS CopyOutput(const ReplayEntry *Entry, CHAR16 *Output,
+                      UINTN *OutputSize) {
   const UINTN Room = *OutputSize / sizeof(CHAR16);
   *OutputSize = 0;
-  if (Room == 0) {
-    return;
+  if (Room > 0) {
+    Output[0] = 0;
   }
-  Output[0] = 0;
   if (Entry == nullptr || Entry->OutputSize == 0) {
-    return;
+    return EFI_SUCCESS;
   }
   const CHAR8 *Bytes = reinterpret_cast<const CHAR8 *>(Entry->Output);
   const UINTN Chars = Utf8StrToUnicodeLength(Bytes, Entry->OutputSize);
+  if (Room == 0) {
+    *OutputSize = (Chars + 1) * sizeof(CHAR16);
+    return EFI_BUFFER_TOO_SMALL;
+  }
   CHAR16 *Wide = static_cast<CHAR16 *>(AllocatePool((Chars + 1) * sizeof(CHAR16)));
   if (Wide == nullptr ||
       EFI_ERROR(Utf8StrToUnicodeStrS(Bytes, Entry->OutputSize, Wide, Chars + 1))) {
     FreePool(Wide);
-    return;
+    return EFI_SUCCESS;
   }
   const UINTN Kept = Chars < Room - 1 ? Chars : Room - 1;
   CopyMem(Output, Wide, Kept * sizeof(CHAR16));
   Output[Kept] = 0;
   *OutputSize = Kept * sizeof(CHAR16);
   FreePool(Wide);
+  if (Kept < Chars) {
+    *OutputSize = (Chars + 1) * sizeof(CHAR16);
+    return EFI_BUFFER_TOO_SMALL;
+  }
+  return EFI_SUCCESS;
 }
 
 EFI_STATUS EFIAPI Execute(const CHAR16 *CommandLine) {
@@ -175,8 +186,7 @@ EFI_STATUS EFIAPI ExecuteCapture(const CHAR16 *CommandLine, CHAR16 *Output,
     gUnanswered++;
     HostPrint("[ShellCommandReplay]No recorded output for: %s\n", CommandLine);
   }
-  CopyOutput(Entry, Output, OutputSize);
-  return EFI_SUCCESS;
+  return CopyOutput(Entry, Output, OutputSize);
 }
 
 constinit SHELL_COMMAND_PROTOCOL gShellCommand = {Execute, ExecuteCapture};

@@ -98,9 +98,15 @@ EFI_STATUS EFIAPI ShellCommand::ExecuteCapture(const CHAR16 *CommandLine,
     return Self.Failure_;
   }
   Call.Output = Self.Run(Call.CommandLine, Call.Answered);
-  Call.Truncated = CopyOut(Utf8ToUtf16(Call.Output), Output, OutputSize);
+  const std::u16string Text = Utf8ToUtf16(Call.Output);
+  Call.Truncated = CopyOut(Text, Output, OutputSize);
   Call.BytesWritten = *OutputSize;
   Self.Calls_.push_back(std::move(Call));
+  if (Self.Calls_.back().Truncated) {
+    // What fitted stays in Output; the size says what the whole would take.
+    *OutputSize = (Text.size() + 1) * sizeof(CHAR16);
+    return EFI_BUFFER_TOO_SMALL;
+  }
   return EFI_SUCCESS;
 }
 

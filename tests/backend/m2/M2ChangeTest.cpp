@@ -103,6 +103,21 @@ TEST_F(M2ChangeTest, CreateWithADriveListTooLongRunsNoCreate) {
   EXPECT_EQ(NewCommands(), kReRead);
 }
 
+// A name that is no one word for mvsetup would take "-b" as the name or
+// end the options early: no create runs, the adapter is read again.
+TEST_F(M2ChangeTest, CreateWithANameThatIsNoOneWordRunsNoCreate) {
+  for (const char16_t *Name : {u"", u"-b", u"Mir ror", u"Mirror\r\n"}) {
+    SCOPED_TRACE(std::u16string(Name).size());
+    ReadWith({});
+    std::u16string(Name).copy(Name_, 16);
+    Name_[std::u16string(Name).size()] = 0;
+    UINT32 ErrorCode = 0;
+    EXPECT_EQ(M2CreateVolume(Parameter({0, 1}), 0, &ErrorCode), EFI_SUCCESS);
+    EXPECT_EQ(ErrorCode, (UINT32)RAID_ERROR_NOT_ONE_WORD);
+    EXPECT_EQ(NewCommands(), kReRead);
+  }
+}
+
 TEST_F(M2ChangeTest, DeleteArrayDeletesOnlyTheFirstVolume) {
   VolumeBlock Second = kMirror;
   Second.Id = "3";

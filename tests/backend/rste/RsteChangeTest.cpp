@@ -188,6 +188,7 @@ TEST_F(RsteChangeTest, DeleteVolumeByName) {
 
 TEST_F(RsteChangeTest, ANameThatIsNoWholeWordIsNeverPassedOn) {
   const std::string Names[] = {"Data 1", "Data/1", "Da\tta", "Data_1/Y",
+                               "\"Data\"", "Data^1", "Data>1",
                                std::string(95, 'N')};
   for (const std::string &Bad : Names) {
     SCOPED_TRACE(Bad);

@@ -20,8 +20,8 @@ struct ShellCommandCall {
   bool Answered;            // a handler produced the output
   std::string Output;       // the handler's bytes, whole
   UINTN BufferSize;         // caller's size in bytes on entry
-  UINTN BytesWritten;       // *OutputSize on return
-  bool Truncated;           // the output did not fit
+  UINTN BytesWritten;       // bytes written, without the NUL
+  bool Truncated;           // the output did not fit: EFI_BUFFER_TOO_SMALL
 };
 
 class ShellCommand {

@@ -8,6 +8,7 @@
 #include <Library/MemoryAllocationLib.h>
 
 #include "RaidLibText.h"
+#include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
 namespace {
@@ -27,10 +28,13 @@ struct ParserState {
   // An element or a copy could not be allocated: the profile is not the
   // file's, and a level, policy or stripe size may be missing from it.
   BOOLEAN ShortOfMemory;
+  // The record under construction named a tool no command line can carry:
+  // no adapter gets it.
+  BOOLEAN ToolRefused;
 };
 
 constinit ParserState gState = {{FALSE, FALSE, FALSE, FALSE},
-                                RAID_XML_NO_LEVEL, FALSE};
+                                RAID_XML_NO_LEVEL, FALSE, FALSE};
 
 // Notes a failed allocation; returns Allocated.
 bool Noted(bool Allocated) {
@@ -208,12 +212,31 @@ VOID SetLevelLimit(RAID_CAPABILITY *Capability,
   }
 }
 
+// A tool name that is no file name within RAID_TOOL_NAME_CHARS would make
+// some command line of its family too long or split it: refused here, once,
+// rather than at each command.
+VOID CheckToolName(const CHAR8 *Caller, const RAID_CAPABILITY *Capability,
+                   const CHAR16 *Tool) {
+  gState.ToolRefused = Tool != nullptr && !RaidLibIsToolFileName(Tool);
+  if (!gState.ToolRefused) {
+    return;
+  }
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                    "[%a]Tool name of %s (%u characters) is no file name of "
+                    "up to %u characters ending in .efi: its adapters get no "
+                    "profile\n",
+                    Capability->ControllerName,
+                    static_cast<UINT32>(StrLen(Tool)),
+                    static_cast<UINT32>(RAID_TOOL_NAME_CHARS));
+}
+
 // Applies the element's row of the vocabulary; unknown elements do nothing.
-VOID ApplyStartElement(RAID_CAPABILITY *Capability, const CHAR16 *Name,
-                       const ProfileAttributes &Attr) {
+VOID ApplyStartElement(const CHAR8 *Caller, RAID_CAPABILITY *Capability,
+                       const CHAR16 *Name, const ProfileAttributes &Attr) {
   if (NameIs(Name, u"CONTROLLER")) {
     ReplaceText(&Capability->ControllerName, Attr.Id);
   } else if (NameIs(Name, u"TOOL")) {
+    CheckToolName(Caller, Capability, Attr.Id);
     ReplaceText(&Capability->ToolName, Attr.Id);
   } else if (NameIs(Name, u"LEVEL")) {
     AddLevel(Capability, Attr);
@@ -323,7 +346,7 @@ VOID EFIAPI RaidXmlTagStart(VOID *UserData, const CHAR16 *Name,
       return;
     }
   }
-  ApplyStartElement(gCapability, Name, ReadAttributes(Attributes));
+  ApplyStartElement(__func__, gCapability, Name, ReadAttributes(Attributes));
 }
 
 // Ends CONTROLLER (hand-out), a policy container, or an R block.
@@ -337,6 +360,12 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name) {
         IsListEmpty(&gControllerList) || gCapability == nullptr) {
       RAID_LIB_TRACE(TARN_DEBUG_INFO,
                      "[%a]IsListEmpty(&gControllerList) || gCapability == NULL\n");
+      return;
+    }
+    if (gState.ToolRefused) {
+      RaidLibFreeCapability(gCapability);
+      gCapability = nullptr;
+      gState.ToolRefused = FALSE;
       return;
     }
     HandOutCapability();
@@ -358,7 +387,8 @@ VOID EFIAPI RaidXmlTagEnd(VOID *UserData, const CHAR16 *Name) {
 VOID RaidXmlResetParserState() {
   RaidLibFreeCapability(gCapability);
   gCapability = nullptr;
-  gState = ParserState{{FALSE, FALSE, FALSE, FALSE}, RAID_XML_NO_LEVEL, FALSE};
+  gState = ParserState{
+      {FALSE, FALSE, FALSE, FALSE}, RAID_XML_NO_LEVEL, FALSE, FALSE};
 }
 
 BOOLEAN RaidXmlShortOfMemory() { return gState.ShortOfMemory; }

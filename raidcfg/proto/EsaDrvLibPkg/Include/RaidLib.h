@@ -28,6 +28,10 @@
 // did not fit its buffer, so the operation refused and ran nothing rather
 // than run a cut text.
 #define RAID_ERROR_BUFFER_TOO_SMALL 0x00200005U
+// A text for a command line (a volume name) would not reach the tool as
+// the one word it stands for, so nothing was run. Chosen for its message,
+// "Input parameters are invalid".
+#define RAID_ERROR_NOT_ONE_WORD 0x00200003U
 
 // The error code for a firmware service that failed with Status.
 [[nodiscard]] constexpr UINT32 RaidLibFirmwareErrorCode(EFI_STATUS Status) {
@@ -74,6 +78,9 @@
 
 // RAID_CONTROLLER_PRIVATE.Flags bit 0: the cached tool output is valid.
 #define RAID_FLAG_OUTPUT_VALID 0x00000001U
+// Flags bit 1: the last read of the adapter got at least one tool output
+// cut at its buffer's end; the model lacks what was cut.
+#define RAID_FLAG_OUTPUT_CUT 0x00000002U
 
 // ---- Size units (SizeUnit, FreeCapacityUnit) -------------------------------
 

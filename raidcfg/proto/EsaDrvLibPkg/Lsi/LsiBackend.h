@@ -44,6 +44,8 @@ namespace lsi {
 #define LSI_DRIVE_COMMAND_CHARS 1000
 #define LSI_CREATE_COMMAND_CHARS 2048
 #define LSI_CREATE_WORD_CHARS 64
+// storcli reads "/" as the start of an object path ("/c0/v1").
+#define LSI_TOOL_WORDS RAID_TOOL_WORD_NO_SLASH
 #define LSI_DRIVE_LIST_CHARS 1024
 
 // Longest text a parser reads: the shared output buffer's characters.

@@ -68,7 +68,7 @@ struct CreateLines {
 }
 
 // The size, name and policy words; FALSE (refused) when the name does not
-// fit its word.
+// fit its word or would not reach storcli as one word.
 [[nodiscard]] bool BuildParameterWords(const CHAR8 *Caller,
                                        const RAID_VOLUME_PARAMETER *Parameter,
                                        CreateWords *Words, UINT32 *ErrorCode) {
@@ -84,9 +84,16 @@ struct CreateLines {
   }
   if (Parameter->Name == nullptr || Parameter->Name[0] == 0) {
     SetWord(Words->Name, u" ");
-  } else if (!RaidLibFormat(Words->Name, LSI_CREATE_WORD_CHARS, u"name=%S",
-                            Parameter->Name)) {
-    return RefuseCut(Caller, "Name word", LSI_CREATE_WORD_CHARS, ErrorCode);
+  } else {
+    EFI_STATUS Status = RaidLibFormatCommand(
+        Caller, Words->Name, LSI_CREATE_WORD_CHARS, LSI_TOOL_WORDS, ErrorCode,
+        u"name=%W", Parameter->Name);
+    if (Status == EFI_BUFFER_TOO_SMALL) {
+      return RefuseCut(Caller, "Name word", LSI_CREATE_WORD_CHARS, ErrorCode);
+    }
+    if (EFI_ERROR(Status)) {
+      return false;
+    }
   }
   SetWord(Words->DiskCache,
           Parameter->DiskCachePolicy == RAID_DISK_CACHE_POLICY_OFF  ? u"off"
@@ -186,7 +193,7 @@ constexpr UINTN kMaxListedDrives = 1024;
   EFI_STATUS Status;
   if (gLsiCommandForm == 0) {
     Status = RaidLibFormatCommand(
-        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, LSI_TOOL_WORDS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
         u"%S strip=%d %S mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
@@ -194,14 +201,14 @@ constexpr UINTN kMaxListedDrives = 1024;
         Parameter->StripeSize, Words->After);
   } else if (gLsiCommandForm == 1 || gLsiCommandForm == 2) {
     Status = RaidLibFormatCommand(
-        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, LSI_TOOL_WORDS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S %S %S "
         u"mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
         Words->Span, Words->DiskCache, Words->Write, Words->Read);
   } else {
     Status = RaidLibFormatCommand(
-        Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+        Caller, Line, LSI_CREATE_COMMAND_CHARS, LSI_TOOL_WORDS, ErrorCode,
         u"%S /c%u add vd raid%d %S %S drives=%S %S pdcache=%S "
         u"mronly nolog",
         Tool, CardId, RaidLevel, Words->Size, Words->Name, Words->Drives,
@@ -232,7 +239,7 @@ constexpr UINTN kMaxListedDrives = 1024;
   UINT32 NewArrayNumber = static_cast<UINT32>(
       CountListEntries(&Controller->ArrayList));
   return !EFI_ERROR(RaidLibFormatCommand(
-      Caller, Line, LSI_CREATE_COMMAND_CHARS, ErrorCode,
+      Caller, Line, LSI_CREATE_COMMAND_CHARS, LSI_TOOL_WORDS, ErrorCode,
       u"%S /c%u/e%S/s%S add hotsparedrive dgs=%u mronly nolog",
       Controller->Capability->ToolName, Controller->Private->CardId,
       Enclosure != nullptr ? Enclosure : u"", Slots != nullptr ? Slots : u"",

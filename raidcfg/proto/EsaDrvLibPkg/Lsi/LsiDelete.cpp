@@ -31,7 +31,8 @@ typedef CHAR16 DELETE_LINE[kDeleteChars];
                                       RAID_CONTROLLER *Controller,
                                       UINT32 VolumeId, DELETE_LINE Line,
                                       UINT32 *ErrorCode) {
-  return RaidLibFormatCommand(Caller, Line, kDeleteChars, ErrorCode,
+  return RaidLibFormatCommand(Caller, Line, kDeleteChars, LSI_TOOL_WORDS,
+                              ErrorCode,
                               u"%S /c%u/v%u del force mronly nolog",
                               Controller->Capability->ToolName,
                               Controller->Private->CardId, VolumeId);

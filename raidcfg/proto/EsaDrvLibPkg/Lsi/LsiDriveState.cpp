@@ -34,15 +34,16 @@ constexpr const CHAR16 *kDriveActions[] = {
   CHAR16 Line[LSI_DRIVE_COMMAND_CHARS];
   for (const CHAR16 *Action : kDriveActions) {
     if (EFI_ERROR(RaidLibFormatCommand(Caller, Line, LSI_DRIVE_COMMAND_CHARS,
-                                       ErrorCode, kDriveFormat, Tool, CardId,
+                                       LSI_TOOL_WORDS, ErrorCode, kDriveFormat,
+                                       Tool, CardId,
                                        Drive->Position->Values[LSI_POSITION_ENCLOSURE],
                                        Drive->Position->Values[LSI_POSITION_SLOT], Action))) {
       return false;
     }
   }
   return !EFI_ERROR(RaidLibFormatCommand(Caller, Line, LSI_DRIVE_COMMAND_CHARS,
-                                         ErrorCode, kForeignDeleteFormat, Tool,
-                                         CardId));
+                                         LSI_TOOL_WORDS, ErrorCode,
+                                         kForeignDeleteFormat, Tool, CardId));
 }
 
 // The verdict of the drive command just run. The shared output is never

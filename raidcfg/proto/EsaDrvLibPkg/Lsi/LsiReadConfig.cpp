@@ -100,6 +100,7 @@ EFI_STATUS LsiGetControllerInfo(RAID_CONTROLLER *Controller,
   if (!RaidLibReadIsDue(__func__, Controller, ErrorCode, &Status)) {
     return Status;
   }
+  RaidLibReadScope Read(Controller);
   RAID_CONTROLLER_PRIVATE *Own = Controller->Private;
   Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status) && *ErrorCode == RAID_ERROR_INVALID_CARD_ID) {

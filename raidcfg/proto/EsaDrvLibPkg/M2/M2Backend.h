@@ -29,6 +29,8 @@ namespace m2 {
 #define M2_COMMAND_CHARS 100
 #define M2_CREATE_COMMAND_CHARS 1000
 #define M2_DRIVE_LIST_CHARS 100
+// mvsetup reads a word that begins with "-" as an option.
+#define M2_TOOL_WORDS RAID_TOOL_WORD_NO_LEADING_DASH
 
 // Longest text a parser reads: the shared output buffer's characters.
 #define M2_OUTPUT_CHARS (80960 / sizeof(CHAR16))

@@ -53,12 +53,14 @@ VOID RunCreate(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
   if (EFI_ERROR(JoinDriveIds(Caller, Parameter, Drives, ErrorCode))) {
     return;
   }
+  // A name that is no one word would shift "-b" into the name, or end the
+  // options early: the create is refused.
   RaidLibOutputJudgedByCaller(RaidLibRunTool(
-      RaidLibSharedRun(Caller, M2_CREATE_COMMAND_CHARS), ErrorCode,
-      u"%S %d create -o vd -r%d -d %S -n %S -b %d --waiveconfirmation",
+      RaidLibSharedRun(Caller, M2_CREATE_COMMAND_CHARS, M2_TOOL_WORDS),
+      ErrorCode,
+      u"%S %d create -o vd -r%d -d %S -n %W -b %d --waiveconfirmation",
       Controller->Capability->ToolName, Controller->Private->CardId,
-      static_cast<UINT32>(Parameter->RaidLevel), Drives,
-      Parameter->Name != nullptr ? Parameter->Name : u"",
+      static_cast<UINT32>(Parameter->RaidLevel), Drives, Parameter->Name,
       Parameter->StripeSize));
 }
 

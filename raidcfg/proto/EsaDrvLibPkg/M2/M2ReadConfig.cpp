@@ -59,6 +59,7 @@ EFI_STATUS M2GetControllerInfo(RAID_CONTROLLER *Controller,
   if (!RaidLibReadIsDue(__func__, Controller, ErrorCode, &Status)) {
     return Status;
   }
+  RaidLibReadScope Read(Controller);
   RAID_CONTROLLER_PRIVATE *Own = Controller->Private;
   Status = RaidLibReadyToRunTool(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {

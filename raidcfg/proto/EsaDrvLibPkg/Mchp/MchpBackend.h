@@ -37,6 +37,8 @@ namespace mchp {
 #define MCHP_KEYWORD_CHARS 256
 // Every stripe size this tool is given.
 #define MCHP_STRIPE_SIZE 256
+// arcconf takes a name as the word after "NAME": the shell's rules suffice.
+#define MCHP_TOOL_WORDS RAID_TOOL_WORD_PLAIN
 // The most arrays a hot spare is offered to.
 #define MCHP_MAX_SPARE_ARRAYS 240
 

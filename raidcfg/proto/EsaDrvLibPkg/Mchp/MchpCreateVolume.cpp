@@ -29,13 +29,19 @@ constexpr const CHAR16 *kCreateInArrayTriple =
 
 constexpr UINTN kWordChars = 128;
 
-// "NAME <name>", or a single blank for a volume without a name.
-VOID NameWord(const RAID_VOLUME_PARAMETER *Parameter, CHAR16 *Word) {
-  if (Parameter->Name == nullptr || Parameter->Name[0] == 0 ||
-      !RaidLibFormat(Word, kWordChars, u"NAME %s", Parameter->Name)) {
+// "NAME <name>", or a single blank for a volume without a name. FALSE
+// (traced, *ErrorCode set) for a name that would not reach the tool whole.
+[[nodiscard]] bool NameWord(const CHAR8 *Caller,
+                            const RAID_VOLUME_PARAMETER *Parameter,
+                            CHAR16 *Word, UINT32 *ErrorCode) {
+  if (Parameter->Name == nullptr || Parameter->Name[0] == 0) {
     Word[0] = u' ';
     Word[1] = 0;
+    return true;
   }
+  return !EFI_ERROR(RaidLibFormatCommand(Caller, Word, kWordChars,
+                                         MCHP_TOOL_WORDS, ErrorCode,
+                                         u"NAME %W", Parameter->Name));
 }
 
 // The size in MB: whole GB of the request times 1024, or "MAX" below 1 GB.
@@ -213,10 +219,10 @@ EFI_STATUS MchpCreateVolume(RAID_VOLUME_PARAMETER *Parameter, UINTN Unused,
   } else {
     CHAR16 Name[kWordChars];
     CHAR16 Size[kWordChars];
-    NameWord(Parameter, Name);
     SizeWord(Parameter, Size);
     RaidLibOutputJudgedByCaller(
-        Parameter->NewArray != 0
+        !NameWord(__func__, Parameter, Name, ErrorCode) ? EFI_INVALID_PARAMETER
+        : Parameter->NewArray != 0
             ? CreateOnDrives(__func__, Controller, Parameter, Name, Size,
                              ErrorCode)
             : CreateInArray(__func__, Controller, Parameter, Name, Size,

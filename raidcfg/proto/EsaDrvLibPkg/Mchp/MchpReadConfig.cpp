@@ -1,6 +1,7 @@
 // Reading a Microchip adapter: "getconfig N" into the backend's own large
 // buffer, parsed into the model; after a reconnect of one of several
 // adapters the card number is looked up by slot first.
+#include <Library/BaseLib.h>
 #include <Library/BaseMemoryLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
@@ -45,6 +46,7 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
   if (!RaidLibReadIsDue(__func__, Controller, ErrorCode, &Status)) {
     return Status;
   }
+  RaidLibReadScope Read(Controller);
   RAID_CONTROLLER_PRIVATE *Own = Controller->Private;
   Status = RaidLibToolAvailable(__func__, Controller, ErrorCode);
   if (EFI_ERROR(Status)) {
@@ -66,10 +68,16 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
   ZeroMem(gMchpGetconfigOutput, MCHP_GETCONFIG_COPY_BYTES);
   RaidLibOutputJudgedByCaller(RaidLibRunTool(
       {__func__, MCHP_READ_COMMAND_CHARS, gMchpGetconfigOutput,
-       MCHP_GETCONFIG_OUTPUT_BYTES},
+       MCHP_GETCONFIG_OUTPUT_BYTES, RAID_TOOL_WORD_PLAIN},
       ErrorCode, u"%S getconfig %d", Controller->Capability->ToolName,
       Own->CardId));
-  // Both parsers cut the text in place, so the second reads a copy.
+  // Both parsers cut the text in place, so the second reads a copy, of the
+  // output's head only.
+  const UINTN Chars = StrnLenS(gMchpGetconfigOutput, kOutputChars);
+  if (Chars > kCopyChars) {
+    RaidLibNoteCutOutput(__func__, (Chars + 1) * sizeof(CHAR16),
+                         MCHP_GETCONFIG_COPY_BYTES);
+  }
   CopyMem(gMchpGetconfigCopy, gMchpGetconfigOutput, MCHP_GETCONFIG_COPY_BYTES);
   Status = ParseControllerShow(gMchpGetconfigOutput, kOutputChars, Controller,
                                ErrorCode);

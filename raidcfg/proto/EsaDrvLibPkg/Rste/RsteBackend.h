@@ -36,6 +36,8 @@ namespace rste {
 // Read, delete and drive commands: at most 100 characters with the
 // terminator, as the runner's short line.
 #define RSTE_SHORT_COMMAND_CHARS 100
+// The tool reads "/" as the start of a switch: "/D:a/Y" is two.
+#define RSTE_TOOL_WORDS RAID_TOOL_WORD_NO_SLASH
 // A create command names its disks: up to 1000 characters.
 #define RSTE_CREATE_COMMAND_CHARS 1000
 // The disk list of a create on new disks.

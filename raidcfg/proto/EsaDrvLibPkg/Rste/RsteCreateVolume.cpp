@@ -111,24 +111,25 @@ VOID CreateOnNewDisks(const CHAR8 *Caller, RAID_VOLUME_PARAMETER *Parameter,
   INT32 Size = Gb > 0x7FFFFFFF ? 0x7FFFFFFF : static_cast<INT32>(Gb);
   INT32 Level = Parameter->RaidLevel;
   INT32 Stripe = static_cast<INT32>(Parameter->StripeSize);
-  RAID_TOOL_RUN Run = RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS);
+  RAID_TOOL_RUN Run =
+      RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
   const CHAR16 *Name = NameOf(Parameter);
   EFI_STATUS Status;
   if (Level == 1) {
     Status = Size == 0
                  ? RaidLibRunTool(Run, ErrorCode,
-                                  u"%S /Y /C:%S /L:%d /S:100%% /DS:%S",
+                                  u"%S /Y /C:%W /L:%d /S:100%% /DS:%S",
                                   gRsteTool, Name, Level, Disks)
                  : RaidLibRunTool(Run, ErrorCode,
-                                  u"%S /Y /C:%S /L:%d /S:%d /DS:%S", gRsteTool,
+                                  u"%S /Y /C:%W /L:%d /S:%d /DS:%S", gRsteTool,
                                   Name, Level, Size, Disks);
   } else {
     Status = Size == 0
                  ? RaidLibRunTool(Run, ErrorCode,
-                                  u"%S /Y /C:%S /SS:%d /L:%d /S:100%% /DS:%S",
+                                  u"%S /Y /C:%W /SS:%d /L:%d /S:100%% /DS:%S",
                                   gRsteTool, Name, Stripe, Level, Disks)
                  : RaidLibRunTool(Run, ErrorCode,
-                                  u"%S /Y /C:%S /SS:%d /L:%d /S:%d /DS:%S",
+                                  u"%S /Y /C:%W /SS:%d /L:%d /S:%d /DS:%S",
                                   gRsteTool, Name, Stripe, Level, Size, Disks);
   }
   RunCreate(Caller, Status, RSTE_KIND_CREATE_NEW, ErrorCode);
@@ -150,13 +151,14 @@ VOID CreateInArray(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
   }
   INT32 Level = Array->RaidLevel;
   INT32 Stripe = static_cast<INT32>(Parameter->StripeSize);
-  RAID_TOOL_RUN Run = RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS);
+  RAID_TOOL_RUN Run =
+      RaidLibSharedRun(Caller, RSTE_CREATE_COMMAND_CHARS, RSTE_TOOL_WORDS);
   const CHAR16 *Name = NameOf(Parameter);
   EFI_STATUS Status =
       Level == 1
-          ? RaidLibRunTool(Run, ErrorCode, u"%S /Y /C:%S /L:%d /DS:%S",
+          ? RaidLibRunTool(Run, ErrorCode, u"%S /Y /C:%W /L:%d /DS:%S",
                            gRsteTool, Name, Level, Disks)
-          : RaidLibRunTool(Run, ErrorCode, u"%S /Y /C:%S /SS:%d /L:%d /DS:%S",
+          : RaidLibRunTool(Run, ErrorCode, u"%S /Y /C:%W /SS:%d /L:%d /DS:%S",
                            gRsteTool, Name, Stripe, Level, Disks);
   RunCreate(Caller, Status, RSTE_KIND_CREATE_EXISTING, ErrorCode);
 }

@@ -3,7 +3,7 @@
 //
 // A name read back from the tool can hold what the operator could never
 // type. The tool takes the word after "/D:" up to the next blank or switch,
-// so a name with a blank, a "/" or a control character, or one whose line
+// so a name that is no one word for it (RSTE_TOOL_WORDS), or one whose line
 // does not fit, would name another volume or none: such a delete is
 // refused and nothing runs.
 #include <Protocol/Host/TarnSetup.h>
@@ -19,25 +19,14 @@ namespace {
 
 typedef CHAR16 DELETE_LINE[RSTE_SHORT_COMMAND_CHARS];
 
-[[nodiscard]] bool IsWholeWord(const CHAR16 *Name) {
-  if (Name == nullptr || Name[0] == 0) {
-    return false;
-  }
-  for (const CHAR16 *Cursor = Name; *Cursor != 0; Cursor++) {
-    if (*Cursor <= 0x20 || *Cursor == 0x7F || *Cursor == u'/') {
-      return false;
-    }
-  }
-  return true;
-}
-
 // Formats the deletion of Volume; FALSE (traced, the delete error code set)
 // when its name cannot reach the tool whole.
 [[nodiscard]] bool FormatDelete(const CHAR8 *Caller, const RAID_VOLUME *Volume,
                                 DELETE_LINE Line, UINT32 *ErrorCode) {
-  if (!IsWholeWord(Volume->Name) ||
-      !RaidLibFormat(Line, RSTE_SHORT_COMMAND_CHARS, u"%S /Y /D:%S",
-                     gRsteTool, Volume->Name)) {
+  if (EFI_ERROR(RaidLibFormatCommand(Caller, Line, RSTE_SHORT_COMMAND_CHARS,
+                                     RSTE_TOOL_WORDS, ErrorCode,
+                                     u"%S /Y /D:%W", gRsteTool,
+                                     Volume->Name))) {
     RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
                       "[%a]Volume %d: its name cannot be passed to the tool "
                       "as one word, not deleted\n",

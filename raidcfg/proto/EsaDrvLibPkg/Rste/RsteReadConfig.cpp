@@ -52,6 +52,7 @@ EFI_STATUS RsteGetControllerInfo(RAID_CONTROLLER *Controller,
     RAID_LIB_TRACE(TARN_DEBUG_INFO, "[%a] Info is up to date.\n");
     return EFI_SUCCESS;
   }
+  RaidLibReadScope Read(Controller);
   Status = RaidLibResetControllerModel(Controller);
   if (EFI_ERROR(Status)) {
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;

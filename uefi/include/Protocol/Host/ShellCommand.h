@@ -13,8 +13,11 @@ struct _SHELL_COMMAND_PROTOCOL {
   EFI_STATUS(EFIAPI *Execute)(const CHAR16 *CommandLine);
   // Runs a command and copies its output, as CHAR16 text, into Output.
   // *OutputSize: the buffer's size in bytes on entry, the bytes written
-  // (without the terminating NUL) on return. The text is cut to fit and is
-  // always NUL-terminated when the buffer holds at least one CHAR16.
+  // (without the terminating NUL) on return. The text is always
+  // NUL-terminated when the buffer holds at least one CHAR16. An output
+  // that does not fit is cut to fit and reported as UEFI services report a
+  // short buffer: EFI_BUFFER_TOO_SMALL, with *OutputSize the bytes the
+  // whole output needs, terminating NUL included; what fitted is in Output.
   EFI_STATUS(EFIAPI *ExecuteCapture)
   (const CHAR16 *CommandLine, CHAR16 *Output, UINTN *OutputSize);
 };

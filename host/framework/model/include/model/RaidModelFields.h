@@ -269,6 +269,12 @@ VOID Fields(Writer &Out, const RAID_CONTROLLER &Controller) {
   RecordList<RAID_ARRAY>(Out, "Arrays", C.ArrayList);
   RecordOrNull(Out, "Private", C.Private);
   RecordOrNull(Out, "Capability", C.Capability);
+  // 1 when the last read met a tool output cut at its buffer's end.
+  const UINT32 Cut = C.Private != nullptr &&
+                             (C.Private->Flags & RAID_FLAG_OUTPUT_CUT) != 0
+                         ? 1
+                         : 0;
+  Field(Out, "OutputCut", Cut);
 }
 
 // ---- The whole model ---------------------------------------------------------

@@ -2,6 +2,7 @@
 // shared output buffer.
 #include "RaidLibToolRunner.h"
 
+#include <Library/BaseLib.h>
 #include <Library/DebugLib.h>
 #include <Library/PrintLib.h>
 #include <Library/UefiBootServicesTableLib.h>
@@ -19,8 +20,32 @@ constinit UINT32 gRaidCurrentCardId = RAID_CARD_ID_UNSET;
 namespace {
 
 constinit SHELL_COMMAND_PROTOCOL *gShellCommand = nullptr;
+// The controller whose read is in progress (RaidLibReadScope).
+constinit RAID_CONTROLLER *gReadController = nullptr;
 
 }  // namespace
+
+RaidLibReadScope::RaidLibReadScope(RAID_CONTROLLER *Controller)
+    : Outer_(gReadController) {
+  gReadController = Controller;
+  if (Controller != nullptr && Controller->Private != nullptr) {
+    Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_CUT;
+  }
+}
+
+RaidLibReadScope::~RaidLibReadScope() { gReadController = Outer_; }
+
+VOID RaidLibNoteCutOutput(const CHAR8 *Caller, UINTN NeededBytes,
+                          UINTN HeldBytes) {
+  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
+                    "[%a]Tool output cut: it needs %lu bytes, the buffer "
+                    "holds %lu; read as far as it arrived\n",
+                    static_cast<UINT64>(NeededBytes),
+                    static_cast<UINT64>(HeldBytes));
+  if (gReadController != nullptr && gReadController->Private != nullptr) {
+    gReadController->Private->Flags |= RAID_FLAG_OUTPUT_CUT;
+  }
+}
 
 // Locates the host's shell-command service once and keeps it.
 EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
@@ -44,35 +69,6 @@ EFI_STATUS RaidLibLocateShellCommand(const CHAR8 *Caller, UINT32 *ErrorCode) {
 
 namespace {
 
-// Formats a command line, refusing one that was cut.
-[[nodiscard]] EFI_STATUS FormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                                       UINTN CommandChars, UINT32 *ErrorCode,
-                                       const CHAR16 *Format, VA_LIST Marker) {
-  if (RaidLibVFormat(CommandLine, CommandChars, Format, Marker)) {
-    return EFI_SUCCESS;
-  }
-  *ErrorCode = RAID_ERROR_BUFFER_TOO_SMALL;
-  RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_ERROR,
-                    "[%a]Command does not fit in %u characters, not run: %S\n",
-                    static_cast<UINT32>(CommandChars), CommandLine);
-  return EFI_BUFFER_TOO_SMALL;
-}
-
-}  // namespace
-
-EFI_STATUS EFIAPI RaidLibFormatCommand(const CHAR8 *Caller, CHAR16 *CommandLine,
-                                       UINTN CommandChars, UINT32 *ErrorCode,
-                                       const CHAR16 *Format, ...) {
-  VA_LIST Marker;
-  VA_START(Marker, Format);
-  EFI_STATUS Status = FormatCommand(Caller, CommandLine, CommandChars,
-                                    ErrorCode, Format, Marker);
-  VA_END(Marker);
-  return Status;
-}
-
-namespace {
-
 // Formats, traces and runs one command line.
 [[nodiscard]] EFI_STATUS RunTool(const RAID_TOOL_RUN &Run, UINT32 *ErrorCode,
                                  const CHAR16 *Format, VA_LIST Marker) {
@@ -91,8 +87,8 @@ namespace {
     Run.Output[0] = 0;
   }
   CHAR16 CommandLine[RAID_TOOL_LONGEST_COMMAND_CHARS];
-  Status = FormatCommand(Run.Caller, CommandLine, CommandChars, ErrorCode,
-                         Format, Marker);
+  Status = RaidLibVFormatCommand(Run.Caller, CommandLine, CommandChars,
+                                 Run.Words, ErrorCode, Format, Marker);
   if (EFI_ERROR(Status)) {
     return Status;
   }
@@ -104,7 +100,16 @@ namespace {
   UINTN *Size =
       Run.Output == gRaidToolOutput ? &gRaidToolOutputSize : &LocalSize;
   *Size = Run.OutputSize;
-  return gShellCommand->ExecuteCapture(CommandLine, Run.Output, Size);
+  Status = gShellCommand->ExecuteCapture(CommandLine, Run.Output, Size);
+  if (Status == EFI_BUFFER_TOO_SMALL && Run.OutputSize >= sizeof(CHAR16)) {
+    // The service kept the head of the output: it is read like any other,
+    // and the loss is said.
+    RaidLibNoteCutOutput(Run.Caller, *Size, Run.OutputSize);
+    *Size = StrnLenS(Run.Output, Run.OutputSize / sizeof(CHAR16)) *
+            sizeof(CHAR16);
+    Status = EFI_SUCCESS;
+  }
+  return Status;
 }
 
 }  // namespace
