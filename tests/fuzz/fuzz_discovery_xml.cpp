@@ -76,12 +76,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *Data, size_t Size) {
   W.Write("pcidb.xml", Input.substr(0, Split));
   W.Write("raid.xml", Split == std::string_view::npos ? std::string_view()
                                                       : Input.substr(Split + 1));
-  const size_t Before = W.Firmware.Memory().Outstanding().size();
+  const size_t Before = W.Firmware.Memory().OutstandingCount();
   UINT32 ErrorCode = 0;
   (void)InitializeRaid(&ErrorCode);
   FinalizeRaid(&ErrorCode);
   W.Setup.ClearTrace();
-  if (W.Firmware.Memory().Outstanding().size() != Before ||
+  if (W.Firmware.Memory().OutstandingCount() != Before ||
       !W.Firmware.Memory().EventReport().empty()) {
     std::fprintf(stderr, "%s%s", W.Firmware.Memory().LeakReport().c_str(),
                  W.Firmware.Memory().EventReport().c_str());
