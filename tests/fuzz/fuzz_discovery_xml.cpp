@@ -21,8 +21,12 @@ namespace {
 // MegaRAID card search fails as on a server whose tool is missing.
 struct World {
   World() {
-    char Template[] = "/tmp/raidcfg-fuzz-XXXXXX";
-    Directory = mkdtemp(Template);
+    // The files are written anew for every input: in memory where the
+    // machine has a RAM file system, so an input does not wait for a disk.
+    char Memory[] = "/dev/shm/raidcfg-fuzz-XXXXXX";
+    char Disk[] = "/tmp/raidcfg-fuzz-XXXXXX";
+    const char *Made = mkdtemp(Memory);
+    Directory = Made != nullptr ? Made : mkdtemp(Disk);
     Volume = std::make_unique<emu::HostVolume>(Firmware, Directory);
     AddFunction(1, 0x9005, 0x028F, 0x9005, 0x0800);
     AddFunction(2, 0x1000, 0x0016, 0x1000, 0x9460);
