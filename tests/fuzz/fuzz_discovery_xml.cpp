@@ -67,6 +67,13 @@ struct World {
 
 World &TheWorld() {
   static World *Instance = new World();
+  // The scratch directory goes when the run ends normally (a crash keeps
+  // it, beside the crash input).
+  static const int Registered = std::atexit([] {
+    std::error_code Ignored;
+    std::filesystem::remove_all(TheWorld().Directory, Ignored);
+  });
+  (void)Registered;
   return *Instance;
 }
 
