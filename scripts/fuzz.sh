@@ -4,7 +4,8 @@
 # a scratch copy of its seed corpus, tests/fuzz/corpus/<name>/, with the
 # dictionary tests/fuzz/<name>.dict when there is one. Afterwards the inputs
 # that add coverage are merged back into the seed corpus, and one table gives
-# per target: executions, exec/s, coverage, corpus size and findings.
+# per target: executions, exec/s (all cores), exec/s per CPU second,
+# coverage, corpus size and findings.
 # Findings (crash-, leak-, timeout-, oom- inputs) are kept under
 # build/fuzz/findings/<name>/; any new one makes the exit status non-zero.
 #
@@ -45,7 +46,7 @@ if [[ ! $minutes =~ ^[1-9][0-9]*$ ]]; then
 fi
 
 cores=$(nproc)
-if ! { cmake --preset fuzz && cmake --build --preset fuzz -j "$cores"; }; then
+if ! cmake --preset fuzz; then
   echo "fuzz.sh: the fuzz build failed" >&2
   exit 1
 fi
@@ -66,6 +67,11 @@ if ((${#requested[@]} > 0)); then
     fi
   done
   names=("${requested[@]}")
+fi
+# Only the targets to run are built, not the rest of the preset.
+if ! cmake --build --preset fuzz -j "$cores" --target "${names[@]}"; then
+  echo "fuzz.sh: the fuzz build failed" >&2
+  exit 1
 fi
 
 # Lists a target's findings, one file name a line.
@@ -113,10 +119,17 @@ fuzz_target() {
 
   echo "== $name: $minutes min on $cores cores (log: $log)"
   # The targets check the emulator's pool after every input themselves;
-  # libFuzzer's own leak scan would only slow them down.
-  "$executable" -fork="$cores" -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
-    -max_total_time=$((minutes * 60)) -timeout="$TIMEOUT_SECONDS" -detect_leaks=0 \
-    -artifact_prefix="$findings/" "${dictionary[@]}" "$scratch" </dev/null >"$log" 2>&1
+  # libFuzzer's own leak scan would only slow them down. The CPU seconds
+  # of the run (the jobs included) give the rate per core even on a
+  # machine that other work shares.
+  local cpu_file cpu_seconds
+  cpu_file=$(mktemp)
+  { TIMEFORMAT='%U %S'; time "$executable" -fork="$cores" -ignore_crashes=1 \
+    -ignore_timeouts=1 -ignore_ooms=1 -max_total_time=$((minutes * 60)) \
+    -timeout="$TIMEOUT_SECONDS" -detect_leaks=0 -artifact_prefix="$findings/" \
+    "${dictionary[@]}" "$scratch" </dev/null >"$log" 2>&1; } 2>"$cpu_file"
+  cpu_seconds=$(awk '{ printf "%d", $1 + $2 }' "$cpu_file")
+  rm -f "$cpu_file"
 
   local added
   added=$(merge_into_seeds "$executable" "$seeds" "$scratch" "$log")
@@ -132,7 +145,7 @@ fuzz_target() {
     coverage=$(sed -E 's/.* cov: ([0-9]+) .*/\1/' <<<"$progress")
     seconds=$(sed -E 's/.* time: ([0-9]+)s .*/\1/' <<<"$progress")
     rate=$((runs / (seconds > 0 ? seconds : 1)))
-    per_core=$((rate / cores))
+    per_core=$((runs / (cpu_seconds > 0 ? cpu_seconds : 1)))
   fi
   local new_findings
   new_findings=$(comm -13 <(echo "$before") <(list_findings "$findings") | grep -c .)

@@ -92,15 +92,24 @@ check_hii_resource() {
 }
 
 # Runs one fuzz target briefly on a scratch corpus, seeded from
-# tests/fuzz/corpus/<name>/ when that exists.
+# tests/fuzz/corpus/<name>/ when that exists. A crash input is written to
+# the scratch directory and shown, never into the clone.
 run_fuzz_target() {
-  local name=$1 executable=$2 corpus seeds=()
-  corpus=$(mktemp -d)
+  local name=$1 executable=$2 scratch seeds=() dictionary=()
+  scratch=$(mktemp -d)
+  mkdir "$scratch/corpus" "$scratch/findings"
   [[ -d "tests/fuzz/corpus/$name" ]] && seeds=("tests/fuzz/corpus/$name")
+  [[ -f "tests/fuzz/$name.dict" ]] && dictionary=(-dict="tests/fuzz/$name.dict")
   "$executable" -runs="$FUZZ_RUNS" -max_total_time="$FUZZ_SECONDS" \
-    -print_final_stats=1 "$corpus" "${seeds[@]}" </dev/null 2>&1 | tail -n 15
-  local status=${PIPESTATUS[0]}
-  rm -rf "$corpus"
+    -print_final_stats=1 -artifact_prefix="$scratch/findings/" "${dictionary[@]}" \
+    "$scratch/corpus" "${seeds[@]}" </dev/null 2>&1 | tail -n 15
+  local status=${PIPESTATUS[0]} finding
+  for finding in "$scratch/findings"/*; do
+    [[ -f $finding ]] || continue
+    echo "finding $(basename "$finding"), as hex:"
+    od -An -tx1 "$finding" | head -n 20
+  done
+  rm -rf "$scratch"
   return "$status"
 }
 

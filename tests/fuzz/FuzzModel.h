@@ -47,7 +47,7 @@ inline void ReleaseAndCheck(RAID_CONTROLLER *Controller, std::size_t Before) {
     }
   }
   RaidLibFreeController(Controller);
-  if (World().Memory().Outstanding().size() != Before) {
+  if (World().Memory().OutstandingCount() != Before) {
     std::abort();
   }
 }

@@ -21,8 +21,12 @@ namespace {
 // MegaRAID card search fails as on a server whose tool is missing.
 struct World {
   World() {
-    char Template[] = "/tmp/raidcfg-fuzz-XXXXXX";
-    Directory = mkdtemp(Template);
+    // The files are written anew for every input: in memory where the
+    // machine has a RAM file system, so an input does not wait for a disk.
+    char Memory[] = "/dev/shm/raidcfg-fuzz-XXXXXX";
+    char Disk[] = "/tmp/raidcfg-fuzz-XXXXXX";
+    const char *Made = mkdtemp(Memory);
+    Directory = Made != nullptr ? Made : mkdtemp(Disk);
     Volume = std::make_unique<emu::HostVolume>(Firmware, Directory);
     AddFunction(1, 0x9005, 0x028F, 0x9005, 0x0800);
     AddFunction(2, 0x1000, 0x0016, 0x1000, 0x9460);
@@ -63,6 +67,13 @@ struct World {
 
 World &TheWorld() {
   static World *Instance = new World();
+  // The scratch directory goes when the run ends normally (a crash keeps
+  // it, beside the crash input).
+  static const int Registered = std::atexit([] {
+    std::error_code Ignored;
+    std::filesystem::remove_all(TheWorld().Directory, Ignored);
+  });
+  (void)Registered;
   return *Instance;
 }
 
@@ -76,12 +87,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *Data, size_t Size) {
   W.Write("pcidb.xml", Input.substr(0, Split));
   W.Write("raid.xml", Split == std::string_view::npos ? std::string_view()
                                                       : Input.substr(Split + 1));
-  const size_t Before = W.Firmware.Memory().Outstanding().size();
+  const size_t Before = W.Firmware.Memory().OutstandingCount();
   UINT32 ErrorCode = 0;
   (void)InitializeRaid(&ErrorCode);
   FinalizeRaid(&ErrorCode);
   W.Setup.ClearTrace();
-  if (W.Firmware.Memory().Outstanding().size() != Before ||
+  if (W.Firmware.Memory().OutstandingCount() != Before ||
       !W.Firmware.Memory().EventReport().empty()) {
     std::fprintf(stderr, "%s%s", W.Firmware.Memory().LeakReport().c_str(),
                  W.Firmware.Memory().EventReport().c_str());

@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   if (Size == 0) {
     return 0;
   }
-  std::size_t Before = fuzz_model::World().Memory().Outstanding().size();
+  std::size_t Before = fuzz_model::World().Memory().OutstandingCount();
   std::uint8_t Choice = Data[0] % 7;
   Data++;
   Size--;

@@ -26,11 +26,15 @@ using namespace m2;
 namespace {
 
 // The M.2 tools answer every command with the input under test.
+emu::ShellCommand &Shell() {
+  static emu::ShellCommand *Made = new emu::ShellCommand(fuzz_model::World());
+  return *Made;
+}
+
 std::string &Answer() {
   static std::string *Text = [] {
     auto *Made = new std::string;
-    static emu::ShellCommand Shell(fuzz_model::World());
-    Shell.SetHandler([Made](const std::string &) { return *Made; });
+    Shell().SetHandler([Made](const std::string &) { return *Made; });
     return Made;
   }();
   return *Text;
@@ -44,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
     return 0;
   }
   std::string &Tool = Answer();
-  std::size_t Before = fuzz_model::World().Memory().Outstanding().size();
+  std::size_t Before = fuzz_model::World().Memory().OutstandingCount();
   std::uint8_t Choice = Data[0] % 4;
   Data++;
   Size--;
@@ -68,5 +72,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
     }
   }
   fuzz_model::ReleaseAndCheck(Controller, Before);
+  Shell().ClearCalls();
   return 0;
 }

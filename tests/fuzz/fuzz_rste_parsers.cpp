@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
     return 0;
   }
   emu::Firmware &Firmware = World();
-  std::size_t Before = Firmware.Memory().Outstanding().size();
+  std::size_t Before = Firmware.Memory().OutstandingCount();
   const std::uint8_t Choice = Data[0];
   Data++;
   Size--;
@@ -88,7 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   CheckModel(Controller);
   RaidLibFreeController(Controller);
   RsteResetState();
-  if (Firmware.Memory().Outstanding().size() != Before) {
+  if (Firmware.Memory().OutstandingCount() != Before) {
     std::abort();
   }
   return 0;

@@ -40,6 +40,9 @@ class ShellCommand {
   // restores normal service).
   VOID SetFailure(EFI_STATUS Status) { Failure_ = Status; }
   const std::vector<ShellCommandCall> &Calls() const { return Calls_; }
+  // Forgets the calls so far (a fuzz target's calls would otherwise pile
+  // up, every output kept, over millions of inputs).
+  VOID ClearCalls() { Calls_.clear(); }
   // The command lines in order.
   std::vector<std::string> CommandLines() const;
 
