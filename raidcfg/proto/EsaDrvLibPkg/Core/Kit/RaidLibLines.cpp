@@ -13,14 +13,56 @@ namespace {
   return Char == u'\n' || Char == 0;
 }
 
+// Four characters at a time: a lane of a 64-bit word is zero when the
+// word minus one in every lane borrows into that lane's top bit.
+constexpr UINT64 kLaneOnes = 0x0001000100010001ULL;
+constexpr UINT64 kLaneTops = 0x8000800080008000ULL;
+constexpr UINT64 kLineFeeds = kLaneOnes * u'\n';
+constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
+
+[[nodiscard]] bool HasZeroLane(UINT64 Word) {
+  return ((Word - kLaneOnes) & ~Word & kLaneTops) != 0;
+}
+
+[[nodiscard]] UINT64 LoadLanes(const CHAR16 *Text) {
+  UINT64 Word;
+  __builtin_memcpy(&Word, Text, sizeof(Word));
+  return Word;
+}
+
+// The first terminator from Cursor on, or End. Read one character at a
+// time: a caller's buffer may end right behind its terminator.
+[[nodiscard]] CHAR16 *FindTerminator(CHAR16 *Cursor, CHAR16 *End) {
+  while (Cursor < End && *Cursor != 0) {
+    Cursor++;
+  }
+  return Cursor;
+}
+
+// The first line break from Cursor on, or End; every character before End
+// is the output's, so whole words of it are read while four remain.
+[[nodiscard]] CHAR16 *FindLineBreak(CHAR16 *Cursor, CHAR16 *End) {
+  while (End - Cursor >= static_cast<INTN>(kLanes)) {
+    const UINT64 Word = LoadLanes(Cursor);
+    if (HasZeroLane(Word) || HasZeroLane(Word ^ kLineFeeds)) {
+      break;
+    }
+    Cursor += kLanes;
+  }
+  while (Cursor < End && !IsLineBreak(*Cursor)) {
+    Cursor++;
+  }
+  return Cursor;
+}
+
 }  // namespace
 
 VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars) {
   Lines->Next = Output;
   Lines->Current = nullptr;
-  Lines->End =
-      Output == nullptr ? nullptr : Output + StrnLenS(Output, OutputChars);
+  Lines->End = Output == nullptr ? nullptr
+                                 : FindTerminator(Output, Output + OutputChars);
 }
 
 CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {
@@ -36,9 +78,7 @@ CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {
     return nullptr;
   }
   CHAR16 *Line = Cursor;
-  while (Cursor < Lines->End && !IsLineBreak(*Cursor)) {
-    Cursor++;
-  }
+  Cursor = FindLineBreak(Cursor, Lines->End);
   if (Cursor < Lines->End) {
     *Cursor++ = 0;
   }

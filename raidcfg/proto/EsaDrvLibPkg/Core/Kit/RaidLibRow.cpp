@@ -10,34 +10,66 @@
 
 namespace {
 
-// Copies Line into Row->Text, cut to fit, and clears the pieces.
-VOID CopyRow(const CHAR16 *Line, RAID_ROW *Row) {
-  UINTN Length = 0;
-  if (Line != nullptr) {
-    while (Length + 1 < RAID_ROW_CHARS && Line[Length] != 0) {
-      Row->Text[Length] = Line[Length];
-      Length++;
+// TRUE when Char is one of the NUL-terminated Delimiters.
+[[nodiscard]] bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
+  for (const CHAR16 *Cursor = Delimiters; *Cursor != 0; Cursor++) {
+    if (*Cursor == Char) {
+      return true;
     }
   }
-  Row->Text[Length] = 0;
+  return false;
+}
+
+// Copies Line into Row->Text, cut to fit, and cuts the copy into words in
+// the same pass: runs of delimiters separate, a word ends at the next
+// delimiter, and words past the last slot are not kept (the one behind the
+// last slot still gets its end, as a token walk would have cut it before
+// stopping). Single is the one
+// delimiter of the common case (blanks); Delimiters the whole set.
+template <bool OneDelimiter>
+UINTN CopyAndSplit(const CHAR16 *Line, CHAR16 Single, const CHAR16 *Delimiters,
+                   RAID_ROW *Row) {
   for (UINTN Index = 0; Index < RAID_ROW_MAX_WORDS; Index++) {
     Row->Words[Index] = nullptr;
   }
   Row->Count = 0;
+  UINTN Length = 0;
+  UINTN Seen = 0;
+  bool InWord = false;
+  if (Line != nullptr) {
+    for (; Length + 1 < RAID_ROW_CHARS && Line[Length] != 0; Length++) {
+      const CHAR16 Char = Line[Length];
+      const bool Separates =
+          OneDelimiter ? Char == Single : IsDelimiter(Char, Delimiters);
+      if (Separates) {
+        Row->Text[Length] =
+            (InWord && Seen <= RAID_ROW_MAX_WORDS + 1) ? 0 : Char;
+        InWord = false;
+        continue;
+      }
+      Row->Text[Length] = Char;
+      if (!InWord) {
+        Seen++;
+        if (Row->Count < RAID_ROW_MAX_WORDS) {
+          Row->Words[Row->Count++] = &Row->Text[Length];
+        }
+      }
+      InWord = true;
+    }
+  }
+  Row->Text[Length] = 0;
+  return Row->Count;
 }
 
 }  // namespace
 
 UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
                         RAID_ROW *Row) {
-  CopyRow(Line, Row);
-  CHAR16 *Position = nullptr;
-  for (CHAR16 *Word = RaidLibTokenize(Row->Text, Delimiters, &Position);
-       Word != nullptr && Row->Count < RAID_ROW_MAX_WORDS;
-       Word = RaidLibTokenize(nullptr, Delimiters, &Position)) {
-    Row->Words[Row->Count++] = Word;
+  if (Delimiters != nullptr && Delimiters[0] != 0 && Delimiters[1] == 0) {
+    return CopyAndSplit<true>(Line, Delimiters[0], Delimiters, Row);
   }
-  return Row->Count;
+  return CopyAndSplit<false>(Line, 0, Delimiters != nullptr ? Delimiters : u"",
+                             Row);
 }
 
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row) {
@@ -68,7 +100,21 @@ CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
 
 CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
                             RAID_ROW *Scratch) {
-  return RaidLibTrim(RaidLibSecondPiece(Line, Separators, Scratch));
+  // The piece is the scratch row's own: stripped where it stands rather
+  // than moved to its start.
+  CHAR16 *Piece = RaidLibSecondPiece(Line, Separators, Scratch);
+  if (Piece == nullptr) {
+    return nullptr;
+  }
+  while (*Piece != 0 && RaidLibIsSpace(*Piece)) {
+    Piece++;
+  }
+  UINTN Length = StrLen(Piece);
+  while (Length > 0 && RaidLibIsSpace(Piece[Length - 1])) {
+    Length--;
+  }
+  Piece[Length] = 0;
+  return Piece;
 }
 
 BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text) {

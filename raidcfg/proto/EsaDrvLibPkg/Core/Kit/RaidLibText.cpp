@@ -100,7 +100,25 @@ BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
   if (Line == nullptr || Needle == nullptr) {
     return FALSE;
   }
-  return StrStr(Line, Needle) != nullptr ? TRUE : FALSE;
+  // Lines are short and needles rarely start in them: look for the first
+  // character, and compare the rest only there.
+  const CHAR16 First = Needle[0];
+  if (First == 0) {
+    return TRUE;
+  }
+  for (const CHAR16 *Start = Line; *Start != 0; Start++) {
+    if (*Start != First) {
+      continue;
+    }
+    UINTN Index = 1;
+    while (Needle[Index] != 0 && Start[Index] == Needle[Index]) {
+      Index++;
+    }
+    if (Needle[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
 }
 
 // TRUE for the six white-space characters of C.
