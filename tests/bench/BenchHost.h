@@ -187,19 +187,31 @@ struct ReadCase {
   UINTN BufferChars = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16);
 };
 
+// The first read of Case on Host, untimed: whether it built the model, and
+// the outputs it was handed in *Outputs.
+inline bool FirstRead(LeanHost &Host, const ReadCase &Case,
+                      RAID_CONTROLLER *Controller,
+                      std::vector<const std::u16string *> *Outputs) {
+  Host.SetLogging(true);
+  UINT32 ErrorCode = 0;
+  const bool Read = !EFI_ERROR(Case.Read(Controller, &ErrorCode)) &&
+                    Case.Check(Controller);
+  Host.SetLogging(false);
+  *Outputs = Host.TakeLog();
+  return Read;
+}
+
 // Times Case's read with the model built afresh each time (the cached
 // output marked stale, as a refresh does).
 inline void TimeRead(benchmark::State &State, const ReadCase &Case) {
   LeanHost Host;
   Host.SetTool(Case.Tool);
   RAID_CONTROLLER *Controller = Case.NewController();
-  Host.SetLogging(true);
+  std::vector<const std::u16string *> Outputs;
+  bool Read = FirstRead(Host, Case, Controller, &Outputs);
   UINT32 ErrorCode = 0;
-  bool Read = !EFI_ERROR(Case.Read(Controller, &ErrorCode)) &&
-              Case.Check(Controller);
-  Host.SetLogging(false);
   UINTN Bytes = 0;
-  for (const std::u16string *Text : Host.TakeLog()) {
+  for (const std::u16string *Text : Outputs) {
     Bytes += std::min<UINTN>(Text->size(), Case.BufferChars - 1) * sizeof(CHAR16);
   }
   for (auto _ : State) {
@@ -220,10 +232,8 @@ inline void ScanRead(benchmark::State &State, const ReadCase &Case) {
   LeanHost Host;
   Host.SetTool(Case.Tool);
   RAID_CONTROLLER *Controller = Case.NewController();
-  Host.SetLogging(true);
-  UINT32 ErrorCode = 0;
-  (void)Case.Read(Controller, &ErrorCode);
-  const std::vector<const std::u16string *> Outputs = Host.TakeLog();
+  std::vector<const std::u16string *> Outputs;
+  (void)FirstRead(Host, Case, Controller, &Outputs);
   RaidLibFreeController(Controller);
   ScanOutputs(State, Outputs, Case.BufferChars);
 }

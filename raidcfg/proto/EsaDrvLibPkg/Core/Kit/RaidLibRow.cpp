@@ -61,6 +61,19 @@ UINTN CopyAndSplit(const CHAR16 *Line, CHAR16 Single, const CHAR16 *Delimiters,
   return Row->Count;
 }
 
+// The length of Text, moved past its leading white space, without its
+// trailing white space.
+[[nodiscard]] UINTN StrippedLength(const CHAR16 **Text) {
+  while (**Text != 0 && RaidLibIsSpace(**Text)) {
+    (*Text)++;
+  }
+  UINTN Length = StrLen(*Text);
+  while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
+    Length--;
+  }
+  return Length;
+}
+
 }  // namespace
 
 UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
@@ -106,13 +119,9 @@ CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
   if (Piece == nullptr) {
     return nullptr;
   }
-  while (*Piece != 0 && RaidLibIsSpace(*Piece)) {
-    Piece++;
-  }
-  UINTN Length = StrLen(Piece);
-  while (Length > 0 && RaidLibIsSpace(Piece[Length - 1])) {
-    Length--;
-  }
+  const CHAR16 *Start = Piece;
+  const UINTN Length = StrippedLength(&Start);
+  Piece += Start - Piece;
   Piece[Length] = 0;
   return Piece;
 }
@@ -144,13 +153,7 @@ CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars) {
   if (Text == nullptr) {
     return nullptr;
   }
-  while (*Text != 0 && RaidLibIsSpace(*Text)) {
-    Text++;
-  }
-  UINTN Length = StrLen(Text);
-  while (Length > 0 && RaidLibIsSpace(Text[Length - 1])) {
-    Length--;
-  }
+  UINTN Length = StrippedLength(&Text);
   if (MaxChars != 0 && Length > MaxChars) {
     Length = MaxChars;
   }
