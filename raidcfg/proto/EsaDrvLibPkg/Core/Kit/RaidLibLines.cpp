@@ -108,6 +108,15 @@ CHAR16 *RaidLibLineAhead(const RAID_LINE_CURSOR *Lines, UINTN Count) {
   return RaidLibSkipLines(&Ahead, Count);
 }
 
+VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
+                       UINTN Count) {
+  // Past the end, every further line is NULL.
+  RAID_LINE_CURSOR Walk = *Lines;
+  for (UINTN Index = 0; Index < Count; Index++) {
+    Ahead[Index] = RaidLibNextLine(&Walk);
+  }
+}
+
 VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines) {
   if (Lines->Current != nullptr) {
     Lines->Next = Lines->Current;
