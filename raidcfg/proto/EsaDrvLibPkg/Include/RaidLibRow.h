@@ -45,6 +45,9 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 // Unit code of a row's unit word, ignoring the CR that sticks to a row's
 // last word.
 [[nodiscard]] UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);
+// The length of Text without white space at its ends; *Text is moved past
+// the leading white space.
+[[nodiscard]] UINTN RaidLibStrippedLength(const CHAR16 **Text);
 // A pool copy of Text with white space stripped at both ends, at most
 // MaxChars characters (0: no limit but the text's own end); NULL for NULL
 // or when the pool is exhausted.

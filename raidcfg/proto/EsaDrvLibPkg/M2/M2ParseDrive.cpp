@@ -115,8 +115,7 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
     if (Model == nullptr) {
       return EFI_OUT_OF_RESOURCES;
     }
-    FreePool(Drive->Model);
-    Drive->Model = Model;
+    RaidLibReplaceDriveModel(Drive, Model);
   } else if (RaidLibStartsWith(Line, u"PD status")) {
     PlaceDrive(Read, Value);
   }

@@ -61,19 +61,6 @@ UINTN CopyAndSplit(const CHAR16 *Line, CHAR16 Single, const CHAR16 *Delimiters,
   return Row->Count;
 }
 
-// The length of Text, moved past its leading white space, without its
-// trailing white space.
-[[nodiscard]] UINTN StrippedLength(const CHAR16 **Text) {
-  while (**Text != 0 && RaidLibIsSpace(**Text)) {
-    (*Text)++;
-  }
-  UINTN Length = StrLen(*Text);
-  while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
-    Length--;
-  }
-  return Length;
-}
-
 }  // namespace
 
 UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
@@ -120,10 +107,21 @@ CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
     return nullptr;
   }
   const CHAR16 *Start = Piece;
-  const UINTN Length = StrippedLength(&Start);
+  const UINTN Length = RaidLibStrippedLength(&Start);
   Piece += Start - Piece;
   Piece[Length] = 0;
   return Piece;
+}
+
+UINTN RaidLibStrippedLength(const CHAR16 **Text) {
+  while (**Text != 0 && RaidLibIsSpace(**Text)) {
+    (*Text)++;
+  }
+  UINTN Length = StrLen(*Text);
+  while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
+    Length--;
+  }
+  return Length;
 }
 
 BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text) {
@@ -153,7 +151,7 @@ CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars) {
   if (Text == nullptr) {
     return nullptr;
   }
-  UINTN Length = StrippedLength(&Text);
+  UINTN Length = RaidLibStrippedLength(&Text);
   if (MaxChars != 0 && Length > MaxChars) {
     Length = MaxChars;
   }
