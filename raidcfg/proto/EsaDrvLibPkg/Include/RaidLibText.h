@@ -8,13 +8,47 @@
 #include <Uefi.h>
 
 // TRUE when Line is at least as long as Prefix and begins with it. An empty
-// prefix matches every line; NULL never matches.
-[[nodiscard]] BOOLEAN RaidLibStartsWith(const CHAR16 *Line,
-                                        const CHAR16 *Prefix);
+// prefix matches every line; NULL never matches. Inline: the parsers ask
+// it of nearly every line, and most lines differ in the first character.
+[[nodiscard]] inline BOOLEAN RaidLibStartsWith(const CHAR16 *Line,
+                                               const CHAR16 *Prefix) {
+  if (Line == nullptr || Prefix == nullptr) {
+    return FALSE;
+  }
+  for (UINTN Index = 0; Prefix[Index] != 0; Index++) {
+    if (Line[Index] != Prefix[Index]) {
+      return FALSE;  // Also stops at the end of a shorter line.
+    }
+  }
+  return TRUE;
+}
 
 // TRUE when Needle occurs anywhere in Line (an empty needle always does);
-// NULL never matches.
-[[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
+// NULL never matches. Inline for the same reason: the needle's first
+// character is looked for, and the rest compared only there.
+[[nodiscard]] inline BOOLEAN RaidLibContains(const CHAR16 *Line,
+                                             const CHAR16 *Needle) {
+  if (Line == nullptr || Needle == nullptr) {
+    return FALSE;
+  }
+  const CHAR16 First = Needle[0];
+  if (First == 0) {
+    return TRUE;
+  }
+  for (const CHAR16 *Start = Line; *Start != 0; Start++) {
+    if (*Start != First) {
+      continue;
+    }
+    UINTN Index = 1;
+    while (Needle[Index] != 0 && Start[Index] == Needle[Index]) {
+      Index++;
+    }
+    if (Needle[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
+}
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] BOOLEAN RaidLibIsSpace(CHAR16 Char);
