@@ -4,6 +4,7 @@
 #include <Library/BaseLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
+#include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
 namespace {
@@ -39,6 +40,27 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   return Cursor;
 }
 
+// The end of an output in the shared buffer, whose size the shell service
+// gave with the terminator it wrote behind the text: every character
+// before that terminator is the buffer's, so whole words of them are read.
+// NULL when the size word does not describe this output (a terminator
+// elsewhere is still found, one character at a time, by the caller).
+[[nodiscard]] CHAR16 *SharedOutputEnd(CHAR16 *Output, UINTN OutputChars) {
+  const UINTN Written = gRaidToolOutputSize / sizeof(CHAR16);
+  if (Output != gRaidToolOutput || Written >= OutputChars ||
+      Written >= RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16) ||
+      Output[Written] != 0) {
+    return nullptr;
+  }
+  CHAR16 *Cursor = Output;
+  CHAR16 *End = Output + Written;
+  while (End - Cursor >= static_cast<INTN>(kLanes) &&
+         !HasZeroLane(LoadLanes(Cursor))) {
+    Cursor += kLanes;
+  }
+  return FindTerminator(Cursor, End);
+}
+
 // The first line break from Cursor on, or End; every character before End
 // is the output's, so whole words of it are read while four remain.
 [[nodiscard]] CHAR16 *FindLineBreak(CHAR16 *Cursor, CHAR16 *End) {
@@ -61,8 +83,12 @@ VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars) {
   Lines->Next = Output;
   Lines->Current = nullptr;
-  Lines->End = Output == nullptr ? nullptr
-                                 : FindTerminator(Output, Output + OutputChars);
+  if (Output == nullptr) {
+    Lines->End = nullptr;
+    return;
+  }
+  CHAR16 *End = SharedOutputEnd(Output, OutputChars);
+  Lines->End = End != nullptr ? End : FindTerminator(Output, Output + OutputChars);
 }
 
 CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {
