@@ -51,7 +51,12 @@
 }
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
-[[nodiscard]] BOOLEAN RaidLibIsSpace(CHAR16 Char);
+[[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {
+  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
+          Char == u'\f' || Char == u'\v')
+             ? TRUE
+             : FALSE;
+}
 
 // Removes leading and trailing is-space characters in place; the text moves
 // to the start of the buffer so the caller's pointer stays valid for

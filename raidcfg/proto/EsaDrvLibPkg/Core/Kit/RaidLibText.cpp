@@ -82,14 +82,6 @@ INT32 HexDigitValue(CHAR16 Char) {
 
 }  // namespace
 
-// TRUE for the six white-space characters of C.
-BOOLEAN RaidLibIsSpace(CHAR16 Char) {
-  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
-          Char == u'\f' || Char == u'\v')
-             ? TRUE
-             : FALSE;
-}
-
 // Strips white space from both ends of Line in place.
 CHAR16 *RaidLibTrim(CHAR16 *Line) {
   if (Line == nullptr) {
