@@ -24,6 +24,11 @@ UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
 // The same at blanks: the words of a table row.
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 
+// The Index-th word of Line (from 0) as RaidLibSplitRow cuts it, copied
+// alone into Row (its only word); NULL when the row has no such word.
+[[nodiscard]] CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index,
+                                     RAID_ROW *Row);
+
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.
 [[nodiscard]] const CHAR16 *RaidLibValueAfter(const CHAR16 *Line,

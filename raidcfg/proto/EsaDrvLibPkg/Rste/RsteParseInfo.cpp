@@ -75,8 +75,7 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // The Index-th " "-word of Line (from 0); NULL when there is none.
 [[nodiscard]] const CHAR16 *Word(const CHAR16 *Line, UINTN Index,
                                  RAID_ROW *Row) {
-  RaidLibSplitRow(Line, Row);
-  return Index < RAID_ROW_MAX_WORDS ? Row->Words[Index] : nullptr;
+  return RaidLibRowWord(Line, Index, Row);
 }
 
 // The second ":"-piece of the Index-th " "-word of Line; NULL without one.

@@ -76,6 +76,39 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row) {
   return RaidLibSplitRowOn(Line, u" ", Row);
 }
 
+CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
+  for (UINTN Slot = 0; Slot < RAID_ROW_MAX_WORDS; Slot++) {
+    Row->Words[Slot] = nullptr;
+  }
+  Row->Count = 0;
+  Row->Text[0] = 0;
+  if (Line == nullptr || Index >= RAID_ROW_MAX_WORDS) {
+    return nullptr;
+  }
+  // Within the part of the line a row holds, as the split sees it.
+  const UINTN Limit = RAID_ROW_CHARS - 1;
+  UINTN At = 0;
+  for (UINTN Word = 0;; Word++) {
+    while (At < Limit && Line[At] == u' ') {
+      At++;
+    }
+    if (At >= Limit || Line[At] == 0) {
+      return nullptr;
+    }
+    const UINTN Start = At;
+    while (At < Limit && Line[At] != 0 && Line[At] != u' ') {
+      At++;
+    }
+    if (Word == Index) {
+      CopyMem(Row->Text, Line + Start, (At - Start) * sizeof(CHAR16));
+      Row->Text[At - Start] = 0;
+      Row->Words[0] = Row->Text;
+      Row->Count = 1;
+      return Row->Text;
+    }
+  }
+}
+
 const CHAR16 *RaidLibValueAfter(const CHAR16 *Line, CHAR16 Separator) {
   if (Line == nullptr) {
     return nullptr;
