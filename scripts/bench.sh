@@ -8,8 +8,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 BENCHES=(bench_lsi_summary bench_mchp_getconfig bench_rste_info bench_m2_info)
 OUT=build/release/bench-results
-export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-$(command -v ccache || true)}
-export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER:-$(command -v ccache || true)}
+CCACHE=$(command -v ccache || true)
+export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-$CCACHE}
+export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER:-$CCACHE}
 
 cmake --preset release >/dev/null
 cmake --build --preset release -j2 --target "${BENCHES[@]}" >/dev/null
@@ -41,7 +42,8 @@ def micros(b):
     scale = {"ns": 1e-3, "us": 1.0, "ms": 1e3, "s": 1e6}[b["time_unit"]]
     return b["cpu_time"] * scale
 
-print(f"{'parser':<16} {'bytes':>9} {'time':>11} {'scan time':>11} {'ratio':>6}")
+print(f"{'parser':<16} {'bytes':>9} {'time':>11} {'scan time':>11} "
+      f"{'ratio':>6}")
 worst = 0.0
 for name in order:
     parse, scan = rows[name], rows.get(name + "_scan")

@@ -212,7 +212,8 @@ inline void TimeRead(benchmark::State &State, const ReadCase &Case) {
   UINT32 ErrorCode = 0;
   UINTN Bytes = 0;
   for (const std::u16string *Text : Outputs) {
-    Bytes += std::min<UINTN>(Text->size(), Case.BufferChars - 1) * sizeof(CHAR16);
+    Bytes +=
+        std::min<UINTN>(Text->size(), Case.BufferChars - 1) * sizeof(CHAR16);
   }
   for (auto _ : State) {
     if (!Read) {

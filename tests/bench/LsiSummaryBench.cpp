@@ -83,7 +83,9 @@ void ParseSummary(benchmark::State &State) {
 }
 BENCHMARK(ParseSummary)->Name("lsi_summary");
 
-void ScanSummary(benchmark::State &State) { bench::ScanText(State, FullSummary()); }
+void ScanSummary(benchmark::State &State) {
+  bench::ScanText(State, FullSummary());
+}
 BENCHMARK(ScanSummary)->Name("lsi_summary_scan");
 
 // A configured adapter of 208 drives: 8 RAID 5 groups of 26 drives with

@@ -70,7 +70,9 @@ void ParseInfo(benchmark::State &State) {
 }
 BENCHMARK(ParseInfo)->Name("rste_info");
 
-void ScanInfo(benchmark::State &State) { bench::ScanText(State, LargeReport()); }
+void ScanInfo(benchmark::State &State) {
+  bench::ScanText(State, LargeReport());
+}
 BENCHMARK(ScanInfo)->Name("rste_info_scan");
 
 // The whole read of the same engine: "/V", "/I" (cut to the buffer) and

@@ -24,31 +24,8 @@
 }
 
 // TRUE when Needle occurs anywhere in Line (an empty needle always does);
-// NULL never matches. Inline for the same reason: the needle's first
-// character is looked for, and the rest compared only there.
-[[nodiscard]] inline BOOLEAN RaidLibContains(const CHAR16 *Line,
-                                             const CHAR16 *Needle) {
-  if (Line == nullptr || Needle == nullptr) {
-    return FALSE;
-  }
-  const CHAR16 First = Needle[0];
-  if (First == 0) {
-    return TRUE;
-  }
-  for (const CHAR16 *Start = Line; *Start != 0; Start++) {
-    if (*Start != First) {
-      continue;
-    }
-    UINTN Index = 1;
-    while (Needle[Index] != 0 && Start[Index] == Needle[Index]) {
-      Index++;
-    }
-    if (Needle[Index] == 0) {
-      return TRUE;
-    }
-  }
-  return FALSE;
-}
+// NULL never matches.
+[[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {

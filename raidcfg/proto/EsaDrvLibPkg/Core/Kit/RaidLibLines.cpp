@@ -88,7 +88,8 @@ VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
     return;
   }
   CHAR16 *End = SharedOutputEnd(Output, OutputChars);
-  Lines->End = End != nullptr ? End : FindTerminator(Output, Output + OutputChars);
+  Lines->End =
+      End != nullptr ? End : FindTerminator(Output, Output + OutputChars);
 }
 
 CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {

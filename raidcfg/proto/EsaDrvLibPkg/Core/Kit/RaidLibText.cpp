@@ -82,6 +82,31 @@ INT32 HexDigitValue(CHAR16 Char) {
 
 }  // namespace
 
+// TRUE when Needle occurs in Line: the needle's first character is looked
+// for, and the rest compared only there.
+BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
+  if (Line == nullptr || Needle == nullptr) {
+    return FALSE;
+  }
+  const CHAR16 First = Needle[0];
+  if (First == 0) {
+    return TRUE;
+  }
+  for (const CHAR16 *Start = Line; *Start != 0; Start++) {
+    if (*Start != First) {
+      continue;
+    }
+    UINTN Index = 1;
+    while (Needle[Index] != 0 && Start[Index] == Needle[Index]) {
+      Index++;
+    }
+    if (Needle[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
+}
+
 // Strips white space from both ends of Line in place.
 CHAR16 *RaidLibTrim(CHAR16 *Line) {
   if (Line == nullptr) {
