@@ -24,6 +24,7 @@
 
 #include "RaidLib.h"
 #include "RaidLibToolRunner.h"
+#include "ScriptedTool.h"
 #include "emu/Emulator.h"
 
 namespace bench {
@@ -177,14 +178,26 @@ inline CHAR16 *LoadShared(const std::u16string &Text) {
 // A backend's full read of one adapter, as the wizard asks for it.
 struct ReadCase {
   LeanHost::Tool Tool;
-  // The controller record, its lists empty and its card number set.
-  std::function<RAID_CONTROLLER *()> NewController;
+  const char16_t *ToolName = u"";
+  UINT32 CardId = 0;
   // GetControllerInfo of the backend.
-  std::function<EFI_STATUS(RAID_CONTROLLER *, UINT32 *)> Read;
-  // TRUE when the model holds what the adapter has.
-  std::function<bool(const RAID_CONTROLLER *)> Check;
+  EFI_STATUS (*Read)(RAID_CONTROLLER *, RAID_CONTROLLER_PRIVATE *,
+                     UINT32 *) = nullptr;
+  // The drives the model must hold (0: any number but none).
+  UINT32 Drives = 0;
   // The characters of the buffer the backend reads its outputs into.
   UINTN BufferChars = RAID_TOOL_OUTPUT_SIZE / sizeof(CHAR16);
+
+  [[nodiscard]] RAID_CONTROLLER *NewController() const {
+    RAID_CONTROLLER *Controller =
+        backend_test::NewToolController(ToolName, u"adapter", nullptr);
+    Controller->Private->CardId = CardId;
+    return Controller;
+  }
+  [[nodiscard]] bool Holds(const RAID_CONTROLLER *Controller) const {
+    return Drives == 0 ? Controller->DiskDriveCount != 0
+                       : Controller->DiskDriveCount == Drives;
+  }
 };
 
 // The first read of Case on Host, untimed: whether it built the model, and
@@ -194,8 +207,8 @@ inline bool FirstRead(LeanHost &Host, const ReadCase &Case,
                       std::vector<const std::u16string *> *Outputs) {
   Host.SetLogging(true);
   UINT32 ErrorCode = 0;
-  const bool Read = !EFI_ERROR(Case.Read(Controller, &ErrorCode)) &&
-                    Case.Check(Controller);
+  const bool Read = !EFI_ERROR(Case.Read(Controller, nullptr, &ErrorCode)) &&
+                    Case.Holds(Controller);
   Host.SetLogging(false);
   *Outputs = Host.TakeLog();
   return Read;
@@ -221,7 +234,7 @@ inline void TimeRead(benchmark::State &State, const ReadCase &Case) {
       break;
     }
     Controller->Private->Flags &= ~RAID_FLAG_OUTPUT_VALID;
-    Read = !EFI_ERROR(Case.Read(Controller, &ErrorCode));
+    Read = !EFI_ERROR(Case.Read(Controller, nullptr, &ErrorCode));
   }
   State.counters["bytes"] = static_cast<double>(Bytes);
   RaidLibFreeController(Controller);

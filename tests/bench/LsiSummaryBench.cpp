@@ -120,18 +120,9 @@ bench::ReadCase ConfiguredAdapter() {
        {"driveGroups", Groups}}));
   bench::ReadCase Case;
   Case.Tool = [Tool](const std::string &Line) { return Tool->Run(Line); };
-  Case.NewController = [] {
-    RAID_CONTROLLER *Controller = backend_test::NewToolController(
-        u"storcli.efi", u"MegaRAID 9560-16i", nullptr);
-    Controller->Private->CardId = 0;
-    return Controller;
-  };
-  Case.Read = [](RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-    return LsiGetControllerInfo(Controller, nullptr, ErrorCode);
-  };
-  Case.Check = [](const RAID_CONTROLLER *Controller) {
-    return Controller->DiskDriveCount == kGroups * kGroupDrives;
-  };
+  Case.ToolName = u"storcli.efi";
+  Case.Read = LsiGetControllerInfo;
+  Case.Drives = kGroups * kGroupDrives;
   return Case;
 }
 

@@ -96,16 +96,9 @@ bench::ReadCase FullAdapter() {
        {"volumes", {{{"id", 0}, {"level", 1}, {"drives", {0, 1}}}}}}));
   bench::ReadCase Case;
   Case.Tool = [Tool](const std::string &Line) { return Tool->Run(Line); };
-  Case.NewController = [] {
-    return backend_test::NewToolController(u"mvsetup.efi", u"M.2 adapter",
-                                           nullptr);
-  };
-  Case.Read = [](RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-    return M2GetControllerInfo(Controller, nullptr, ErrorCode);
-  };
-  Case.Check = [](const RAID_CONTROLLER *Controller) {
-    return Controller->DiskDriveCount == 4;
-  };
+  Case.ToolName = u"mvsetup.efi";
+  Case.Read = M2GetControllerInfo;
+  Case.Drives = 4;
   return Case;
 }
 

@@ -59,18 +59,10 @@ bench::ReadCase FullAdapter() {
   auto Text = std::make_shared<const std::string>(FullReport());
   bench::ReadCase Case;
   Case.Tool = [Text](const std::string &) { return *Text; };
-  Case.NewController = [] {
-    RAID_CONTROLLER *Controller = backend_test::NewToolController(
-        u"arcconf.efi", u"SmartRAID", nullptr);
-    Controller->Private->CardId = 1;
-    return Controller;
-  };
-  Case.Read = [](RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-    return MchpGetControllerInfo(Controller, nullptr, ErrorCode);
-  };
-  Case.Check = [](const RAID_CONTROLLER *Controller) {
-    return Controller->DiskDriveCount == kDevices;
-  };
+  Case.ToolName = u"arcconf.efi";
+  Case.CardId = 1;
+  Case.Read = MchpGetControllerInfo;
+  Case.Drives = kDevices;
   Case.BufferChars = MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16);
   return Case;
 }

@@ -83,15 +83,8 @@ bench::ReadCase LargeEngine() {
   Case.Tool = [Server](const std::string &Line) {
     return sim::intel::RunRcfg(*Server, Line);
   };
-  Case.NewController = [] {
-    return backend_test::NewToolController(u"RCfgSata.efi", u"Intel", nullptr);
-  };
-  Case.Read = [](RAID_CONTROLLER *Controller, UINT32 *ErrorCode) {
-    return rste::RsteGetControllerInfo(Controller, nullptr, ErrorCode);
-  };
-  Case.Check = [](const RAID_CONTROLLER *Controller) {
-    return Controller->DiskDriveCount != 0;
-  };
+  Case.ToolName = u"RCfgSata.efi";
+  Case.Read = rste::RsteGetControllerInfo;
   return Case;
 }
 
