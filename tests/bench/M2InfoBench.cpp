@@ -1,18 +1,21 @@
-// How much the M.2 drive report costs over merely reading its bytes: a full
+// How much the M.2 reads cost over merely reading their bytes: a full
 // 80960-byte "info -o pd" output of drive blocks, read in the report's two
-// passes into a drive table made for all of them.
+// passes into a drive table made for all of them, and the whole read of a
+// full adapter.
 #include <Library/MemoryAllocationLib.h>
 #include <Library/UefiBootServicesTableLib.h>
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <string>
 
 #include "M2Backend.h"
 #include "RaidLibModelBuild.h"
 #include "RaidLibToolRunner.h"
-#include "ScanFloor.h"
+#include "BenchHost.h"
 #include "ScriptedTool.h"
-#include "emu/Emulator.h"
+#include "sim/marvell/MarvellJson.h"
+#include "sim/marvell/Mvcli.h"
 
 using namespace m2;
 
@@ -48,15 +51,13 @@ std::string FullDriveReport(UINT32 *Drives) {
 }
 
 void ParseDriveReport(benchmark::State &State) {
-  emu::Firmware Firmware;
-  gST = Firmware.SystemTable();
-  gBS = gST->BootServices;
+  bench::LeanHost Host;
   RAID_CONTROLLER *Controller =
       backend_test::NewToolController(u"mvsetup.efi", u"M.2 adapter", nullptr);
   UINT32 Drives = 0;
-  const std::string Text = FullDriveReport(&Drives);
+  const std::u16string Text = bench::Widen(FullDriveReport(&Drives));
   for (auto _ : State) {
-    backend_test::LoadToolText(Text);
+    bench::LoadShared(Text);
     (VOID)RaidLibResetControllerModel(Controller);
     RAID_ARRAY *Array = RaidLibAddNamedArray(Controller, M2_ARRAY_ID,
                                              M2_ARRAY_NAME, M2_ARRAY_EXTRA_SIZE);
@@ -70,19 +71,37 @@ void ParseDriveReport(benchmark::State &State) {
       break;
     }
   }
-  State.SetBytesProcessed(State.iterations() * Text.size() * sizeof(CHAR16));
-  State.counters["drives"] = Drives;
+  State.counters["bytes"] = static_cast<double>(Text.size() * sizeof(CHAR16));
   RaidLibFreeController(Controller);
-  gBS = nullptr;
-  gST = nullptr;
 }
-BENCHMARK(ParseDriveReport);
+BENCHMARK(ParseDriveReport)->Name("m2_pd");
 
-// The floor: the same copy into the buffer and one pass counting lines.
 void ScanDriveReport(benchmark::State &State) {
   UINT32 Drives = 0;
-  ScanToolText(State, FullDriveReport(&Drives));
+  bench::ScanText(State, FullDriveReport(&Drives));
 }
-BENCHMARK(ScanDriveReport);
+BENCHMARK(ScanDriveReport)->Name("m2_pd_scan");
+
+// The whole read of the fullest M.2 adapter the tool knows: four drives, two
+// of them in a RAID 1 volume ("info -o hba", "-o vd", "-o pd").
+bench::ReadCase FullAdapter() {
+  nlohmann::json Drives = nlohmann::json::array();
+  for (int Drive = 0; Drive < 4; Drive++) {
+    Drives.push_back({{"id", Drive}, {"type", "SATA"}, {"size", "234431064 K"},
+                      {"model", "MTFDDAV240TDU"}});
+  }
+  auto Tool = std::make_shared<sim::marvell::Mvcli>();
+  Tool->AddAdapter(sim::marvell::AdapterFromJson(
+      {{"maxDisks", 4}, {"drives", Drives},
+       {"volumes", {{{"id", 0}, {"level", 1}, {"drives", {0, 1}}}}}}));
+  bench::ReadCase Case;
+  Case.Tool = [Tool](const std::string &Line) { return Tool->Run(Line); };
+  Case.ToolName = u"mvsetup.efi";
+  Case.Read = M2GetControllerInfo;
+  Case.Drives = 4;
+  return Case;
+}
+
+const bool kRegistered = (bench::RegisterRead("m2_read", FullAdapter), true);
 
 }  // namespace

@@ -6,11 +6,13 @@
 #include <Library/UefiBootServicesTableLib.h>
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <string>
 
+#include "BenchHost.h"
 #include "MchpBackend.h"
 #include "RaidLibToolRunner.h"
-#include "emu/Emulator.h"
+#include "ScriptedTool.h"
 #include "sim/microchip/Arcconf.h"
 #include "sim/microchip/MicrochipJson.h"
 
@@ -53,61 +55,18 @@ std::string FullReport() {
   return Text;
 }
 
-RAID_CONTROLLER *NewController() {
-  auto *Controller = uefi::AllocateRecord<RAID_CONTROLLER>();
-  Controller->Private = uefi::AllocateRecord<RAID_CONTROLLER_PRIVATE>();
-  Controller->Capability = uefi::AllocateRecord<RAID_CAPABILITY>();
-  Controller->Capability->ToolName = static_cast<CHAR16 *>(
-      AllocateCopyPool(sizeof(u"arcconf.efi"), u"arcconf.efi"));
-  InitializeListHead(&Controller->PhysicalDriveList);
-  InitializeListHead(&Controller->SpareDriveList);
-  InitializeListHead(&Controller->ArrayList);
-  Controller->Private->CardId = 1;
-  return Controller;
+bench::ReadCase FullAdapter() {
+  auto Text = std::make_shared<const std::string>(FullReport());
+  bench::ReadCase Case;
+  Case.Tool = [Text](const std::string &) { return *Text; };
+  Case.ToolName = u"arcconf.efi";
+  Case.CardId = 1;
+  Case.Read = MchpGetControllerInfo;
+  Case.Drives = kDevices;
+  Case.BufferChars = MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16);
+  return Case;
 }
 
-void ReadGetconfig(benchmark::State &State) {
-  emu::Firmware Firmware;
-  gST = Firmware.SystemTable();
-  gBS = gST->BootServices;
-  const std::string Text = FullReport();
-  emu::ShellCommand Shell(Firmware);
-  Shell.SetHandler([&Text](const std::string &) { return Text; });
-  RAID_CONTROLLER *Controller = NewController();
-  for (auto _ : State) {
-    Controller->Private->Flags = 0;
-    UINT32 ErrorCode = 0;
-    if (EFI_ERROR(MchpGetControllerInfo(Controller, nullptr, &ErrorCode)) ||
-        Controller->DiskDriveCount != kDevices) {
-      State.SkipWithError("the report did not read");
-      break;
-    }
-  }
-  State.SetBytesProcessed(State.iterations() * MCHP_GETCONFIG_COPY_BYTES);
-  RaidLibFreeController(Controller);
-  RaidLibResetToolRunner();
-  gBS = nullptr;
-  gST = nullptr;
-}
-BENCHMARK(ReadGetconfig);
-
-// The floor: the same characters into the buffer and one pass counting
-// lines.
-void ScanGetconfig(benchmark::State &State) {
-  const std::string Text = FullReport();
-  for (auto _ : State) {
-    for (size_t I = 0; I < Text.size(); I++) {
-      gMchpGetconfigOutput[I] = static_cast<unsigned char>(Text[I]);
-    }
-    gMchpGetconfigOutput[Text.size()] = 0;
-    UINTN Lines = 0;
-    for (const CHAR16 *Cursor = gMchpGetconfigOutput; *Cursor != 0; Cursor++) {
-      Lines += *Cursor == u'\n';
-    }
-    benchmark::DoNotOptimize(Lines);
-  }
-  State.SetBytesProcessed(State.iterations() * MCHP_GETCONFIG_COPY_BYTES);
-}
-BENCHMARK(ScanGetconfig);
+const bool kRegistered = (bench::RegisterRead("mchp_read", FullAdapter), true);
 
 }  // namespace

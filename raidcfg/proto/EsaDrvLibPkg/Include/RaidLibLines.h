@@ -30,6 +30,11 @@ VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
 // The line Count further on, without moving.
 [[nodiscard]] CHAR16 *RaidLibLineAhead(const RAID_LINE_CURSOR *Lines,
                                        UINTN Count);
+// The next Count lines without moving, in one walk: Ahead[k - 1] is the
+// line k further on (as RaidLibLineAhead gives it), NULL past the output's
+// end.
+VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
+                       UINTN Count);
 // The line last returned is returned again by the next RaidLibNextLine: a
 // section reader that met the next section's first line hands it back.
 VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);

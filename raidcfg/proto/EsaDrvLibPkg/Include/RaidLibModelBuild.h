@@ -50,10 +50,19 @@
 // A drive record numbered Id with a copy of Location, a copy of Model cut
 // to ModelChars characters (blanks stripped at both ends of both) and a
 // zeroed Position; linked nowhere yet. NULL when the pool is exhausted.
+// The record, its Position and both texts are one pool block (the texts
+// and Position are released with the record by RaidLibFreePhysicalDrive).
 [[nodiscard]] RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id,
                                                    const CHAR16 *Location,
                                                    const CHAR16 *Model,
                                                    UINTN ModelChars);
+// Replaces the drive's Model by Model, a pool string the drive then owns.
+VOID RaidLibReplaceDriveModel(RAID_PHYSICAL_DRIVE *Drive, CHAR16 *Model);
+// TRUE when Part (the drive's Location, Model or Position) lies in the
+// drive's own block, made with it by RaidLibNewDrive, rather than in a pool
+// block of its own.
+[[nodiscard]] BOOLEAN RaidLibInDriveBlock(const RAID_PHYSICAL_DRIVE *Drive,
+                                          const VOID *Part);
 
 // The controller's array numbered Id, or NULL.
 [[nodiscard]] RAID_ARRAY *RaidLibFindArray(RAID_CONTROLLER *Controller,

@@ -24,6 +24,11 @@ UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
 // The same at blanks: the words of a table row.
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 
+// The Index-th word of Line (from 0) as RaidLibSplitRow cuts it, copied
+// alone into Row (its only word); NULL when the row has no such word.
+[[nodiscard]] CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index,
+                                     RAID_ROW *Row);
+
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.
 [[nodiscard]] const CHAR16 *RaidLibValueAfter(const CHAR16 *Line,
@@ -45,6 +50,9 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 // Unit code of a row's unit word, ignoring the CR that sticks to a row's
 // last word.
 [[nodiscard]] UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);
+// The length of Text without white space at its ends; *Text is moved past
+// the leading white space.
+[[nodiscard]] UINTN RaidLibStrippedLength(const CHAR16 **Text);
 // A pool copy of Text with white space stripped at both ends, at most
 // MaxChars characters (0: no limit but the text's own end); NULL for NULL
 // or when the pool is exhausted.

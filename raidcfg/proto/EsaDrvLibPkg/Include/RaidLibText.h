@@ -8,16 +8,32 @@
 #include <Uefi.h>
 
 // TRUE when Line is at least as long as Prefix and begins with it. An empty
-// prefix matches every line; NULL never matches.
-[[nodiscard]] BOOLEAN RaidLibStartsWith(const CHAR16 *Line,
-                                        const CHAR16 *Prefix);
+// prefix matches every line; NULL never matches. Inline: the parsers ask
+// it of nearly every line, and most lines differ in the first character.
+[[nodiscard]] inline BOOLEAN RaidLibStartsWith(const CHAR16 *Line,
+                                               const CHAR16 *Prefix) {
+  if (Line == nullptr || Prefix == nullptr) {
+    return FALSE;
+  }
+  for (UINTN Index = 0; Prefix[Index] != 0; Index++) {
+    if (Line[Index] != Prefix[Index]) {
+      return FALSE;  // Also stops at the end of a shorter line.
+    }
+  }
+  return TRUE;
+}
 
 // TRUE when Needle occurs anywhere in Line (an empty needle always does);
 // NULL never matches.
 [[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
-[[nodiscard]] BOOLEAN RaidLibIsSpace(CHAR16 Char);
+[[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {
+  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
+          Char == u'\f' || Char == u'\v')
+             ? TRUE
+             : FALSE;
+}
 
 // Removes leading and trailing is-space characters in place; the text moves
 // to the start of the buffer so the caller's pointer stays valid for

@@ -35,13 +35,13 @@ struct DriveRead {
 // The drive count the report gives: "Total # of PD", 0 when empty or absent.
 [[nodiscard]] UINT32 ReportedDriveCount(RAID_LINE_CURSOR Lines) {
   UINT32 Count = 0;
-  (VOID)M2EachKeyLine(Lines, [&Count](const CHAR16 *Line,
-                                      const CHAR16 *Value) {
+  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
+       Line = RaidLibNextLine(&Lines)) {
     if (RaidLibStartsWith(Line, u"Total # of PD")) {
-      Count = M2ReadCount(Value);
+      RAID_ROW Scratch;
+      Count = M2ReadCount(M2LineValue(Line, &Scratch));
     }
-    return EFI_SUCCESS;
-  });
+  }
   return Count;
 }
 
@@ -115,8 +115,7 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
     if (Model == nullptr) {
       return EFI_OUT_OF_RESOURCES;
     }
-    FreePool(Drive->Model);
-    Drive->Model = Model;
+    RaidLibReplaceDriveModel(Drive, Model);
   } else if (RaidLibStartsWith(Line, u"PD status")) {
     PlaceDrive(Read, Value);
   }

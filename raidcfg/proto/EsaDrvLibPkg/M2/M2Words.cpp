@@ -1,5 +1,7 @@
 // The M.2 tools' values: "key: value" lines, sizes with a unit letter, and
 // the words for states, stripe sizes, RAID modes and drive types.
+#include <Library/BaseMemoryLib.h>
+
 #include "M2Backend.h"
 #include "RaidLibText.h"
 #include "RaidLibWordTable.h"
@@ -65,8 +67,38 @@ constexpr UINT32 kLargestCount = ~static_cast<UINT32>(0);
 }  // namespace
 
 CHAR16 *M2LineValue(const CHAR16 *Line, RAID_ROW *Scratch) {
-  CHAR16 *Value = RaidLibTrimmedValue(Line, u":", Scratch);
-  return (Value == nullptr || Value[0] == 0) ? nullptr : Value;
+  if (Line == nullptr) {
+    return nullptr;
+  }
+  // As far as a row holds the line: the piece behind the first run of
+  // colons, up to the next colon; only that piece is copied.
+  const UINTN Limit = RAID_ROW_CHARS - 1;
+  UINTN Index = 0;
+  while (Index < Limit && Line[Index] == u':') {
+    Index++;
+  }
+  while (Index < Limit && Line[Index] != 0 && Line[Index] != u':') {
+    Index++;
+  }
+  while (Index < Limit && Line[Index] == u':') {
+    Index++;
+  }
+  UINTN Start = Index;
+  while (Index < Limit && Line[Index] != 0 && Line[Index] != u':') {
+    Index++;
+  }
+  while (Start < Index && RaidLibIsSpace(Line[Start])) {
+    Start++;
+  }
+  while (Index > Start && RaidLibIsSpace(Line[Index - 1])) {
+    Index--;
+  }
+  if (Index == Start) {
+    return nullptr;
+  }
+  CopyMem(Scratch->Text, Line + Start, (Index - Start) * sizeof(CHAR16));
+  Scratch->Text[Index - Start] = 0;
+  return Scratch->Text;
 }
 
 UINT64 M2ReadSize(const CHAR16 *Value, M2SizeOf What) {

@@ -288,9 +288,18 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
     LineCount++;
-    Drives += RaidLibContains(Line, u"Device is a HardDrive") ? 1 : 0;
-    Volumes += RaidLibContains(Line, u"Logical Device number") ? 1 : 0;
-    Arrays += RaidLibContains(Line, u"Array Number") ? 1 : 0;
+    // One pass over the line for the three phrases, each counted once.
+    bool Drive = false;
+    bool Volume = false;
+    bool Array = false;
+    for (const CHAR16 *At = Line; *At != 0; At++) {
+      Drive = Drive || RaidLibStartsWith(At, u"Device is a HardDrive");
+      Volume = Volume || RaidLibStartsWith(At, u"Logical Device number");
+      Array = Array || RaidLibStartsWith(At, u"Array Number");
+    }
+    Drives += Drive ? 1 : 0;
+    Volumes += Volume ? 1 : 0;
+    Arrays += Array ? 1 : 0;
   }
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "[%a] : %d LineCount:%d pds/lds/ars:%d/%d/%d\n",

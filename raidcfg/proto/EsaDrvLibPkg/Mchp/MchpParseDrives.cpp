@@ -57,8 +57,9 @@ typedef struct {
 [[nodiscard]] UINT32 ArrayNumberAhead(const RAID_LINE_CURSOR *Lines,
                                       UINT32 Previous) {
   CHAR16 Value[MCHP_KEYWORD_CHARS];
-  for (UINTN Ahead = 1; Ahead <= kArrayLookAhead; Ahead++) {
-    CHAR16 *Line = RaidLibLineAhead(Lines, Ahead);
+  RAID_LINE_CURSOR Ahead = *Lines;
+  for (UINTN Count = 1; Count <= kArrayLookAhead; Count++) {
+    CHAR16 *Line = RaidLibNextLine(&Ahead);
     if (Line == nullptr) {
       break;
     }
@@ -89,8 +90,9 @@ VOID Classify(DRIVE_BLOCK *Block, UINT32 State, UINT32 Role, BOOLEAN InArray) {
 // prints one; each found counts, the last one wins).
 VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
                              const CHAR16 *Word, DRIVE_BLOCK *Block) {
-  for (UINTN Ahead = 1; Ahead <= kConfigurationLookAhead; Ahead++) {
-    CHAR16 *Line = RaidLibLineAhead(Lines, Ahead);
+  RAID_LINE_CURSOR Ahead = *Lines;
+  for (UINTN Count = 1; Count <= kConfigurationLookAhead; Count++) {
+    CHAR16 *Line = RaidLibNextLine(&Ahead);
     if (Line == nullptr) {
       return;
     }

@@ -24,6 +24,9 @@ constexpr UINT32 kMostDisks = 1024;
 constexpr UINT32 kMissingDiskNumber = 0xFFFFFFFFU;
 constexpr UINT64 kGiB = 1ULL << 30;
 constexpr UINTN kModelChars = 100;
+// The lines of a volume's and a disk's block read below its header line.
+constexpr UINTN kVolumeLines = 4;
+constexpr UINTN kDiskLines = 7;
 
 constexpr RAID_WORD_CODE kDiskStates[] = {
     {u"(Non-RAID", RAID_STATE4_NON_RAID, RAID_ROLE_UNCONFIGURED},
@@ -72,8 +75,7 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // The Index-th " "-word of Line (from 0); NULL when there is none.
 [[nodiscard]] const CHAR16 *Word(const CHAR16 *Line, UINTN Index,
                                  RAID_ROW *Row) {
-  RaidLibSplitRow(Line, Row);
-  return Index < RAID_ROW_MAX_WORDS ? Row->Words[Index] : nullptr;
+  return RaidLibRowWord(Line, Index, Row);
 }
 
 // The second ":"-piece of the Index-th " "-word of Line; NULL without one.
@@ -200,13 +202,14 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
                               OPEN_BLOCK *Open, UINT32 *ErrorCode) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
-  RAID_ARRAY *Array =
-      ArrayWithId(Controller, DecimalPieceOfWord(RaidLibLineAhead(Lines, 4), 2));
+  CHAR16 *Ahead[kVolumeLines];
+  RaidLibLinesAhead(Lines, Ahead, kVolumeLines);
+  RAID_ARRAY *Array = ArrayWithId(Controller, DecimalPieceOfWord(Ahead[3], 2));
   if (Array == nullptr) {
     return true;  // a volume of no array listed has no place in the model
   }
   RAID_ROW Scratch;
-  CHAR16 *Name = RaidLibTrimmedValue(RaidLibLineAhead(Lines, 1), u":", &Scratch);
+  CHAR16 *Name = RaidLibTrimmedValue(Ahead[0], u":", &Scratch);
   RAID_VOLUME *Volume = RaidLibAddVolume(Array, *VolumeCount, Name, 0);
   if (Volume == nullptr) {
     return false;
@@ -219,7 +222,7 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
   if (Array->VolumeCount == 2) {
     DropFreeSegments(Array);
   }
-  const CHAR16 *Level = RaidLibLineAhead(Lines, 2);
+  const CHAR16 *Level = Ahead[1];
   Array->RaidLevel = static_cast<UINT8>(DecimalPieceOfWord(Level, 0));
   const RAID_WORD_CODE *Stripe =
       RaidLibFindWord(kStripeTable, PieceOfWord(Level, 3, &Scratch));
@@ -229,7 +232,7 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
     *ErrorCode = RSTE_ERROR_STRIPE_SIZE;
   }
   RAID_ROW Row;
-  Open->BlockCount = RaidLibReadHex(Word(RaidLibLineAhead(Lines, 3), 1, &Row));
+  Open->BlockCount = RaidLibReadHex(Word(Ahead[2], 1, &Row));
   Open->Volume = Volume;
   return true;
 }
@@ -276,7 +279,9 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
                             RAID_DRIVE_TABLE_FILL *Table, OPEN_BLOCK *Open) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
-  const CHAR16 *IdLine = RaidLibLineAhead(Lines, 4);
+  CHAR16 *Ahead[kDiskLines];
+  RaidLibLinesAhead(Lines, Ahead, kDiskLines);
+  const CHAR16 *IdLine = Ahead[3];
   UINT64 Number = HexPieceOfWord(IdLine, 0);
   UINT32 Id = Number > 0xFFFFFFFFULL ? kMissingDiskNumber
                                      : static_cast<UINT32>(Number);
@@ -284,9 +289,9 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   const RAID_WORD_CODE &State =
       RaidLibClassifyWord(kDiskStateTable, Word(IdLine, 1, &Row));
   RAID_ARRAY *Owner =
-      ArrayWithId(Controller, HexPieceOfWord(RaidLibLineAhead(Lines, 7), 1));
+      ArrayWithId(Controller, HexPieceOfWord(Ahead[6], 1));
   CHAR16 Model[kModelChars + 1];
-  ReadModel(RaidLibLineAhead(Lines, 1), Model);
+  ReadModel(Ahead[0], Model);
   CHAR16 Location[16];
   if (Id == kMissingDiskNumber) {
     (VOID)RaidLibFormat(Location, 16, u"Missing Disk");
@@ -300,7 +305,7 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   }
   Disk->MediaType = RAID_MEDIA_SATA_SSD;
   Disk->SizeUnit = RAID_UNIT_GB;
-  Open->BlockCount = DiskBlocks(RaidLibLineAhead(Lines, 3), State.Detail);
+  Open->BlockCount = DiskBlocks(Ahead[2], State.Detail);
   // Members go to their array; a spare is the engine's, whatever array its
   // block names; everything else is a free disk.
   RAID_ARRAY *Place = State.Detail == RAID_ROLE_MEMBER ? Owner : nullptr;

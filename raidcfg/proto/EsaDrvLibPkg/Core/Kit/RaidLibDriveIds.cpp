@@ -58,6 +58,18 @@ VOID LeaveOut(const CHAR8 *Caller, RAID_CONTROLLER *Controller,
   *Entry = nullptr;
 }
 
+// TRUE when the ids rise strictly from entry to entry: then no id repeats,
+// which is how the tools list their drives, and one pass tells.
+[[nodiscard]] bool IdsRise(RAID_PHYSICAL_DRIVE *const *Table, UINT32 Count) {
+  for (UINT32 Index = 1; Index < Count; Index++) {
+    if (Table[Index - 1] == nullptr || Table[Index] == nullptr ||
+        Table[Index - 1]->Id >= Table[Index]->Id) {
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller) {
@@ -66,13 +78,14 @@ VOID RaidLibLeaveOutAmbiguousDrives(RAID_CONTROLLER *Controller) {
     return;
   }
   UINT32 Count = Controller->DiskDriveCount;
+  const bool Unique = IdsRise(Table, Count);
   for (UINT32 Index = 0; Index < Count; Index++) {
     if (Table[Index] == nullptr) {
       continue;  // left out with an earlier drive of its id
     }
     const UINT32 Id = Table[Index]->Id;
     bool Repeated = false;
-    for (UINT32 Later = Index + 1; Later < Count; Later++) {
+    for (UINT32 Later = Index + 1; !Unique && Later < Count; Later++) {
       if (Table[Later] != nullptr && Table[Later]->Id == Id) {
         LeaveOut(__func__, Controller, &Table[Later], kRepeatedId);
         Repeated = true;

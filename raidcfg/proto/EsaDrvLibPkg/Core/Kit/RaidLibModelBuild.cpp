@@ -1,6 +1,8 @@
 // Building a controller's records for any backend.
 #include "RaidLibModelBuild.h"
 
+#include <Library/BaseLib.h>
+#include <Library/BaseMemoryLib.h>
 #include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <Library/PrintLib.h>
@@ -128,23 +130,65 @@ RAID_ARRAY *RaidLibFindArray(RAID_CONTROLLER *Controller, UINT32 Id) {
   return nullptr;
 }
 
+namespace {
+
+// Where a drive's parts sit in the block RaidLibNewDrive makes: the record,
+// its Position, then Location and Model with their terminators.
+[[nodiscard]] const RAID_DRIVE_POSITION *InlinePosition(
+    const RAID_PHYSICAL_DRIVE *Drive) {
+  return reinterpret_cast<const RAID_DRIVE_POSITION *>(Drive + 1);
+}
+[[nodiscard]] const CHAR16 *InlineLocation(const RAID_PHYSICAL_DRIVE *Drive) {
+  return reinterpret_cast<const CHAR16 *>(InlinePosition(Drive) + 1);
+}
+
+static_assert(sizeof(RAID_PHYSICAL_DRIVE) % alignof(RAID_DRIVE_POSITION) == 0);
+static_assert(sizeof(RAID_DRIVE_POSITION) % alignof(CHAR16) == 0);
+
+}  // namespace
+
 RAID_PHYSICAL_DRIVE *RaidLibNewDrive(UINT32 Id, const CHAR16 *Location,
                                      const CHAR16 *Model, UINTN ModelChars) {
-  RAID_PHYSICAL_DRIVE *Drive = uefi::AllocateRecord<RAID_PHYSICAL_DRIVE>();
+  const CHAR16 *LocationText = Location != nullptr ? Location : u"";
+  const CHAR16 *ModelText = Model != nullptr ? Model : u"";
+  const UINTN LocationChars = RaidLibStrippedLength(&LocationText);
+  UINTN ModelLength = RaidLibStrippedLength(&ModelText);
+  if (ModelChars != 0 && ModelLength > ModelChars) {
+    ModelLength = ModelChars;
+  }
+  const UINTN Size = sizeof(RAID_PHYSICAL_DRIVE) + sizeof(RAID_DRIVE_POSITION) +
+                     (LocationChars + 1 + ModelLength + 1) * sizeof(CHAR16);
+  auto *Drive = static_cast<RAID_PHYSICAL_DRIVE *>(AllocateZeroPool(Size));
   if (Drive == nullptr) {
     return nullptr;
   }
-  Drive->Location = RaidLibCopyStripped(Location != nullptr ? Location : u"", 0);
-  Drive->Model =
-      RaidLibCopyStripped(Model != nullptr ? Model : u"", ModelChars);
-  Drive->Position = uefi::AllocateRecord<RAID_DRIVE_POSITION>();
-  if (Drive->Location == nullptr || Drive->Model == nullptr ||
-      Drive->Position == nullptr) {
-    RaidLibFreePhysicalDrive(Drive);
-    return nullptr;
-  }
+  Drive->Position = const_cast<RAID_DRIVE_POSITION *>(InlinePosition(Drive));
+  Drive->Location = const_cast<CHAR16 *>(InlineLocation(Drive));
+  CopyMem(Drive->Location, LocationText, LocationChars * sizeof(CHAR16));
+  Drive->Model = Drive->Location + LocationChars + 1;
+  CopyMem(Drive->Model, ModelText, ModelLength * sizeof(CHAR16));
   Drive->Id = Id;
   return Drive;
+}
+
+BOOLEAN RaidLibInDriveBlock(const RAID_PHYSICAL_DRIVE *Drive,
+                            const VOID *Part) {
+  if (Part == InlinePosition(Drive) || Part == InlineLocation(Drive)) {
+    return TRUE;
+  }
+  // The model follows the location when the location is the block's own.
+  if (Drive->Location != InlineLocation(Drive)) {
+    return FALSE;
+  }
+  const CHAR16 *InlineModel = Drive->Location + StrLen(Drive->Location) + 1;
+  return Part == InlineModel ? TRUE : FALSE;
+}
+
+VOID RaidLibReplaceDriveModel(RAID_PHYSICAL_DRIVE *Drive, CHAR16 *Model) {
+  if (!RaidLibInDriveBlock(Drive, Drive->Model)) {
+    FreePool(Drive->Model);
+  }
+  Drive->Model = Model;
 }
 
 VOID RaidLibPlaceDrive(RAID_CONTROLLER *Controller, RAID_PHYSICAL_DRIVE *Drive,

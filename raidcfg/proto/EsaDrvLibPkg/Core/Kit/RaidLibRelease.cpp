@@ -53,9 +53,13 @@ VOID RaidLibFreePhysicalDrive(RAID_PHYSICAL_DRIVE *Drive) {
   if (Drive == nullptr) {
     return;
   }
-  FreePool(Drive->Location);
-  FreePool(Drive->Model);
-  FreePool(Drive->Position);
+  // Parts made in the drive's own block go with it.
+  VOID *const Parts[] = {Drive->Model, Drive->Position, Drive->Location};
+  for (VOID *Part : Parts) {
+    if (!RaidLibInDriveBlock(Drive, Part)) {
+      FreePool(Part);
+    }
+  }
   FreePool(Drive);
 }
 

@@ -10,38 +10,103 @@
 
 namespace {
 
-// Copies Line into Row->Text, cut to fit, and clears the pieces.
-VOID CopyRow(const CHAR16 *Line, RAID_ROW *Row) {
-  UINTN Length = 0;
-  if (Line != nullptr) {
-    while (Length + 1 < RAID_ROW_CHARS && Line[Length] != 0) {
-      Row->Text[Length] = Line[Length];
-      Length++;
+// TRUE when Char is one of the NUL-terminated Delimiters.
+[[nodiscard]] bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
+  for (const CHAR16 *Cursor = Delimiters; *Cursor != 0; Cursor++) {
+    if (*Cursor == Char) {
+      return true;
     }
   }
-  Row->Text[Length] = 0;
+  return false;
+}
+
+// Copies Line into Row->Text, cut to fit, and cuts the copy into words in
+// the same pass: runs of delimiters separate, a word ends at the next
+// delimiter, and words past the last slot are not kept (the one behind the
+// last slot still gets its end, as a token walk would have cut it before
+// stopping). Single is the one
+// delimiter of the common case (blanks); Delimiters the whole set.
+template <bool OneDelimiter>
+UINTN CopyAndSplit(const CHAR16 *Line, CHAR16 Single, const CHAR16 *Delimiters,
+                   RAID_ROW *Row) {
   for (UINTN Index = 0; Index < RAID_ROW_MAX_WORDS; Index++) {
     Row->Words[Index] = nullptr;
   }
   Row->Count = 0;
+  UINTN Length = 0;
+  UINTN Seen = 0;
+  bool InWord = false;
+  if (Line != nullptr) {
+    for (; Length + 1 < RAID_ROW_CHARS && Line[Length] != 0; Length++) {
+      const CHAR16 Char = Line[Length];
+      const bool Separates =
+          OneDelimiter ? Char == Single : IsDelimiter(Char, Delimiters);
+      if (Separates) {
+        Row->Text[Length] =
+            (InWord && Seen <= RAID_ROW_MAX_WORDS + 1) ? 0 : Char;
+        InWord = false;
+        continue;
+      }
+      Row->Text[Length] = Char;
+      if (!InWord) {
+        Seen++;
+        if (Row->Count < RAID_ROW_MAX_WORDS) {
+          Row->Words[Row->Count++] = &Row->Text[Length];
+        }
+      }
+      InWord = true;
+    }
+  }
+  Row->Text[Length] = 0;
+  return Row->Count;
 }
 
 }  // namespace
 
 UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
                         RAID_ROW *Row) {
-  CopyRow(Line, Row);
-  CHAR16 *Position = nullptr;
-  for (CHAR16 *Word = RaidLibTokenize(Row->Text, Delimiters, &Position);
-       Word != nullptr && Row->Count < RAID_ROW_MAX_WORDS;
-       Word = RaidLibTokenize(nullptr, Delimiters, &Position)) {
-    Row->Words[Row->Count++] = Word;
+  if (Delimiters != nullptr && Delimiters[0] != 0 && Delimiters[1] == 0) {
+    return CopyAndSplit<true>(Line, Delimiters[0], Delimiters, Row);
   }
-  return Row->Count;
+  return CopyAndSplit<false>(Line, 0, Delimiters != nullptr ? Delimiters : u"",
+                             Row);
 }
 
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row) {
   return RaidLibSplitRowOn(Line, u" ", Row);
+}
+
+CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
+  for (UINTN Slot = 0; Slot < RAID_ROW_MAX_WORDS; Slot++) {
+    Row->Words[Slot] = nullptr;
+  }
+  Row->Count = 0;
+  Row->Text[0] = 0;
+  if (Line == nullptr || Index >= RAID_ROW_MAX_WORDS) {
+    return nullptr;
+  }
+  // Within the part of the line a row holds, as the split sees it.
+  const UINTN Limit = RAID_ROW_CHARS - 1;
+  UINTN At = 0;
+  for (UINTN Word = 0;; Word++) {
+    while (At < Limit && Line[At] == u' ') {
+      At++;
+    }
+    if (At >= Limit || Line[At] == 0) {
+      return nullptr;
+    }
+    const UINTN Start = At;
+    while (At < Limit && Line[At] != 0 && Line[At] != u' ') {
+      At++;
+    }
+    if (Word == Index) {
+      CopyMem(Row->Text, Line + Start, (At - Start) * sizeof(CHAR16));
+      Row->Text[At - Start] = 0;
+      Row->Words[0] = Row->Text;
+      Row->Count = 1;
+      return Row->Text;
+    }
+  }
 }
 
 const CHAR16 *RaidLibValueAfter(const CHAR16 *Line, CHAR16 Separator) {
@@ -68,7 +133,28 @@ CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
 
 CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
                             RAID_ROW *Scratch) {
-  return RaidLibTrim(RaidLibSecondPiece(Line, Separators, Scratch));
+  // The piece is the scratch row's own: stripped where it stands rather
+  // than moved to its start.
+  CHAR16 *Piece = RaidLibSecondPiece(Line, Separators, Scratch);
+  if (Piece == nullptr) {
+    return nullptr;
+  }
+  const CHAR16 *Start = Piece;
+  const UINTN Length = RaidLibStrippedLength(&Start);
+  Piece += Start - Piece;
+  Piece[Length] = 0;
+  return Piece;
+}
+
+UINTN RaidLibStrippedLength(const CHAR16 **Text) {
+  while (**Text != 0 && RaidLibIsSpace(**Text)) {
+    (*Text)++;
+  }
+  UINTN Length = StrLen(*Text);
+  while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
+    Length--;
+  }
+  return Length;
 }
 
 BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text) {
@@ -98,13 +184,7 @@ CHAR16 *RaidLibCopyStripped(const CHAR16 *Text, UINTN MaxChars) {
   if (Text == nullptr) {
     return nullptr;
   }
-  while (*Text != 0 && RaidLibIsSpace(*Text)) {
-    Text++;
-  }
-  UINTN Length = StrLen(Text);
-  while (Length > 0 && RaidLibIsSpace(Text[Length - 1])) {
-    Length--;
-  }
+  UINTN Length = RaidLibStrippedLength(&Text);
   if (MaxChars != 0 && Length > MaxChars) {
     Length = MaxChars;
   }

@@ -82,33 +82,29 @@ INT32 HexDigitValue(CHAR16 Char) {
 
 }  // namespace
 
-// TRUE when Line begins with Prefix.
-BOOLEAN RaidLibStartsWith(const CHAR16 *Line, const CHAR16 *Prefix) {
-  if (Line == nullptr || Prefix == nullptr) {
-    return FALSE;
-  }
-  for (UINTN Index = 0; Prefix[Index] != 0; Index++) {
-    if (Line[Index] != Prefix[Index]) {
-      return FALSE;  // Also stops at the end of a shorter line.
-    }
-  }
-  return TRUE;
-}
-
-// TRUE when Needle occurs in Line.
+// TRUE when Needle occurs in Line: the needle's first character is looked
+// for, and the rest compared only there.
 BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
   if (Line == nullptr || Needle == nullptr) {
     return FALSE;
   }
-  return StrStr(Line, Needle) != nullptr ? TRUE : FALSE;
-}
-
-// TRUE for the six white-space characters of C.
-BOOLEAN RaidLibIsSpace(CHAR16 Char) {
-  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
-          Char == u'\f' || Char == u'\v')
-             ? TRUE
-             : FALSE;
+  const CHAR16 First = Needle[0];
+  if (First == 0) {
+    return TRUE;
+  }
+  for (const CHAR16 *Start = Line; *Start != 0; Start++) {
+    if (*Start != First) {
+      continue;
+    }
+    UINTN Index = 1;
+    while (Needle[Index] != 0 && Start[Index] == Needle[Index]) {
+      Index++;
+    }
+    if (Needle[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
 }
 
 // Strips white space from both ends of Line in place.
