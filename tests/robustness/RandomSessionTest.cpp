@@ -10,8 +10,8 @@
 // A failing session names its seed and leaves the script that replays it
 // ("raidcfg-host --script FILE" on the demo server) in the test's working
 // directory; a fixed one goes to tests/robustness/regressions/.
-// RAIDCFG_RANDOM_SESSIONS and RAIDCFG_RANDOM_ACTIONS make a longer run
-// (scripts/fuzz.sh sessions).
+// RAIDCFG_RANDOM_SESSIONS, RAIDCFG_RANDOM_ACTIONS and
+// RAIDCFG_RANDOM_FIRST_SEED make a longer run (scripts/fuzz.sh sessions).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -321,9 +321,11 @@ TEST_P(RandomSessionTest, ChangesOnlyWhatTheOperatorChose) {
 }
 
 // 40 sessions of 250 actions: 10,000 actions a run.
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessionTest,
-                         ::testing::Range<uint64_t>(
-                             1, 1 + FromEnvironment("RAIDCFG_RANDOM_SESSIONS", 40)));
+const uint64_t kFirstSeed = FromEnvironment("RAIDCFG_RANDOM_FIRST_SEED", 1);
+INSTANTIATE_TEST_SUITE_P(
+    Seeds, RandomSessionTest,
+    ::testing::Range<uint64_t>(
+        kFirstSeed, kFirstSeed + FromEnvironment("RAIDCFG_RANDOM_SESSIONS", 40)));
 
 }  // namespace
 }  // namespace robustness
