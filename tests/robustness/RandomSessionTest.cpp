@@ -9,14 +9,17 @@
 //
 // A failing session names its seed and leaves the script that replays it
 // ("raidcfg-host --script FILE" on the demo server) in the test's working
-// directory; a fixed one goes to tests/robustness/regressions/.
+// directory; once the fault is fixed it goes to tests/robustness/regressions/,
+// whose scripts run under the same rules.
 // RAIDCFG_RANDOM_SESSIONS, RAIDCFG_RANDOM_ACTIONS and
 // RAIDCFG_RANDOM_FIRST_SEED make a longer run (scripts/fuzz.sh sessions).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -98,8 +101,7 @@ Operation OperationOf(UINT32 Page) {
   }
 }
 
-class RandomSessionTest : public wizard_test::WizardWorld,
-                          public ::testing::WithParamInterface<uint64_t> {
+class RandomSessionWorld : public wizard_test::WizardWorld {
  protected:
   void SetUp() override {
     // A hang shows as an action that never stops running tools.
@@ -112,6 +114,8 @@ class RandomSessionTest : public wizard_test::WizardWorld,
   // Runs one seeded session of Actions actions; false at the first action
   // that broke a rule (the test has failed then).
   bool RunSession(uint64_t Seed, uint64_t Actions);
+  // Runs a kept script's lines, comments left out, under the same rules.
+  void RunScript(const std::string &Path);
 
  private:
   static constexpr uint64_t kToolRunsPerAction = 2000;
@@ -119,7 +123,8 @@ class RandomSessionTest : public wizard_test::WizardWorld,
 
   // One line run through the script runner and written down; "" when it
   // kept the rules, else the rule it broke.
-  [[nodiscard]] std::string RunLine(framework::ScriptRunner &Runner, const std::string &Line);
+  [[nodiscard]] std::string RunLine(framework::ScriptRunner &Runner,
+                                    const std::string &Line);
   // Whether a question shown since the Boxes-th box was answered No.
   [[nodiscard]] bool DeclinedSince(size_t Boxes) const;
   // What the test's record says about the action just run (Done: it ran
@@ -135,16 +140,15 @@ class RandomSessionTest : public wizard_test::WizardWorld,
 
   uint64_t ToolRuns_ = 0;
   nlohmann::json State_;  // the adapters' state after the last line
-  uint64_t Changes_ = 0;  // actions that changed an adapter, checked
+  uint64_t Changes_ = 0;  // lines that changed an adapter, checked
   std::ofstream Script_;
-  std::vector<std::string> Lines_;
   // The test's own record of the operator's choices.
   UINTN ChosenAdapter_ = 0;
   size_t DriveCellsChanged_ = 0;  // on the drive-state page since it showed
   bool AllDrives_ = false;        // an all-drives action chosen there
 };
 
-std::string RandomSessionTest::RunLine(framework::ScriptRunner &Runner,
+std::string RandomSessionWorld::RunLine(framework::ScriptRunner &Runner,
                                        const std::string &Line) {
   ToolRuns_ = 0;
   // Only the module's actions change the adapters: the state after the
@@ -155,8 +159,7 @@ std::string RandomSessionTest::RunLine(framework::ScriptRunner &Runner,
   const bool Done = Runner.RunText(Line, "random");
   // A refused action stays in the script as a comment: replayed, it would
   // stop the script there.
-  Lines_.push_back(Done ? Line : "# refused: " + Line);
-  Script_ << Lines_.back() << "\n" << std::flush;
+  Script_ << (Done ? "" : "# refused: ") << Line << "\n" << std::flush;
   std::string Broken;
   if (ToolRuns_ > kToolRunsPerAction ||
       Driver_.MessageBoxes().size() - Boxes > kBoxesPerAction) {
@@ -169,7 +172,7 @@ std::string RandomSessionTest::RunLine(framework::ScriptRunner &Runner,
   return Broken;
 }
 
-bool RandomSessionTest::DeclinedSince(size_t Boxes) const {
+bool RandomSessionWorld::DeclinedSince(size_t Boxes) const {
   const auto &Shown = Driver_.MessageBoxes();
   for (size_t Index = Boxes; Index < Shown.size(); Index++) {
     if (Shown[Index].Style == HOST_MSGBOX_YES_NO && !Shown[Index].Answer) {
@@ -179,7 +182,7 @@ bool RandomSessionTest::DeclinedSince(size_t Boxes) const {
   return false;
 }
 
-void RandomSessionTest::Remember(const std::string &Line, bool Done,
+void RandomSessionWorld::Remember(const std::string &Line, bool Done,
                                  UINT32 Page) {
   const UINT32 Now = Driver_.Page() != nullptr ? Driver_.Page()->NodeId : 0;
   if (Now != RAID_PAGE_NODE_ID(RAID_PAGE_MANAGE_DRIVES) || Now != Page) {
@@ -207,7 +210,7 @@ void RandomSessionTest::Remember(const std::string &Line, bool Done,
   }
 }
 
-std::string RandomSessionTest::CheckChange(const nlohmann::json &Before,
+std::string RandomSessionWorld::CheckChange(const nlohmann::json &Before,
                                            const nlohmann::json &After,
                                            UINT32 Page, size_t BoxesBefore) {
   bool Confirmed = false;
@@ -237,7 +240,7 @@ std::string RandomSessionTest::CheckChange(const nlohmann::json &Before,
   return CheckInsideAdapter(Chosen, Before[Pointer], After[Pointer], Kind);
 }
 
-std::string RandomSessionTest::CheckInsideAdapter(const RadioAdapter &Chosen,
+std::string RandomSessionWorld::CheckInsideAdapter(const RadioAdapter &Chosen,
                                                   const nlohmann::json &Before,
                                                   const nlohmann::json &After,
                                                   Operation Kind) {
@@ -280,7 +283,7 @@ std::string RandomSessionTest::CheckInsideAdapter(const RadioAdapter &Chosen,
   return "";
 }
 
-bool RandomSessionTest::RunSession(uint64_t Seed, uint64_t Actions) {
+bool RandomSessionWorld::RunSession(uint64_t Seed, uint64_t Actions) {
   const std::string Name = "random-session-" + std::to_string(Seed) + ".script";
   Script_.open(Name);
   Script_ << "# A random operator session on the demo server, seed " << Seed
@@ -315,6 +318,24 @@ bool RandomSessionTest::RunSession(uint64_t Seed, uint64_t Actions) {
   return Kept;
 }
 
+void RandomSessionWorld::RunScript(const std::string &Path) {
+  StartDemo();
+  State_ = AdapterStates();
+  std::ostringstream Printed;
+  framework::ScriptRunner Runner(Driver_, Printed);
+  std::ifstream File(Path);
+  ASSERT_TRUE(File.is_open()) << Path;
+  for (std::string Line; std::getline(File, Line);) {
+    if (!Line.empty() && Line[0] != '#') {
+      EXPECT_EQ(RunLine(Runner, Line), "") << Line;
+    }
+  }
+  Stop();
+}
+
+class RandomSessionTest : public RandomSessionWorld,
+                          public ::testing::WithParamInterface<uint64_t> {};
+
 TEST_P(RandomSessionTest, ChangesOnlyWhatTheOperatorChose) {
   const uint64_t Actions = FromEnvironment("RAIDCFG_RANDOM_ACTIONS", 250);
   EXPECT_TRUE(RunSession(GetParam(), Actions));
@@ -326,6 +347,33 @@ INSTANTIATE_TEST_SUITE_P(
     Seeds, RandomSessionTest,
     ::testing::Range<uint64_t>(
         kFirstSeed, kFirstSeed + FromEnvironment("RAIDCFG_RANDOM_SESSIONS", 40)));
+
+// The scripts of sessions that once broke a rule, kept beside this test.
+class RegressionScriptTest
+    : public RandomSessionWorld,
+      public ::testing::WithParamInterface<std::filesystem::path> {};
+
+TEST_P(RegressionScriptTest, KeepsTheRules) { RunScript(GetParam()); }
+
+std::vector<std::filesystem::path> RegressionScripts() {
+  std::vector<std::filesystem::path> Found;
+  for (const auto &Entry :
+       std::filesystem::directory_iterator(RAIDCFG_REGRESSION_DIR)) {
+    if (Entry.path().extension() == ".script") {
+      Found.push_back(Entry.path());
+    }
+  }
+  std::sort(Found.begin(), Found.end());
+  return Found;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kept, RegressionScriptTest, ::testing::ValuesIn(RegressionScripts()),
+    [](const ::testing::TestParamInfo<std::filesystem::path> &Info) {
+      std::string Name = Info.param.stem().string();
+      std::replace(Name.begin(), Name.end(), '-', '_');
+      return Name;
+    });
 
 }  // namespace
 }  // namespace robustness
