@@ -15,6 +15,30 @@
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# Random operator sessions instead of fuzz targets (docs/testing.md,
+# "Random operator sessions"): SESSIONS sessions of ACTIONS actions each,
+# seeds from FIRST_SEED on, spread over every core; a failing session
+# leaves its replay script in build/native/sessions/.
+#   scripts/fuzz.sh sessions [SESSIONS [ACTIONS [FIRST_SEED]]]
+if [[ ${1:-} == sessions ]]; then
+  export RAIDCFG_RANDOM_SESSIONS=${2:-400} RAIDCFG_RANDOM_ACTIONS=${3:-250} \
+    RAIDCFG_RANDOM_FIRST_SEED=${4:-1000} GTEST_TOTAL_SHARDS=$(nproc)
+  cmake --preset native >/dev/null &&
+    cmake --build --preset native -j "$GTEST_TOTAL_SHARDS" --target robustness_tests || exit 1
+  mkdir -p build/native/sessions && cd build/native/sessions || exit 1
+  for ((shard = 0; shard < GTEST_TOTAL_SHARDS; shard++)); do
+    GTEST_SHARD_INDEX=$shard ../tests/robustness/robustness_tests \
+      --gtest_filter='Seeds/RandomSessionTest.*' --gtest_brief=1 >"shard-$shard.log" 2>&1 &
+  done
+  status=0
+  for job in $(jobs -p); do wait "$job" || status=1; done
+  grep -h "seed .*, action" shard-*.log
+  awk '/changes of the adapters checked/ { n += $3 } END { print n " changes of the adapters checked" }' shard-*.log
+  echo "fuzz.sh sessions: $RAIDCFG_RANDOM_SESSIONS sessions of $RAIDCFG_RANDOM_ACTIONS actions:" \
+    "$( ((status == 0)) && echo passed || echo 'FAILED (see build/native/sessions/)')"
+  exit "$status"
+fi
+
 BUILD=build/fuzz
 CORPORA=tests/fuzz/corpus
 # An input that runs this long under the sanitizers has hung.

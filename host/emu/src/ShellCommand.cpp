@@ -69,17 +69,27 @@ bool ShellCommand::CopyOut(const std::u16string &Text, CHAR16 *Output,
   return Count < Text.size();
 }
 
+VOID ShellCommand::FailNthCall(UINT64 N, EFI_STATUS Status) {
+  FailCall_ = Calls_.size() + N;
+  FailCallStatus_ = Status;
+}
+
+EFI_STATUS ShellCommand::FailureOfThisCall() const {
+  return Calls_.size() + 1 == FailCall_ ? FailCallStatus_ : Failure_;
+}
+
 EFI_STATUS EFIAPI ShellCommand::Execute(const CHAR16 *CommandLine) {
   ShellCommand &Self = Active();
   if (CommandLine == nullptr) {
     return EFI_INVALID_PARAMETER;
   }
   ShellCommandCall Call{ToUtf8(CommandLine), false, false, "", 0, 0, false};
-  if (!EFI_ERROR(Self.Failure_)) {
+  const EFI_STATUS Failure = Self.FailureOfThisCall();
+  if (!EFI_ERROR(Failure)) {
     Call.Output = Self.Run(Call.CommandLine, Call.Answered);
   }
   Self.Calls_.push_back(std::move(Call));
-  return Self.Failure_;
+  return Failure;
 }
 
 EFI_STATUS EFIAPI ShellCommand::ExecuteCapture(const CHAR16 *CommandLine,
@@ -92,10 +102,10 @@ EFI_STATUS EFIAPI ShellCommand::ExecuteCapture(const CHAR16 *CommandLine,
   }
   ShellCommandCall Call{ToUtf8(CommandLine), true,  false, "",
                         *OutputSize,         0,     false};
-  if (EFI_ERROR(Self.Failure_)) {
+  if (const EFI_STATUS Failure = Self.FailureOfThisCall(); EFI_ERROR(Failure)) {
     *OutputSize = 0;
     Self.Calls_.push_back(std::move(Call));
-    return Self.Failure_;
+    return Failure;
   }
   Call.Output = Self.Run(Call.CommandLine, Call.Answered);
   const std::u16string Text = Utf8ToUtf16(Call.Output);

@@ -13,7 +13,7 @@ ModuleSession::~ModuleSession() {
 }
 
 EFI_STATUS ModuleSession::Load() {
-  EFI_STATUS Status = _ModuleEntryPoint(Server_.ImageHandle(),
+  EFI_STATUS Status = _ModuleEntryPoint(Server_.ImageForLoad(),
                                         Server_.Firmware().SystemTable());
   Loaded_ = !EFI_ERROR(Status);
   return Status;

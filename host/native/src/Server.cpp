@@ -85,6 +85,13 @@ void Server::AddProtocols(const Scenario &Scenario) {
   }
 }
 
+EFI_HANDLE Server::ImageForLoad() {
+  if (Firmware_->LoadedImage(ImageHandle_) == nullptr) {
+    ImageHandle_ = Firmware_->CreateImageHandle(Volume_->Handle());
+  }
+  return ImageHandle_;
+}
+
 EFI_STATUS Server::SwitchLanguage(const std::string &Language) {
   Hii_->SetCurrentLanguage(Language);
   return EFI_SUCCESS;

@@ -39,6 +39,9 @@ class ShellCommand {
   // A status every call returns instead of running anything (EFI_SUCCESS
   // restores normal service).
   VOID SetFailure(EFI_STATUS Status) { Failure_ = Status; }
+  // The Nth call from now (1: the next) returns Status instead of running
+  // anything; the calls after it are served again.
+  VOID FailNthCall(UINT64 N, EFI_STATUS Status);
   const std::vector<ShellCommandCall> &Calls() const { return Calls_; }
   // Forgets the calls so far (a fuzz target's calls would otherwise pile
   // up, every output kept, over millions of inputs).
@@ -55,6 +58,8 @@ class ShellCommand {
  private:
   static ShellCommand &Active();
   std::string Run(const std::string &CommandLine, bool &Answered);
+  // The status the call about to be made fails with; EFI_SUCCESS: none.
+  [[nodiscard]] EFI_STATUS FailureOfThisCall() const;
   static EFI_STATUS EFIAPI Execute(const CHAR16 *CommandLine);
   static EFI_STATUS EFIAPI ExecuteCapture(const CHAR16 *CommandLine,
                                           CHAR16 *Output, UINTN *OutputSize);
@@ -64,6 +69,8 @@ class ShellCommand {
   EFI_HANDLE Handle_ = nullptr;
   Handler Handler_;
   EFI_STATUS Failure_ = EFI_SUCCESS;
+  UINT64 FailCall_ = 0;  // the number of the call that fails, 0: none
+  EFI_STATUS FailCallStatus_ = EFI_SUCCESS;
   std::vector<ShellCommandCall> Calls_;
 };
 

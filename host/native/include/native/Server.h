@@ -43,6 +43,9 @@ class Server {
   emu::Firmware &Firmware() { return *Firmware_; }
   // The module's image handle, on the boot volume.
   EFI_HANDLE ImageHandle() const { return ImageHandle_; }
+  // A fresh image handle on the boot volume once UnloadImage retired the
+  // last one, as firmware loads the module's file again.
+  EFI_HANDLE ImageForLoad();
   emu::HostVolume &Volume() { return *Volume_; }
   // The host protocols; NULL for one the scenario leaves out.
   emu::SetupProtocol *Setup() { return Setup_.get(); }
