@@ -2,17 +2,16 @@
 // raid.xml, through a whole InitializeRaid on a small emulated server: the
 // files are read from the module's volume by the module's own reader and
 // parsed by the emulator's expat-backed XML parser protocol. FinalizeRaid
-// must then leave the pool as it found it.
+// must then leave the pool as it found it and every file closed.
 #include <Library/UefiBootServicesTableLib.h>
 #include "EsaDrvMgr.h"
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string_view>
 
+#include "FuzzMemoryVolume.h"
 #include "emu/Emulator.h"
 
 namespace {
@@ -21,19 +20,12 @@ namespace {
 // MegaRAID card search fails as on a server whose tool is missing.
 struct World {
   World() {
-    // The files are written anew for every input: in memory where the
-    // machine has a RAM file system, so an input does not wait for a disk.
-    char Memory[] = "/dev/shm/raidcfg-fuzz-XXXXXX";
-    char Disk[] = "/tmp/raidcfg-fuzz-XXXXXX";
-    const char *Made = mkdtemp(Memory);
-    Directory = Made != nullptr ? Made : mkdtemp(Disk);
-    Volume = std::make_unique<emu::HostVolume>(Firmware, Directory);
     AddFunction(1, 0x9005, 0x028F, 0x9005, 0x0800);
     AddFunction(2, 0x1000, 0x0016, 0x1000, 0x9460);
     gST = Firmware.SystemTable();
     gBS = gST->BootServices;
     gRT = gST->RuntimeServices;
-    gImageHandle = Firmware.CreateImageHandle(Volume->Handle());
+    gImageHandle = Firmware.CreateImageHandle(Volume.Handle());
   }
 
   void AddFunction(UINT8 Bus, UINT16 Vendor, UINT16 Device, UINT16 SubVendor,
@@ -51,29 +43,18 @@ struct World {
         std::make_unique<emu::PciDevice>(Firmware, Location, Identity));
   }
 
-  void Write(const char *Name, std::string_view Bytes) {
-    std::ofstream(Directory / Name, std::ios::binary)
-        .write(Bytes.data(), static_cast<std::streamsize>(Bytes.size()));
-  }
-
   emu::Firmware Firmware;
   emu::SetupProtocol Setup{Firmware};
   emu::XmlParser Xml{Firmware};
   emu::ShellCommand Shell{Firmware};
-  std::filesystem::path Directory;
-  std::unique_ptr<emu::HostVolume> Volume;
+  // The input's two parts are the files, read in place: no file system
+  // work per input.
+  fuzz_model::MemoryVolume Volume{Firmware};
   std::vector<std::unique_ptr<emu::PciDevice>> Devices;
 };
 
 World &TheWorld() {
   static World *Instance = new World();
-  // The scratch directory goes when the run ends normally (a crash keeps
-  // it, beside the crash input).
-  static const int Registered = std::atexit([] {
-    std::error_code Ignored;
-    std::filesystem::remove_all(TheWorld().Directory, Ignored);
-  });
-  (void)Registered;
   return *Instance;
 }
 
@@ -84,8 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *Data, size_t Size) {
   World &W = TheWorld();
   const std::string_view Input(reinterpret_cast<const char *>(Data), Size);
   const size_t Split = Input.find('\0');
-  W.Write("pcidb.xml", Input.substr(0, Split));
-  W.Write("raid.xml", Split == std::string_view::npos ? std::string_view()
+  W.Volume.Set("pcidb.xml", Input.substr(0, Split));
+  W.Volume.Set("raid.xml", Split == std::string_view::npos ? std::string_view()
                                                       : Input.substr(Split + 1));
   const size_t Before = W.Firmware.Memory().OutstandingCount();
   UINT32 ErrorCode = 0;
@@ -93,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *Data, size_t Size) {
   FinalizeRaid(&ErrorCode);
   W.Setup.ClearTrace();
   if (W.Firmware.Memory().OutstandingCount() != Before ||
+      W.Volume.OpenCount() != 0 ||
       !W.Firmware.Memory().EventReport().empty()) {
     std::fprintf(stderr, "%s%s", W.Firmware.Memory().LeakReport().c_str(),
                  W.Firmware.Memory().EventReport().c_str());
