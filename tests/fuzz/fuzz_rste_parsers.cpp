@@ -4,43 +4,22 @@
 // report layout or operation kind); "/ST" also runs on the model the same
 // bytes built as an "/I" report. Every record built is released again and
 // the pool must be back where it started.
-#include <Library/MemoryAllocationLib.h>
-#include <Library/UefiBootServicesTableLib.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
+#include "FuzzModel.h"
 #include "RaidLibModelBuild.h"
 #include "RsteBackend.h"
 #include "ScriptedTool.h"
-#include "emu/Emulator.h"
 
 using namespace rste;
 
 namespace {
 
-emu::Firmware &World() {
-  static std::unique_ptr<emu::Firmware> Firmware = [] {
-    auto Made = std::make_unique<emu::Firmware>();
-    gST = Made->SystemTable();
-    gBS = gST->BootServices;
-    return Made;
-  }();
-  return *Firmware;
-}
-
-// Counts that must hold whatever the report said: every table entry within
-// the count is a drive, and each list holds what its count says at most.
-void CheckModel(RAID_CONTROLLER *Controller) {
-  for (UINT32 I = 0; Controller->DriveTable != nullptr &&
-                     I < Controller->DiskDriveCount;
-       I++) {
-    if (Controller->DriveTable[I] == nullptr) {
-      std::abort();
-    }
-  }
+// Each array holds what its free-segment count says, and at most one free
+// segment, whatever the report said.
+void CheckArrays(RAID_CONTROLLER *Controller) {
   for (RAID_ARRAY *Array :
        uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
     UINT32 Free = 0;
@@ -61,8 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
   if (Size == 0) {
     return 0;
   }
-  emu::Firmware &Firmware = World();
-  std::size_t Before = Firmware.Memory().OutstandingCount();
+  const std::size_t Before = fuzz_model::World().Memory().OutstandingCount();
   const std::uint8_t Choice = Data[0];
   Data++;
   Size--;
@@ -85,11 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *Data,
       (void)ParseControllerVersion(backend_test::LoadToolBytes(Data, Size), Controller, &ErrorCode);
       break;
   }
-  CheckModel(Controller);
-  RaidLibFreeController(Controller);
+  CheckArrays(Controller);
   RsteResetState();
-  if (Firmware.Memory().OutstandingCount() != Before) {
-    std::abort();
-  }
+  fuzz_model::ReleaseAndCheck(Controller, Before);
   return 0;
 }
