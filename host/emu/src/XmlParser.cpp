@@ -43,13 +43,18 @@ void XMLCALL OnStart(void *UserData, const XML_Char *Name,
     return;
   }
   const std::u16string WideName = Utf8ToUtf16(Name);
-  std::vector<std::u16string> Texts;
-  for (const XML_Char **Item = Attributes; *Item != nullptr; Item++) {
-    Texts.push_back(Utf8ToUtf16(*Item));
+  std::size_t Count = 0;
+  while (Attributes[Count] != nullptr) {
+    Count++;
   }
+  // Sized once: no vector regrown for every attribute of every element.
+  std::vector<std::u16string> Texts;
+  Texts.reserve(Count);
   std::vector<const CHAR16 *> List;
-  for (const auto &Text : Texts) {
-    List.push_back(Text.c_str());
+  List.reserve(Count + 1);
+  for (std::size_t I = 0; I < Count; I++) {
+    Texts.push_back(Utf8ToUtf16(Attributes[I]));
+    List.push_back(Texts.back().c_str());
   }
   List.push_back(nullptr);
   Parser->Start(nullptr, WideName.c_str(), List.data());
