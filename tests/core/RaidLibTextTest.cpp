@@ -2,6 +2,7 @@
 #include <Library/BaseLib.h>
 #include <Library/MemoryAllocationLib.h>
 #include <gtest/gtest.h>
+#include "RaidLibLines.h"
 #include "RaidLibText.h"
 #include "RaidLibTrace.h"
 
@@ -200,6 +201,55 @@ TEST(RaidLibText, StartsWithContainsIsSpace) {
   EXPECT_FALSE(RaidLibIsSpace(0));
   EXPECT_FALSE(RaidLibIsSpace(u'\u00a0'));
   EXPECT_FALSE(RaidLibIsSpace(u'a'));
+}
+
+// The one-pass searches answer as a walk line by line with RaidLibContains
+// does: characters sharing a needle's low bits ("\u0141" and "A"), the
+// terminator's ("@"), a phrase twice on a line, at a line's ends, cut by a
+// line break or by a terminator an earlier walk wrote, a last line without
+// a line feed.
+TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
+  static constexpr const CHAR16 *kNeedles[] = {u"Array Number",
+                                               u"Device is a HardDrive", u"@x"};
+  static constexpr RAID_NEEDLES kNeedleSet = RaidLibNeedles(kNeedles);
+  static constexpr RAID_PHRASES kPhraseSet = RaidLibPhrases(kNeedles);
+  const std::u16string Texts[] = {
+      u"",
+      u"\r\n\r\n\n",
+      u"Array Number 1 Array Number 2\r\n  Device is a HardDrive\r\n",
+      u"\u0141rray Number\nArray Numbe\nr Array Number",
+      u"Device is a HardDriv\ne Array Number@x\n\n\n@@x",
+      std::u16string(u"Array Num") + CHAR16(0) + u"ber\nArray Number",
+      u"  \u0144evice is a HardDrive Device is a HardDrive\r\nx",
+  };
+  for (const std::u16string &Text : Texts) {
+    std::u16string Buffer = Text + CHAR16(0);
+    RAID_LINE_CURSOR Lines;
+    RaidLibLinesStart(&Lines, Buffer.data(), Buffer.size());
+    UINT32 With[3];
+    const UINT32 Count = RaidLibCountLines(&Lines, kPhraseSet, With);
+    UINT32 Expected = 0;
+    UINT32 ExpectedWith[3] = {};
+    RAID_LINE_CURSOR Walk = Lines;
+    for (CHAR16 *Line = RaidLibNextLine(&Walk); Line != nullptr;
+         Line = RaidLibNextLine(&Walk)) {
+      Expected++;
+      const UINT32 Found = RaidLibContainsEach(Line, kNeedleSet);
+      for (UINT32 Index = 0; Index < 3; Index++) {
+        const bool Contains = RaidLibContains(Line, kNeedles[Index]);
+        EXPECT_EQ((Found >> Index) & 1, Contains ? 1U : 0U);
+        ExpectedWith[Index] += Contains ? 1 : 0;
+      }
+    }
+    EXPECT_EQ(Count, Expected);
+    for (UINT32 Index = 0; Index < 3; Index++) {
+      EXPECT_EQ(With[Index], ExpectedWith[Index]) << Index;
+    }
+    // Once the walk has cut the lines, its terminators separate them.
+    EXPECT_EQ(RaidLibCountLines(&Lines, kPhraseSet, With), Expected);
+    EXPECT_EQ(With[0], ExpectedWith[0]);
+  }
+  EXPECT_EQ(RaidLibContainsEach(nullptr, kNeedleSet), 0U);
 }
 
 TEST(RaidLibText, TrimInPlace) {

@@ -20,6 +20,14 @@ typedef struct {
 // walk over nothing).
 VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars);
+// As RaidLibLinesStart, for an output in a buffer of which every one of
+// BufferChars characters is readable (not merely a bound on where its
+// terminator lies): the end is found four characters at a time.
+VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
+                               UINTN BufferChars);
+// The characters before the first terminator of such a buffer, or
+// BufferChars when it holds none (0 for NULL).
+[[nodiscard]] UINTN RaidLibBufferTextChars(CHAR16 *Text, UINTN BufferChars);
 // The next line, or NULL at the end of the output.
 [[nodiscard]] CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines);
 // The next line without moving on, or NULL.
@@ -43,6 +51,62 @@ VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);
 // budget or the output is used up.
 [[nodiscard]] CHAR16 *RaidLibNextLineWithin(RAID_LINE_CURSOR *Lines,
                                             UINTN *Budget);
+
+// Up to eight phrases (none empty, none holding a line feed) to count
+// lines by, with what a skip search over the text needs: the shortest
+// phrase's length and, for each pair of characters (by the low five bits
+// of each), how far the search may move on when the pair ends its window.
+typedef struct {
+  const CHAR16 *const *Phrases;
+  UINT32 Count;
+  UINT32 Lengths[8];
+  UINT32 Shortest;
+  UINT8 Shift[1024];
+} RAID_PHRASES;
+
+// The shift table's entry for the pair First, Second.
+[[nodiscard]] constexpr UINTN RaidLibPairEntry(CHAR16 First, CHAR16 Second) {
+  return ((First & 31U) << 5) | (Second & 31U);
+}
+
+// The set over a constant array of phrases.
+template <UINTN N>
+[[nodiscard]] constexpr RAID_PHRASES RaidLibPhrases(
+    const CHAR16 *const (&Phrases)[N]) {
+  static_assert(N >= 1 && N <= 8, "one to eight phrases");
+  RAID_PHRASES Set = {Phrases, static_cast<UINT32>(N), {}, ~0U, {}};
+  for (UINTN Index = 0; Index < N; Index++) {
+    UINT32 Length = 0;
+    while (Phrases[Index][Length] != 0) {
+      Length++;
+    }
+    Set.Lengths[Index] = Length;
+    Set.Shortest = Length < Set.Shortest ? Length : Set.Shortest;
+  }
+  const UINT32 Longest = Set.Shortest - 1 < 255 ? Set.Shortest - 1 : 255;
+  for (UINT8 &Shift : Set.Shift) {
+    Shift = static_cast<UINT8>(Longest);
+  }
+  // A pair Distance before a phrase's end lets the window (as long as the
+  // shortest phrase) move on by at most Distance; 0 marks a phrase's end.
+  for (UINTN Index = 0; Index < N; Index++) {
+    const CHAR16 *Phrase = Phrases[Index];
+    const UINT32 Length = Set.Lengths[Index];
+    for (UINT32 Distance = 0; Distance + 1 < Set.Shortest; Distance++) {
+      UINT8 &Shift = Set.Shift[RaidLibPairEntry(
+          Phrase[Length - 2 - Distance], Phrase[Length - 1 - Distance])];
+      Shift = static_cast<UINT8>(Distance < Shift ? Distance : Shift);
+    }
+  }
+  return Set;
+}
+
+// Counts the lines a walk from Lines on would return, without cutting
+// them, and in LinesWith[k] those among them that hold Set.Phrases[k]
+// (each line once). Returns the line count.
+[[nodiscard]] UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
+                                       const RAID_PHRASES &Set,
+                                       UINT32 *LinesWith);
 
 // Traces every line of the output between Output and End as
 // "[<Caller>]<line>"; terminates the lines it meets.

@@ -27,6 +27,32 @@
 // NULL never matches.
 [[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
 
+// Up to 32 needles to look for in a line at once, with the set of their
+// first characters' low six bits: only a character in that set starts a
+// comparison.
+typedef struct {
+  const CHAR16 *const *Needles;
+  UINT32 Count;
+  UINT64 Firsts;
+} RAID_NEEDLES;
+
+// The set over a constant array of non-empty needles.
+template <UINTN N>
+[[nodiscard]] constexpr RAID_NEEDLES RaidLibNeedles(
+    const CHAR16 *const (&Needles)[N]) {
+  static_assert(N <= 32, "a needle set is a 32-bit mask");
+  UINT64 Firsts = 0;
+  for (const CHAR16 *Needle : Needles) {
+    Firsts |= 1ULL << (Needle[0] & 63);
+  }
+  return {Needles, static_cast<UINT32>(N), Firsts};
+}
+
+// Which needles occur in Line, in one pass over it: bit k for
+// Needles[k], as RaidLibContains would answer for each (0 for NULL).
+[[nodiscard]] UINT32 RaidLibContainsEach(const CHAR16 *Line,
+                                         const RAID_NEEDLES &Set);
+
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {
   return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||

@@ -141,7 +141,7 @@ EFI_STATUS LsiAddVolume(RAID_CONTROLLER *Controller, const RAID_ROW *Row) {
 }
 
 EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
-                       RAID_PHYSICAL_DRIVE **Drive) {
+                       RAID_PHYSICAL_DRIVE **Drive, RAID_ARRAY **Named) {
   *Drive = nullptr;
   DriveIds Ids = {};
   if (!RaidLibReadIdPair(Row->Words[0], u':', &Ids.Enclosure, &Ids.Slot) ||
@@ -169,7 +169,12 @@ EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller, const RAID_ROW *Row,
                      Row->Words[0], Group);
       return EFI_SUCCESS;
     }
-    Array = LsiFindArray(Controller, GroupId);
+    // Arrays are only appended meanwhile, so the first of this id is
+    // still the one found for the previous row.
+    Array = *Named != nullptr && (*Named)->Id == GroupId
+                ? *Named
+                : LsiFindArray(Controller, GroupId);
+    *Named = Array;
     if (Array == nullptr) {
       return EFI_SUCCESS;  // A DG of no array read.
     }

@@ -32,10 +32,13 @@ namespace lsi {
 // A drive from a PD LIST row (EID:Slt, DID, State, DG, size, unit, Intf,
 // Med, SED, PI, SeSz, Model), linked where its DG and State put it. *Drive
 // is the new record, or NULL when the row was skipped (a DG of no known
-// array).
+// array). *Named is the array the table's previous row named (NULL at
+// first) and becomes this row's: rows of one DG follow each other, so the
+// array list is walked only when the DG changes.
 [[nodiscard]] EFI_STATUS LsiAddDrive(RAID_CONTROLLER *Controller,
                                      const RAID_ROW *Row,
-                                     RAID_PHYSICAL_DRIVE **Drive);
+                                     RAID_PHYSICAL_DRIVE **Drive,
+                                     RAID_ARRAY **Named);
 
 // The volume state code of a VD LIST State word.
 [[nodiscard]] UINT32 LsiVolumeStateCode(const CHAR16 *Word);

@@ -131,6 +131,7 @@ VOID WarnSlidColumns(const RAID_ROW &Row) {
   if (EFI_ERROR(Status)) {
     return Status;
   }
+  RAID_ARRAY *Named = nullptr;
   CHAR16 *Line =
       Count == 0 ? nullptr : RaidLibSkipLines(&Lines, kTableRowOffset);
   for (UINT32 Index = 0; Index < Count && Line != nullptr;
@@ -143,7 +144,7 @@ VOID WarnSlidColumns(const RAID_ROW &Row) {
       WarnSlidColumns(Row);
     }
     RAID_PHYSICAL_DRIVE *Drive = nullptr;
-    Status = LsiAddDrive(Controller, &Row, &Drive);
+    Status = LsiAddDrive(Controller, &Row, &Drive, &Named);
     if (EFI_ERROR(Status)) {
       break;
     }

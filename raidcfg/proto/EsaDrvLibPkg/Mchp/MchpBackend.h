@@ -96,12 +96,14 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
 [[nodiscard]] UINT32 ParseControllerShowCtrlCount(CHAR16 *Output,
                                                   UINT32 *ErrorCode);
 // Rebuilds the controller's arrays, volumes and drives from a getconfig
-// report of at most OutputChars characters.
+// report in a buffer of OutputChars characters (all of them readable; the
+// report ends at its terminator or the buffer's end).
 [[nodiscard]] EFI_STATUS ParseControllerShow(CHAR16 *Output,
                                              UINTN OutputChars,
                                              RAID_CONTROLLER *Controller,
                                              UINT32 *ErrorCode);
-// Adds each array's free segment from a second copy of the same report.
+// Adds each array's free segment from a second copy of the same report,
+// in a buffer of OutputChars characters as above.
 [[nodiscard]] EFI_STATUS ParseControllerShowFS(CHAR16 *Output,
                                                UINTN OutputChars,
                                                RAID_CONTROLLER *Controller,

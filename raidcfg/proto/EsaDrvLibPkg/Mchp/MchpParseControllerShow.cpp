@@ -20,6 +20,32 @@ namespace {
 constexpr UINTN kArrayBlockLines = 268;
 constexpr UINTN kVolumeBlockLines = 280;
 
+// The phrases the report's lines are counted by: drives, logical devices
+// and arrays.
+constexpr const CHAR16 *kCountedPhraseTexts[] = {
+    u"Device is a HardDrive", u"Logical Device number", u"Array Number"};
+constexpr RAID_PHRASES kCountedPhrases = RaidLibPhrases(kCountedPhraseTexts);
+
+// The keys of an array's block and of a logical device's, each line looked
+// at once for all of them; bit k of the answer is entry k.
+constexpr const CHAR16 *kArrayBlockKeyTexts[] = {
+    u"Array Number", u"Logical device information", u"Total Size",
+    u"Unused Size", u"Array Logical Device Information"};
+constexpr RAID_NEEDLES kArrayBlockKeys = RaidLibNeedles(kArrayBlockKeyTexts);
+constexpr UINT32 kArrayNumberKey = 1U << 0;
+constexpr UINT32 kVolumeSectionKey = 1U << 1;
+constexpr UINT32 kTotalSizeKey = 1U << 2;
+constexpr UINT32 kUnusedSizeKey = 1U << 3;
+constexpr UINT32 kArrayVolumesKey = 1U << 4;
+
+constexpr const CHAR16 *kVolumeBlockKeyTexts[] = {
+    u"   Status of Logical Device",
+    u"Size                                     ", u"Logical Device name"};
+constexpr RAID_NEEDLES kVolumeBlockKeys = RaidLibNeedles(kVolumeBlockKeyTexts);
+constexpr UINT32 kVolumeStatusKey = 1U << 0;
+constexpr UINT32 kVolumeSizeKey = 1U << 1;
+constexpr UINT32 kVolumeNameKey = 1U << 2;
+
 // Status words of a logical device that are taken as they are.
 constexpr RAID_WORD_CODE kVolumeStateWords[] = {
     {u"Optimal", RAID_STATE2_OPTIMAL},
@@ -138,18 +164,18 @@ VOID ParseArrayBlock(RAID_LINE_CURSOR *Lines, RAID_ARRAY *Array) {
   UINTN Budget = kArrayBlockLines;
   for (CHAR16 *Line = RaidLibNextLineWithin(Lines, &Budget); Line != nullptr;
        Line = RaidLibNextLineWithin(Lines, &Budget)) {
-    if (RaidLibContains(Line, u"Array Number") ||
-        RaidLibContains(Line, u"Logical device information")) {
+    const UINT32 Found = RaidLibContainsEach(Line, kArrayBlockKeys);
+    if ((Found & (kArrayNumberKey | kVolumeSectionKey)) != 0) {
       RaidLibStepBack(Lines);
       return;
     }
-    if (RaidLibContains(Line, u"Total Size")) {
+    if ((Found & kTotalSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Array->SizeFigure, &Array->SizeUnit);
-    } else if (RaidLibContains(Line, u"Unused Size")) {
+    } else if ((Found & kUnusedSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Array->FreeCapacity, &Array->FreeCapacityUnit);
-    } else if (RaidLibContains(Line, u"Array Logical Device Information")) {
+    } else if ((Found & kArrayVolumesKey) != 0) {
       Array->RaidLevel = RaidLevelOfRow(RaidLibLineAhead(Lines, 4));
     }
   }
@@ -213,15 +239,17 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
       if (RAID_ARRAY *Named = RaidLibFindArray(Controller, Id)) {
         *Array = Named;
       }
-    } else if (RaidLibContains(Line, u"   Status of Logical Device")) {
+      continue;
+    }
+    const UINT32 Found = RaidLibContainsEach(Line, kVolumeBlockKeys);
+    if ((Found & kVolumeStatusKey) != 0) {
       if (sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS) != nullptr) {
         Volume->State = VolumeStateCode(Value);
       }
-    } else if (RaidLibContains(
-                   Line, u"Size                                     ")) {
+    } else if ((Found & kVolumeSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Volume->SizeFigure, &Volume->SizeUnit);
-    } else if (RaidLibContains(Line, u"Logical Device name")) {
+    } else if ((Found & kVolumeNameKey) != 0) {
       if (sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS) != nullptr) {
         // Value is no longer than Name: the copy cannot fail.
         (VOID)StrCpyS(Volume->Name, MCHP_KEYWORD_CHARS, Value);
@@ -277,34 +305,18 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
   return EFI_SUCCESS;
 }
 
-// Counts the report's lines and the hard drives among its devices.
+// Counts the report's lines and the hard drives among its devices; the
+// volumes and arrays too, for the trace. A line counts once for each phrase
+// it holds.
 [[nodiscard]] UINT32 CountHardDrives(const CHAR8 *Caller,
-                                     RAID_LINE_CURSOR Lines,
+                                     const RAID_LINE_CURSOR *Lines,
                                      RAID_CONTROLLER *Controller) {
-  UINT32 LineCount = 0;
-  UINT32 Drives = 0;
-  UINT32 Volumes = 0;
-  UINT32 Arrays = 0;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    LineCount++;
-    // One pass over the line for the three phrases, each counted once.
-    bool Drive = false;
-    bool Volume = false;
-    bool Array = false;
-    for (const CHAR16 *At = Line; *At != 0; At++) {
-      Drive = Drive || RaidLibStartsWith(At, u"Device is a HardDrive");
-      Volume = Volume || RaidLibStartsWith(At, u"Logical Device number");
-      Array = Array || RaidLibStartsWith(At, u"Array Number");
-    }
-    Drives += Drive ? 1 : 0;
-    Volumes += Volume ? 1 : 0;
-    Arrays += Array ? 1 : 0;
-  }
+  UINT32 With[3];
+  const UINT32 LineCount = RaidLibCountLines(Lines, kCountedPhrases, With);
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "[%a] : %d LineCount:%d pds/lds/ars:%d/%d/%d\n",
-                    Controller->Id, LineCount, Drives, Volumes, Arrays);
-  return Drives;
+                    Controller->Id, LineCount, With[0], With[1], With[2]);
+  return With[0];
 }
 
 }  // namespace
@@ -315,11 +327,9 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
   if (Output == nullptr) {
     return EFI_ABORTED;
   }
-  // The count's walk cuts the lines; the section walk starts from the same
-  // cursor, whose end was fixed before any line was cut.
   RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, OutputChars);
-  UINT32 HardDrives = CountHardDrives(__func__, Lines, Controller);
+  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
+  UINT32 HardDrives = CountHardDrives(__func__, &Lines, Controller);
   EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   RAID_ARRAY *LastArray = nullptr;
   BOOLEAN ArraysComplete = FALSE;

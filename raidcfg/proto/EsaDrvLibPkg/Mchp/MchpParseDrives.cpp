@@ -26,6 +26,16 @@ constexpr UINTN kModelChars = 100;
 // The role of a drive the adapter uses as cache.
 constexpr UINT32 kRoleCache = 3;
 
+// The keys of a drive's block; bit k of RaidLibContainsEach's answer is
+// entry k.
+constexpr const CHAR16 *kDriveBlockKeyTexts[] = {
+    u"Total Size", u"Reported Location", u"Model", u"State"};
+constexpr RAID_NEEDLES kDriveBlockKeys = RaidLibNeedles(kDriveBlockKeyTexts);
+constexpr UINT32 kDriveSizeKey = 1U << 0;
+constexpr UINT32 kLocationKey = 1U << 1;
+constexpr UINT32 kModelKey = 1U << 2;
+constexpr UINT32 kStateKey = 1U << 3;
+
 // Where one classification of a drive puts it.
 typedef struct {
   UINT32 State;
@@ -175,11 +185,13 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
       RaidLibStepBack(Lines);
       return;
     }
-    if (RaidLibContains(Line, u"Total Size")) {
+    // The line stays as it is below, so its keys are looked for at once.
+    const UINT32 Found = RaidLibContainsEach(Line, kDriveBlockKeys);
+    if ((Found & kDriveSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Block->SizeFigure, &Block->SizeUnit);
     }
-    if (RaidLibContains(Line, u"Reported Location")) {
+    if ((Found & kLocationKey) != 0) {
       ReadLocation(Line, Block);
     }
     if (RaidLibStartsWith(Line, u"         Transfer Speed")) {
@@ -194,7 +206,7 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
       (VOID)RaidLibSkipLines(Lines, kLinesAfterMedium);
       return;
     }
-    if (RaidLibContains(Line, u"Model")) {
+    if ((Found & kModelKey) != 0) {
       RAID_ROW Row;
       CHAR16 *Model = RaidLibTrimmedValue(Line, u":", &Row);
       if (Model == nullptr || Model[0] == 0) {
@@ -204,7 +216,7 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
         (VOID)RaidLibFormat(Block->Model, MCHP_KEYWORD_CHARS, u"%s", Model);
       }
     }
-    if (RaidLibContains(Line, u"State")) {
+    if ((Found & kStateKey) != 0) {
       ClassifyStateLine(Lines, Line, Block);
     }
   }

@@ -22,7 +22,7 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, UINTN OutputChars,
                                  UINT32 *ErrorCode) {
   (VOID)ErrorCode;
   RAID_LINE_CURSOR Lines;
-  RaidLibLinesStart(&Lines, Output, OutputChars);
+  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
   CHAR16 *Line = RaidLibNextLine(&Lines);
   while (Line != nullptr && !RaidLibStartsWith(Line, u"Array Information")) {
     Line = RaidLibNextLine(&Lines);

@@ -6,6 +6,7 @@
 #include <Protocol/Host/TarnSetup.h>
 
 #include "MchpBackend.h"
+#include "RaidLibLines.h"
 #include "RaidLibOperation.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
@@ -73,7 +74,8 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
       Own->CardId));
   // Both parsers cut the text in place, so the second reads a copy, of the
   // output's head only.
-  const UINTN Chars = StrnLenS(gMchpGetconfigOutput, kOutputChars);
+  const UINTN Chars =
+      RaidLibBufferTextChars(gMchpGetconfigOutput, kOutputChars);
   if (Chars > kCopyChars) {
     RaidLibNoteCutOutput(__func__, (Chars + 1) * sizeof(CHAR16),
                          MCHP_GETCONFIG_COPY_BYTES);

@@ -40,6 +40,16 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   return Cursor;
 }
 
+// The first terminator from Cursor on, or End, where every character
+// before End is the buffer's: whole words are read while four remain.
+[[nodiscard]] CHAR16 *FindTerminatorInBuffer(CHAR16 *Cursor, CHAR16 *End) {
+  while (End - Cursor >= static_cast<INTN>(kLanes) &&
+         !HasZeroLane(LoadLanes(Cursor))) {
+    Cursor += kLanes;
+  }
+  return FindTerminator(Cursor, End);
+}
+
 // The end of an output in the shared buffer, whose size the shell service
 // gave with the terminator it wrote behind the text: every character
 // before that terminator is the buffer's, so whole words of them are read.
@@ -52,13 +62,7 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
       Output[Written] != 0) {
     return nullptr;
   }
-  CHAR16 *Cursor = Output;
-  CHAR16 *End = Output + Written;
-  while (End - Cursor >= static_cast<INTN>(kLanes) &&
-         !HasZeroLane(LoadLanes(Cursor))) {
-    Cursor += kLanes;
-  }
-  return FindTerminator(Cursor, End);
+  return FindTerminatorInBuffer(Output, Output + Written);
 }
 
 // The first line break from Cursor on, or End; every character before End
@@ -77,7 +81,101 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   return Cursor;
 }
 
+// The top bit of every lane that is zero: unlike HasZeroLane, exact in
+// each lane (no borrow crosses into the next).
+[[nodiscard]] UINT64 ZeroLanes(UINT64 Word) {
+  return ~(((Word & ~kLaneTops) + ~kLaneTops) | Word) & kLaneTops;
+}
+
+// The lines from Cursor to End: a line starts at a character that is no
+// line break behind one that is (or behind the start).
+[[nodiscard]] UINT32 CountLineStarts(const CHAR16 *Cursor, const CHAR16 *End) {
+  UINT32 Count = 0;
+  // Each lane counts its own starts, at most 0xFFFF before they are added.
+  UINT64 Lanes = 0;
+  UINT32 Words = 0;
+  UINT64 BreakBefore = kLaneTops & 0xFFFF;  // lane 0: the start counts
+  while (End - Cursor >= static_cast<INTN>(kLanes)) {
+    const UINT64 Word = LoadLanes(Cursor);
+    const UINT64 Breaks = ZeroLanes(Word) | ZeroLanes(Word ^ kLineFeeds);
+    Lanes += (~Breaks & kLaneTops & ((Breaks << 16) | BreakBefore)) >> 15;
+    BreakBefore = (Breaks >> 48) & 0x8000;
+    Cursor += kLanes;
+    if (++Words == 0xFFFF || End - Cursor < static_cast<INTN>(kLanes)) {
+      for (; Lanes != 0; Lanes >>= 16) {
+        Count += static_cast<UINT32>(Lanes & 0xFFFF);
+      }
+      Words = 0;
+    }
+  }
+  bool AfterBreak = BreakBefore != 0;
+  for (; Cursor < End; Cursor++) {
+    const bool Break = IsLineBreak(*Cursor);
+    Count += (!Break && AfterBreak) ? 1 : 0;
+    AfterBreak = Break;
+  }
+  return Count;
+}
+
+// TRUE when the Length characters at Text are Phrase's.
+[[nodiscard]] bool PhraseAt(const CHAR16 *Text, const CHAR16 *Phrase,
+                            UINT32 Length) {
+  for (UINT32 Index = 0; Index < Length; Index++) {
+    if (Text[Index] != Phrase[Index]) {
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
+
+UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
+                         const RAID_PHRASES &Set, UINT32 *LinesWith) {
+  // Where each phrase was found last: a line break between that and the
+  // next find makes it another line. Each character is looked back at
+  // once per phrase at most, however long a line.
+  const CHAR16 *Found[8] = {};
+  for (UINT32 Index = 0; Index < Set.Count; Index++) {
+    LinesWith[Index] = 0;
+  }
+  const CHAR16 *Text = Lines->Next;
+  const CHAR16 *End = Lines->End;
+  if (Text == nullptr || End == nullptr || Text >= End) {
+    return 0;
+  }
+  // Phrases hold no line break, so a phrase found lies within one line.
+  // The pair of characters that ends the window says how far it may move
+  // on; where a phrase may end, every phrase is compared.
+  const UINTN Chars = static_cast<UINTN>(End - Text);
+  for (UINTN Last = Set.Shortest - 1; Last < Chars;) {
+    const UINT8 Shift =
+        Last == 0 ? 0 : Set.Shift[RaidLibPairEntry(Text[Last - 1], Text[Last])];
+    if (Shift != 0) {
+      Last += Shift;
+      continue;
+    }
+    for (UINT32 Index = 0; Index < Set.Count; Index++) {
+      const UINT32 Length = Set.Lengths[Index];
+      const CHAR16 *Phrase = Set.Phrases[Index];
+      if (Last < Length - 1) {
+        continue;
+      }
+      const CHAR16 *Start = Text + Last - (Length - 1);
+      if (!PhraseAt(Start, Phrase, Length)) {
+        continue;
+      }
+      bool Another = Found[Index] == nullptr;
+      for (const CHAR16 *At = Start; !Another && At > Found[Index]; At--) {
+        Another = IsLineBreak(At[-1]);
+      }
+      LinesWith[Index] += Another ? 1 : 0;
+      Found[Index] = Start;
+    }
+    Last++;
+  }
+  return CountLineStarts(Text, End);
+}
 
 VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars) {
@@ -90,6 +188,23 @@ VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
   CHAR16 *End = SharedOutputEnd(Output, OutputChars);
   Lines->End =
       End != nullptr ? End : FindTerminator(Output, Output + OutputChars);
+}
+
+VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
+                               UINTN BufferChars) {
+  Lines->Next = Output;
+  Lines->Current = nullptr;
+  Lines->End = Output != nullptr
+                   ? FindTerminatorInBuffer(Output, Output + BufferChars)
+                   : nullptr;
+}
+
+UINTN RaidLibBufferTextChars(CHAR16 *Text, UINTN BufferChars) {
+  if (Text == nullptr) {
+    return 0;
+  }
+  return static_cast<UINTN>(FindTerminatorInBuffer(Text, Text + BufferChars) -
+                            Text);
 }
 
 CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {
