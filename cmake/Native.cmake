@@ -14,7 +14,7 @@ endif()
 if(RAIDCFG_FUZZ)
   # Optimised as libFuzzer advises: at -O0 every input pays several times
   # over for unoptimised code and its coverage hooks. The sanitizers stay.
-  add_compile_options(-fsanitize=fuzzer-no-link -O1 -gline-tables-only)
+  add_compile_options(-fsanitize=fuzzer-no-link -O2 -gline-tables-only)
 endif()
 
 # add_fuzz_target(<name> <sources...> [LIBRARIES <libraries...>])
