@@ -28,6 +28,9 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 // alone into Row (its only word); NULL when the row has no such word.
 [[nodiscard]] CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index,
                                      RAID_ROW *Row);
+// The same for words separated by Separator (runs of it are one).
+[[nodiscard]] CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator,
+                                       UINTN Index, RAID_ROW *Row);
 
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.
@@ -36,7 +39,8 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 // The decimal number behind the first Separator; 0 without one.
 [[nodiscard]] UINT64 RaidLibNumberAfter(const CHAR16 *Line, CHAR16 Separator);
 // The second piece of Line cut at Separators (runs count as one), as it
-// stands; NULL when there is none. Points into Scratch.
+// stands; NULL when there is none. Points into Scratch, whose other words
+// are not kept.
 [[nodiscard]] CHAR16 *RaidLibSecondPiece(const CHAR16 *Line,
                                          const CHAR16 *Separators,
                                          RAID_ROW *Scratch);

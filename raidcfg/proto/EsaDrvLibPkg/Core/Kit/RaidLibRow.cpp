@@ -76,7 +76,8 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row) {
   return RaidLibSplitRowOn(Line, u" ", Row);
 }
 
-CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
+CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator, UINTN Index,
+                         RAID_ROW *Row) {
   for (UINTN Slot = 0; Slot < RAID_ROW_MAX_WORDS; Slot++) {
     Row->Words[Slot] = nullptr;
   }
@@ -89,14 +90,14 @@ CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
   const UINTN Limit = RAID_ROW_CHARS - 1;
   UINTN At = 0;
   for (UINTN Word = 0;; Word++) {
-    while (At < Limit && Line[At] == u' ') {
+    while (At < Limit && Line[At] == Separator) {
       At++;
     }
     if (At >= Limit || Line[At] == 0) {
       return nullptr;
     }
     const UINTN Start = At;
-    while (At < Limit && Line[At] != 0 && Line[At] != u' ') {
+    while (At < Limit && Line[At] != 0 && Line[At] != Separator) {
       At++;
     }
     if (Word == Index) {
@@ -107,6 +108,10 @@ CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
       return Row->Text;
     }
   }
+}
+
+CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
+  return RaidLibRowWordOn(Line, u' ', Index, Row);
 }
 
 const CHAR16 *RaidLibValueAfter(const CHAR16 *Line, CHAR16 Separator) {
@@ -127,6 +132,10 @@ UINT64 RaidLibNumberAfter(const CHAR16 *Line, CHAR16 Separator) {
 
 CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
                            RAID_ROW *Scratch) {
+  // One separator, the common case: only the piece is copied.
+  if (Separators != nullptr && Separators[0] != 0 && Separators[1] == 0) {
+    return RaidLibRowWordOn(Line, Separators[0], 1, Scratch);
+  }
   RaidLibSplitRowOn(Line, Separators, Scratch);
   return Scratch->Words[1];
 }
