@@ -136,14 +136,33 @@ struct M2DriveStatus {
 
 // A count value, held at the largest UINT32; 0 when it is empty.
 [[nodiscard]] UINT32 M2ReadCount(const CHAR16 *Value);
-// Hands every line of the walk and its value (M2LineValue) to Each, which
-// returns a status; the walk stops at the first failure and returns it.
+// A line's value (M2LineValue), cut out the first time a reader asks for
+// it: most lines of a report are no key the reader wants.
+class M2KeyValue {
+ public:
+  explicit M2KeyValue(const CHAR16 *Line) : Line_(Line) {}
+  [[nodiscard]] const CHAR16 *Get() {
+    if (!Cut_) {
+      Value_ = M2LineValue(Line_, &Scratch_);
+      Cut_ = true;
+    }
+    return Value_;
+  }
+
+ private:
+  const CHAR16 *Line_;
+  const CHAR16 *Value_ = nullptr;
+  bool Cut_ = false;
+  RAID_ROW Scratch_;
+};
+
+// Hands every line of the walk and its value to Each, which returns a
+// status; the walk stops at the first failure and returns it.
 template <typename Visit>
 [[nodiscard]] EFI_STATUS M2EachKeyLine(RAID_LINE_CURSOR Lines, Visit &&Each) {
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
-    RAID_ROW Scratch;
-    const CHAR16 *Value = M2LineValue(Line, &Scratch);
+    M2KeyValue Value(Line);
     EFI_STATUS Status = Each(static_cast<const CHAR16 *>(Line), Value);
     if (EFI_ERROR(Status)) {
       return Status;

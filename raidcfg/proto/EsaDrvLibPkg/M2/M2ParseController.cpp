@@ -51,7 +51,8 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   const CHAR8 *Caller = __func__;
   EFI_STATUS Status = M2EachKeyLine(
       M2ReportLines(Output), [Caller, Controller](const CHAR16 *Line,
-                                                  const CHAR16 *Value) {
+                                                  M2KeyValue &Key) {
+        const CHAR16 *Value = Key.Get();
         if (RaidLibStartsWith(Line, u"Adapter ID")) {
           RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                             "[%a]Adapter ID: %s\n", M2Shown(Value));

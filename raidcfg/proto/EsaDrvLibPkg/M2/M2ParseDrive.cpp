@@ -102,22 +102,23 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
 
 // Fills the current drive from one of its lines.
 [[nodiscard]] EFI_STATUS ReadDriveLine(DriveRead *Read, const CHAR16 *Line,
-                                       const CHAR16 *Value) {
+                                       M2KeyValue &Value) {
   RAID_PHYSICAL_DRIVE *Drive = Read->Current;
   if (RaidLibStartsWith(Line, u"Type")) {
-    Drive->MediaType = M2MediaType(Value);
+    Drive->MediaType = M2MediaType(Value.Get());
   } else if (RaidLibStartsWith(Line, u"Size")) {
-    Drive->SizeFigure = M2ReadSize(Value, M2SizeOf::Drive);
+    Drive->SizeFigure = M2ReadSize(Value.Get(), M2SizeOf::Drive);
     Drive->SizeUnit = RAID_UNIT_GB;
   } else if (RaidLibStartsWith(Line, u"model")) {
-    CHAR16 *Model = RaidLibCopyStripped(Value != nullptr ? Value : u"",
+    const CHAR16 *Text = Value.Get();
+    CHAR16 *Model = RaidLibCopyStripped(Text != nullptr ? Text : u"",
                                         M2_MODEL_CHARS);
     if (Model == nullptr) {
       return EFI_OUT_OF_RESOURCES;
     }
     RaidLibReplaceDriveModel(Drive, Model);
   } else if (RaidLibStartsWith(Line, u"PD status")) {
-    PlaceDrive(Read, Value);
+    PlaceDrive(Read, Value.Get());
   }
   return EFI_SUCCESS;
 }
@@ -126,12 +127,12 @@ VOID PlaceDrive(DriveRead *Read, const CHAR16 *Value) {
 [[nodiscard]] EFI_STATUS ReadDrives(const CHAR8 *Caller,
                                     RAID_LINE_CURSOR Lines, DriveRead *Read) {
   return M2EachKeyLine(Lines, [Caller, Read](const CHAR16 *Line,
-                                             const CHAR16 *Value) {
+                                             M2KeyValue &Value) {
     if (RaidLibStartsWith(Line, u"Adapter")) {
       RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO, "[%a]Adapter: %s\n",
-                        M2Shown(Value));
+                        M2Shown(Value.Get()));
     } else if (RaidLibStartsWith(Line, u"PD ID")) {
-      return StartDrive(Caller, Read, Value);
+      return StartDrive(Caller, Read, Value.Get());
     } else if (Read->Current != nullptr) {
       return ReadDriveLine(Read, Line, Value);
     }

@@ -15,11 +15,11 @@ namespace {
 
 // Fills the current volume from one of its own lines; FALSE when the line
 // is no volume key. *Status tells an allocation failure.
-[[nodiscard]] bool ReadVolumeLine(const CHAR16 *Line, const CHAR16 *Value,
+[[nodiscard]] bool ReadVolumeLine(const CHAR16 *Line, M2KeyValue &Value,
                                   RAID_VOLUME *Volume, EFI_STATUS *Status) {
   if (RaidLibStartsWith(Line, u"name")) {
-    if (Volume != nullptr && Value != nullptr) {
-      CHAR16 *Name = AllocDestStr(Value);
+    if (Volume != nullptr && Value.Get() != nullptr) {
+      CHAR16 *Name = AllocDestStr(Value.Get());
       if (Name == nullptr) {
         *Status = EFI_OUT_OF_RESOURCES;
       } else {
@@ -29,15 +29,15 @@ namespace {
     }
   } else if (RaidLibStartsWith(Line, u"VD status")) {
     if (Volume != nullptr) {
-      Volume->State = M2VolumeState(Value);
+      Volume->State = M2VolumeState(Value.Get());
     }
   } else if (RaidLibStartsWith(Line, u"Stripe size")) {
     if (Volume != nullptr) {
-      Volume->StripeSize = M2StripeSize(Value);
+      Volume->StripeSize = M2StripeSize(Value.Get());
     }
   } else if (RaidLibStartsWith(Line, u"size")) {
     if (Volume != nullptr) {
-      Volume->SizeFigure = M2ReadSize(Value, M2SizeOf::Volume);
+      Volume->SizeFigure = M2ReadSize(Value.Get(), M2SizeOf::Volume);
       Volume->SizeUnit = RAID_UNIT_GB;
       RAID_ARRAY *Array = Volume->Array;
       Array->SizeFigure += Volume->SizeFigure;
@@ -62,20 +62,19 @@ namespace {
 }
 
 // The array's own lines.
-VOID ReadArrayLine(const CHAR16 *Line, const CHAR16 *Value,
-                   RAID_ARRAY *Array) {
+VOID ReadArrayLine(const CHAR16 *Line, M2KeyValue &Value, RAID_ARRAY *Array) {
   if (RaidLibStartsWith(Line, u"RAID mode")) {
-    Array->RaidLevel = M2RaidLevel(Value);
+    Array->RaidLevel = M2RaidLevel(Value.Get());
   } else if (RaidLibStartsWith(Line, u"Cache mode") ||
              RaidLibStartsWith(Line, u"PD RAID setup")) {
     // Nothing the model holds.
   } else if (RaidLibStartsWith(Line, u"# of PDs")) {
-    Array->MemberDriveCount = M2ReadCount(Value);
-    if (Value == nullptr) {
+    Array->MemberDriveCount = M2ReadCount(Value.Get());
+    if (Value.Get() == nullptr) {
       Array->Controller->DiskDriveCount = 0;
     }
   } else if (RaidLibStartsWith(Line, u"Total # of VD")) {
-    Array->VolumeCount = M2ReadCount(Value);
+    Array->VolumeCount = M2ReadCount(Value.Get());
   }
 }
 
@@ -89,10 +88,10 @@ EFI_STATUS ParseVolumeInfo(CHAR16 *Output, RAID_ARRAY *Array,
   RAID_VOLUME *Volume = nullptr;
   EFI_STATUS Status = M2EachKeyLine(
       M2ReportLines(Output),
-      [Array, &Volume](const CHAR16 *Line, const CHAR16 *Value) {
+      [Array, &Volume](const CHAR16 *Line, M2KeyValue &Value) {
         EFI_STATUS Read = EFI_SUCCESS;
         if (RaidLibStartsWith(Line, u"id")) {
-          Volume = AddVolume(Array, Value);
+          Volume = AddVolume(Array, Value.Get());
           Read = Volume == nullptr ? EFI_OUT_OF_RESOURCES : EFI_SUCCESS;
         } else if (!ReadVolumeLine(Line, Value, Volume, &Read)) {
           ReadArrayLine(Line, Value, Array);
