@@ -4,6 +4,7 @@
 #include <Library/BaseLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
+#include "RaidLibLanes.h"
 #include "RaidLibToolRunner.h"
 #include "RaidLibTrace.h"
 
@@ -14,16 +15,13 @@ namespace {
   return Char == u'\n' || Char == 0;
 }
 
-// Four characters at a time: a lane of a 64-bit word is zero when the
-// word minus one in every lane borrows into that lane's top bit.
+// Four characters at a time in a 64-bit word, for the line count: a lane
+// is zero when the word minus one in every lane borrows into that lane's
+// top bit.
 constexpr UINT64 kLaneOnes = 0x0001000100010001ULL;
 constexpr UINT64 kLaneTops = 0x8000800080008000ULL;
 constexpr UINT64 kLineFeeds = kLaneOnes * u'\n';
 constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
-
-[[nodiscard]] bool HasZeroLane(UINT64 Word) {
-  return ((Word - kLaneOnes) & ~Word & kLaneTops) != 0;
-}
 
 [[nodiscard]] UINT64 LoadLanes(const CHAR16 *Text) {
   UINT64 Word;
@@ -41,11 +39,15 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 }
 
 // The first terminator from Cursor on, or End, where every character
-// before End is the buffer's: whole words are read while four remain.
+// before End is the buffer's: eight at a time while eight remain.
 [[nodiscard]] CHAR16 *FindTerminatorInBuffer(CHAR16 *Cursor, CHAR16 *End) {
-  while (End - Cursor >= static_cast<INTN>(kLanes) &&
-         !HasZeroLane(LoadLanes(Cursor))) {
-    Cursor += kLanes;
+  using namespace raidlib_lanes;
+  for (; End - Cursor >= static_cast<INTN>(raidlib_lanes::kLanes);
+       Cursor += raidlib_lanes::kLanes) {
+    const UINT32 Ends = Equal(Load(Cursor), 0);
+    if (Ends != 0) {
+      return Cursor + FirstLane(Ends);
+    }
   }
   return FindTerminator(Cursor, End);
 }
@@ -66,14 +68,15 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 }
 
 // The first line break from Cursor on, or End; every character before End
-// is the output's, so whole words of it are read while four remain.
+// is the output's, so eight at a time are read while eight remain.
 [[nodiscard]] CHAR16 *FindLineBreak(CHAR16 *Cursor, CHAR16 *End) {
-  while (End - Cursor >= static_cast<INTN>(kLanes)) {
-    const UINT64 Word = LoadLanes(Cursor);
-    if (HasZeroLane(Word) || HasZeroLane(Word ^ kLineFeeds)) {
-      break;
+  using namespace raidlib_lanes;
+  for (; End - Cursor >= static_cast<INTN>(raidlib_lanes::kLanes);
+       Cursor += raidlib_lanes::kLanes) {
+    const UINT32 Found = Breaks(Load(Cursor));
+    if (Found != 0) {
+      return Cursor + FirstLane(Found);
     }
-    Cursor += kLanes;
   }
   while (Cursor < End && !IsLineBreak(*Cursor)) {
     Cursor++;
@@ -81,8 +84,8 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   return Cursor;
 }
 
-// The top bit of every lane that is zero: unlike HasZeroLane, exact in
-// each lane (no borrow crosses into the next).
+// The top bit of every lane that is zero, exact in each lane (no carry
+// crosses into the next).
 [[nodiscard]] UINT64 ZeroLanes(UINT64 Word) {
   return ~(((Word & ~kLaneTops) + ~kLaneTops) | Word) & kLaneTops;
 }

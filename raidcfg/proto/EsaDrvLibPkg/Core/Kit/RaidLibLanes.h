@@ -1,0 +1,55 @@
+// Eight characters of tool output compared at once. x64 firmware runs
+// with SSE2 enabled (the boot services' calling convention keeps the XMM
+// registers), so a 16-byte load and compare costs what one character's
+// does. Each answer is a mask with bits 2k and 2k + 1 set for lane k:
+// the lane of the first hit is its count of trailing zeros over two.
+#pragma once
+
+#include <Uefi.h>
+
+namespace raidlib_lanes {
+
+constexpr UINTN kLanes = 8;
+
+typedef UINT16 CharLanes __attribute__((vector_size(16)));
+typedef char ByteLanes __attribute__((vector_size(16)));
+
+// The eight characters at Text (any alignment).
+[[nodiscard]] inline CharLanes Load(const CHAR16 *Text) {
+  CharLanes Lanes;
+  __builtin_memcpy(&Lanes, Text, sizeof(Lanes));
+  return Lanes;
+}
+
+template <typename Compared>
+[[nodiscard]] inline UINT32 MaskOf(Compared Hits) {
+#if defined(__SSE2__)
+  return static_cast<UINT32>(
+      __builtin_ia32_pmovmskb128(reinterpret_cast<ByteLanes>(Hits)));
+#else
+  UINT32 Mask = 0;
+  for (UINTN Lane = 0; Lane < kLanes; Lane++) {
+    Mask |= Hits[Lane] != 0 ? 3U << (2 * Lane) : 0;
+  }
+  return Mask;
+#endif
+}
+
+// Lanes equal to Char.
+[[nodiscard]] inline UINT32 Equal(CharLanes Lanes, CHAR16 Char) {
+  return MaskOf(Lanes == static_cast<UINT16>(Char));
+}
+
+// Lanes that are a line break: a line feed, or a terminator (the output's
+// end, or a line end an earlier walk wrote).
+[[nodiscard]] inline UINT32 Breaks(CharLanes Lanes) {
+  return MaskOf((Lanes == static_cast<UINT16>(u'\n')) |
+                (Lanes == static_cast<UINT16>(0)));
+}
+
+// The lane of a mask's first hit.
+[[nodiscard]] inline UINTN FirstLane(UINT32 Mask) {
+  return static_cast<UINTN>(__builtin_ctz(Mask)) / 2;
+}
+
+}  // namespace raidlib_lanes
