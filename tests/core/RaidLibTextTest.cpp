@@ -252,6 +252,57 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
   EXPECT_EQ(RaidLibContainsEach(nullptr, kNeedleSet), 0U);
 }
 
+// The prefix search finds the lines a walk line by line with
+// RaidLibStartsWith finds, in order: at the walk's first character, at
+// every lane of the eight compared at once and in the last few characters,
+// behind terminators an earlier walk wrote, with one-character prefixes,
+// and where only a prefix's first two characters match.
+TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
+  static constexpr const CHAR16 *kPrefixes[] = {u"Array ", u" Total", u"#"};
+  static constexpr RAID_LINE_PREFIXES kSet = RaidLibLinePrefixes(kPrefixes);
+  const std::u16string Lines[] = {u"Array 1:",  u" Total: 3", u" Totl",
+                                  u"Ar",        u"#",         u"x#",
+                                  u"\r",       u"Arrays",    u"  Total"};
+  std::vector<std::u16string> Texts = {u"", u"\n\n", u"#"};
+  for (size_t Pad = 0; Pad < 10; Pad++) {
+    std::u16string Text(Pad, u'.');
+    for (size_t Index = 0; Index < 40; Index++) {
+      Text += Lines[(Index * 7 + Pad) % std::size(Lines)];
+      Text += Index % 3 == 0 ? u"\r\n" : Index % 3 == 1 ? u"\n\n" : u"\n";
+    }
+    Texts.push_back(Text);
+    Texts.push_back(Text.substr(Pad));
+  }
+  for (const std::u16string &Text : Texts) {
+    for (bool CutBefore : {false, true}) {
+      std::u16string Walked = Text + CHAR16(0);
+      std::u16string Searched = Walked;
+      RAID_LINE_CURSOR Walk;
+      RaidLibLinesStart(&Walk, Walked.data(), Walked.size());
+      RAID_LINE_CURSOR Search;
+      RaidLibLinesStart(&Search, Searched.data(), Searched.size());
+      if (CutBefore) {
+        RAID_LINE_CURSOR Earlier = Search;
+        while (RaidLibNextLine(&Earlier) != nullptr) {
+        }
+      }
+      for (CHAR16 *Line = RaidLibNextLine(&Walk); Line != nullptr;
+           Line = RaidLibNextLine(&Walk)) {
+        if (!RaidLibStartsWith(Line, kPrefixes[0]) &&
+            !RaidLibStartsWith(Line, kPrefixes[1]) &&
+            !RaidLibStartsWith(Line, kPrefixes[2])) {
+          continue;
+        }
+        CHAR16 *Found = RaidLibNextLineStartingWith(&Search, kSet);
+        ASSERT_NE(Found, nullptr);
+        EXPECT_EQ(Found - Searched.data(), Line - Walked.data());
+        EXPECT_EQ(std::u16string(Found), std::u16string(Line));
+      }
+      EXPECT_EQ(RaidLibNextLineStartingWith(&Search, kSet), nullptr);
+    }
+  }
+}
+
 TEST(RaidLibText, TrimInPlace) {
   struct Case {
     std::u16string Text;

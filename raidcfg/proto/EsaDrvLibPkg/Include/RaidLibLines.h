@@ -52,6 +52,51 @@ VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);
 [[nodiscard]] CHAR16 *RaidLibNextLineWithin(RAID_LINE_CURSOR *Lines,
                                             UINTN *Budget);
 
+// Up to eight prefixes (none empty, none holding a line break) to find
+// lines by, with the distinct pairs of characters they begin with, which a
+// search compares eight lines' starts at a time. A prefix of one character
+// pairs with any second character (AnySecond).
+typedef struct {
+  const CHAR16 *const *Prefixes;
+  UINT32 Count;
+  UINT32 PairCount;
+  CHAR16 First[8];
+  CHAR16 Second[8];
+  UINT16 AnySecond[8];  // 0xFFFF: any second character
+} RAID_LINE_PREFIXES;
+
+// The set over a constant array of prefixes.
+template <UINTN N>
+[[nodiscard]] constexpr RAID_LINE_PREFIXES RaidLibLinePrefixes(
+    const CHAR16 *const (&Prefixes)[N]) {
+  static_assert(N >= 1 && N <= 8, "one to eight prefixes");
+  RAID_LINE_PREFIXES Set = {Prefixes, static_cast<UINT32>(N), 0, {}, {}, {}};
+  for (UINTN Index = 0; Index < N; Index++) {
+    const CHAR16 First = Prefixes[Index][0];
+    const CHAR16 Second = First != 0 ? Prefixes[Index][1] : 0;
+    const UINT16 Any = Second == 0 ? 0xFFFF : 0;
+    bool Known = false;
+    for (UINT32 Pair = 0; Pair < Set.PairCount; Pair++) {
+      Known |= Set.First[Pair] == First && Set.Second[Pair] == Second &&
+               Set.AnySecond[Pair] == Any;
+    }
+    if (!Known) {
+      Set.First[Set.PairCount] = First;
+      Set.Second[Set.PairCount] = Second;
+      Set.AnySecond[Set.PairCount] = Any;
+      Set.PairCount++;
+    }
+  }
+  return Set;
+}
+
+// The next line that begins with one of Set's prefixes, as a walk with
+// RaidLibNextLine and RaidLibStartsWith would find it, cut in place; the
+// walk moves on behind it. The lines passed over are not cut (a later walk
+// finds them all the same). NULL at the end of the output.
+[[nodiscard]] CHAR16 *RaidLibNextLineStartingWith(
+    RAID_LINE_CURSOR *Lines, const RAID_LINE_PREFIXES &Set);
+
 // Up to eight phrases (none empty, none holding a line feed) to count
 // lines by, with what a skip search over the text needs: the shortest
 // phrase's length and, for each pair of characters (by the low five bits
