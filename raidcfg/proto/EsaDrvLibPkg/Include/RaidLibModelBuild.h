@@ -64,6 +64,21 @@ VOID RaidLibReplaceDriveModel(RAID_PHYSICAL_DRIVE *Drive, CHAR16 *Model);
 [[nodiscard]] BOOLEAN RaidLibInDriveBlock(const RAID_PHYSICAL_DRIVE *Drive,
                                           const VOID *Part);
 
+// An array's or segment's record and its Extra are one pool block, Extra
+// right behind the record; TRUE when Record's Extra is that part (a record
+// made part by part has a block of its own for it).
+template <typename T>
+[[nodiscard]] BOOLEAN RaidLibExtraInRecord(const T *Record) {
+  return Record->Extra == reinterpret_cast<const UINT8 *>(Record) + sizeof(T)
+             ? TRUE
+             : FALSE;
+}
+
+// Prefix and the decimal Number written to Text, cut to TextChars with its
+// terminator as the formatter cuts ("Array3", "Disk12").
+VOID RaidLibNumberedText(CHAR16 *Text, UINTN TextChars, const CHAR16 *Prefix,
+                         UINT32 Number);
+
 // The controller's array numbered Id, or NULL.
 [[nodiscard]] RAID_ARRAY *RaidLibFindArray(RAID_CONTROLLER *Controller,
                                            UINT32 Id);

@@ -5,18 +5,31 @@
 #include <Library/BaseMemoryLib.h>
 #include <Library/DebugLib.h>
 #include <Library/MemoryAllocationLib.h>
-#include <Library/PrintLib.h>
 
 #include "RaidLibRow.h"
 #include "RaidLibText.h"
 
 namespace {
 
-// A pool copy of a numbered name ("Array%d", "FreeCapacity%d").
-[[nodiscard]] CHAR16 *NewNumberedName(const CHAR16 *Format, UINT32 Number) {
+// A pool copy of a numbered name ("Array3", "FreeCapacity0").
+[[nodiscard]] CHAR16 *NewNumberedName(const CHAR16 *Prefix, UINT32 Number) {
   CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), Format, Number);
+  RaidLibNumberedText(Name, 32, Prefix, Number);
   return AllocDestStr(Name);
+}
+
+// A zeroed record of type T with ExtraSize zeroed bytes behind it as its
+// Extra: one pool block (RaidLibExtraInRecord), or NULL.
+template <typename T>
+[[nodiscard]] T *NewRecordWithExtra(UINTN ExtraSize) {
+  if (ExtraSize > ~static_cast<UINTN>(0) - sizeof(T)) {
+    return nullptr;
+  }
+  auto *Record = static_cast<T *>(AllocateZeroPool(sizeof(T) + ExtraSize));
+  if (Record != nullptr) {
+    Record->Extra = reinterpret_cast<UINT8 *>(Record) + sizeof(T);
+  }
+  return Record;
 }
 
 // The list a placed drive sits in, and the count that counts it there.
@@ -51,23 +64,20 @@ EFI_STATUS RaidLibResetControllerModel(RAID_CONTROLLER *Controller) {
 RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
                             UINTN ExtraSize) {
   CHAR16 Name[32];
-  UnicodeSPrint(Name, sizeof(Name), u"Array%u", Id);
+  RaidLibNumberedText(Name, 32, u"Array", Id);
   return RaidLibAddNamedArray(Controller, Id, Name, ExtraSize);
 }
 
 RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller, UINT32 Id,
                                  const CHAR16 *Name, UINTN ExtraSize) {
-  uefi::PoolPtr<RAID_ARRAY> Array(uefi::AllocateRecord<RAID_ARRAY>());
+  uefi::PoolPtr<RAID_ARRAY> Array(NewRecordWithExtra<RAID_ARRAY>(ExtraSize));
   if (!Array) {
     return nullptr;
   }
   InitializeListHead(&Array->DriveList);
   InitializeListHead(&Array->SegmentList);
   Array->Name = AllocDestStr(Name);
-  Array->Extra = AllocateZeroPool(ExtraSize);
-  if (Array->Name == nullptr || Array->Extra == nullptr) {
-    FreePool(Array->Name);
-    FreePool(Array->Extra);
+  if (Array->Name == nullptr) {
     return nullptr;
   }
   Array->Controller = Controller;
@@ -78,13 +88,12 @@ RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller, UINT32 Id,
 
 RAID_VOLUME *RaidLibAddVolume(RAID_ARRAY *Array, UINT32 Id, const CHAR16 *Name,
                               UINTN ExtraSize) {
-  RAID_VOLUME *Volume = uefi::AllocateRecord<RAID_VOLUME>();
+  RAID_VOLUME *Volume = NewRecordWithExtra<RAID_VOLUME>(ExtraSize);
   if (Volume == nullptr) {
     return nullptr;
   }
   Volume->Name = RaidLibCopyStripped(Name != nullptr ? Name : u"", 0);
-  Volume->Extra = AllocateZeroPool(ExtraSize);
-  if (Volume->Name == nullptr || Volume->Extra == nullptr) {
+  if (Volume->Name == nullptr) {
     RaidLibFreeSegment(Volume);
     return nullptr;
   }
@@ -99,13 +108,12 @@ RAID_VOLUME *RaidLibAddVolume(RAID_ARRAY *Array, UINT32 Id, const CHAR16 *Name,
 RAID_VOLUME *RaidLibAddFreeSegment(RAID_ARRAY *Array, UINT32 Id,
                                    UINT32 AfterVolume, UINT64 SizeFigure,
                                    UINT32 SizeUnit, UINTN ExtraSize) {
-  RAID_VOLUME *Segment = uefi::AllocateRecord<RAID_VOLUME>();
+  RAID_VOLUME *Segment = NewRecordWithExtra<RAID_VOLUME>(ExtraSize);
   if (Segment == nullptr) {
     return nullptr;
   }
-  Segment->Name = NewNumberedName(u"FreeCapacity%u", Id);
-  Segment->Extra = AllocateZeroPool(ExtraSize);
-  if (Segment->Name == nullptr || Segment->Extra == nullptr) {
+  Segment->Name = NewNumberedName(u"FreeCapacity", Id);
+  if (Segment->Name == nullptr) {
     RaidLibFreeSegment(Segment);
     return nullptr;
   }
@@ -253,4 +261,25 @@ BOOLEAN RaidLibAppendToDriveTable(RAID_DRIVE_TABLE_FILL *Fill,
 VOID RaidLibFinishDriveTable(const RAID_DRIVE_TABLE_FILL *Fill) {
   ASSERT(Fill->Filled <= Fill->Capacity);
   Fill->Controller->DiskDriveCount = Fill->Filled;
+}
+
+VOID RaidLibNumberedText(CHAR16 *Text, UINTN TextChars, const CHAR16 *Prefix,
+                         UINT32 Number) {
+  if (Text == nullptr || TextChars == 0) {
+    return;
+  }
+  CHAR16 Digits[10];
+  UINTN DigitCount = 0;
+  do {
+    Digits[DigitCount++] = static_cast<CHAR16>(u'0' + Number % 10);
+    Number /= 10;
+  } while (Number != 0);
+  UINTN Length = 0;
+  for (; Prefix[Length] != 0 && Length + 1 < TextChars; Length++) {
+    Text[Length] = Prefix[Length];
+  }
+  while (DigitCount > 0 && Length + 1 < TextChars) {
+    Text[Length++] = Digits[--DigitCount];
+  }
+  Text[Length] = 0;
 }

@@ -42,7 +42,9 @@ VOID FreeArray(RAID_ARRAY *Array) {
   FreePool(Array->Name);
   RaidLibFreeDriveList(&Array->DriveList);
   FreeSegmentList(&Array->SegmentList);
-  FreePool(Array->Extra);
+  if (!RaidLibExtraInRecord(Array)) {
+    FreePool(Array->Extra);
+  }
   FreePool(Array);
 }
 
@@ -93,7 +95,9 @@ VOID RaidLibFreeSegment(RAID_VOLUME *Segment) {
     return;
   }
   FreePool(Segment->Name);
-  FreePool(Segment->Extra);
+  if (!RaidLibExtraInRecord(Segment)) {
+    FreePool(Segment->Extra);
+  }
   FreePool(Segment);
 }
 
