@@ -32,15 +32,19 @@ struct DriveRead {
   bool CurrentInTable;
 };
 
-// The drive count the report gives: "Total # of PD", 0 when empty or absent.
+constexpr const CHAR16 *kDriveCountLine[] = {u"Total # of PD"};
+constexpr RAID_LINE_PREFIXES kDriveCountLineSet =
+    RaidLibLinePrefixes(kDriveCountLine);
+
+// The drive count the report gives: "Total # of PD" (the last such line),
+// 0 when empty or absent.
 [[nodiscard]] UINT32 ReportedDriveCount(RAID_LINE_CURSOR Lines) {
   UINT32 Count = 0;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    if (RaidLibStartsWith(Line, u"Total # of PD")) {
-      RAID_ROW Scratch;
-      Count = M2ReadCount(M2LineValue(Line, &Scratch));
-    }
+  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kDriveCountLineSet);
+       Line != nullptr;
+       Line = RaidLibNextLineStartingWith(&Lines, kDriveCountLineSet)) {
+    RAID_ROW Scratch;
+    Count = M2ReadCount(M2LineValue(Line, &Scratch));
   }
   return Count;
 }

@@ -24,6 +24,8 @@ constexpr UINT32 kMostDisks = 1024;
 constexpr UINT32 kMissingDiskNumber = 0xFFFFFFFFU;
 constexpr UINT64 kGiB = 1ULL << 30;
 constexpr UINTN kModelChars = 100;
+// "Disk4294967294" and its terminator.
+constexpr UINTN kLocationChars = 16;
 // The lines of a volume's and a disk's block read below its header line.
 constexpr UINTN kVolumeLines = 4;
 constexpr UINTN kDiskLines = 7;
@@ -100,10 +102,31 @@ constexpr RAID_WORD_TABLE kStripeTable =
   return RaidLibReadDecimal(RaidLibSecondPiece(Line, u":", &Scratch));
 }
 
-[[nodiscard]] RAID_ARRAY *ArrayWithId(RAID_CONTROLLER *Controller, UINT64 Id) {
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
+// The arrays of the report by their numbers. The first pass numbers them
+// 0, 1, 2, ... into an empty list, so a number names at most one array,
+// and volumes and disks name them mostly in that order: the array found
+// last and the one behind it are looked at before the whole list.
+typedef struct {
+  RAID_CONTROLLER *Controller;
+  bool OneEach;  // each number names one array at most
+  RAID_ARRAY *Last;
+} ARRAY_LOOKUP;
+
+[[nodiscard]] RAID_ARRAY *ArrayWithId(ARRAY_LOOKUP *Arrays, UINT64 Id) {
+  LIST_ENTRY *List = &Arrays->Controller->ArrayList;
+  if (Arrays->OneEach && Arrays->Last != nullptr) {
+    if (Arrays->Last->Id == Id) {
+      return Arrays->Last;
+    }
+    LIST_ENTRY *Behind = Arrays->Last->Link.ForwardLink;
+    if (Behind != List && BASE_CR(Behind, RAID_ARRAY, Link)->Id == Id) {
+      Arrays->Last = BASE_CR(Behind, RAID_ARRAY, Link);
+      return Arrays->Last;
+    }
+  }
+  for (RAID_ARRAY *Array : uefi::ListOf<&RAID_ARRAY::Link>(*List)) {
     if (Array->Id == Id) {
+      Arrays->Last = Array;
       return Array;
     }
   }
@@ -150,13 +173,20 @@ constexpr RAID_WORD_TABLE kStripeTable =
                                                        : static_cast<UINT32>(Sum);
 }
 
+// The lines the first pass reads.
+constexpr const CHAR16 *kCountAndArrayLines[] = {
+    u" Total Physical Disks", u" Total Missing Disks", u"Array "};
+constexpr RAID_LINE_PREFIXES kCountAndArrayLineSet =
+    RaidLibLinePrefixes(kCountAndArrayLines);
+
 // FALSE when the pool ran out on the way.
 [[nodiscard]] bool FirstPass(RAID_LINE_CURSOR Lines,
                              RAID_CONTROLLER *Controller) {
   bool Whole = true;
   UINT32 ArrayCount = 0;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kCountAndArrayLineSet);
+       Line != nullptr;
+       Line = RaidLibNextLineStartingWith(&Lines, kCountAndArrayLineSet)) {
     if (RaidLibStartsWith(Line, u" Total Physical Disks")) {
       Controller->DiskDriveCount = SaturatingAdd(0, DecimalValue(Line));
     } else if (RaidLibStartsWith(Line, u" Total Missing Disks")) {
@@ -197,14 +227,13 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
 }
 
 // FALSE when the pool ran out.
-[[nodiscard]] bool OpenVolume(RAID_CONTROLLER *Controller,
-                              RAID_LINE_CURSOR *Lines, UINT32 *VolumeCount,
+[[nodiscard]] bool OpenVolume(ARRAY_LOOKUP *Arrays, RAID_LINE_CURSOR *Lines, UINT32 *VolumeCount,
                               OPEN_BLOCK *Open, UINT32 *ErrorCode) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   CHAR16 *Ahead[kVolumeLines];
   RaidLibLinesAhead(Lines, Ahead, kVolumeLines);
-  RAID_ARRAY *Array = ArrayWithId(Controller, DecimalPieceOfWord(Ahead[3], 2));
+  RAID_ARRAY *Array = ArrayWithId(Arrays, DecimalPieceOfWord(Ahead[3], 2));
   if (Array == nullptr) {
     return true;  // a volume of no array listed has no place in the model
   }
@@ -274,8 +303,7 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
 }
 
 // FALSE when the pool ran out.
-[[nodiscard]] bool OpenDisk(RAID_CONTROLLER *Controller,
-                            RAID_LINE_CURSOR *Lines,
+[[nodiscard]] bool OpenDisk(ARRAY_LOOKUP *Arrays, RAID_LINE_CURSOR *Lines,
                             RAID_DRIVE_TABLE_FILL *Table, OPEN_BLOCK *Open) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
@@ -289,14 +317,15 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   const RAID_WORD_CODE &State =
       RaidLibClassifyWord(kDiskStateTable, Word(IdLine, 1, &Row));
   RAID_ARRAY *Owner =
-      ArrayWithId(Controller, HexPieceOfWord(Ahead[6], 1));
+      ArrayWithId(Arrays, HexPieceOfWord(Ahead[6], 1));
   CHAR16 Model[kModelChars + 1];
   ReadModel(Ahead[0], Model);
-  CHAR16 Location[16];
+  // "Disk<number>", or "Missing Disk" for a disk the engine no longer sees.
+  CHAR16 Location[kLocationChars];
   if (Id == kMissingDiskNumber) {
-    (VOID)RaidLibFormat(Location, 16, u"Missing Disk");
+    (VOID)RaidLibFormat(Location, kLocationChars, u"Missing Disk");
   } else {
-    (VOID)RaidLibFormat(Location, 16, u"Disk%u", Id);
+    RaidLibNumberedText(Location, kLocationChars, u"Disk", Id);
   }
   RAID_PHYSICAL_DRIVE *Disk = RaidLibNewDrive(
       Id, Location, Model[0] != 0 ? Model : u"Unknown", kModelChars);
@@ -309,7 +338,7 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   // Members go to their array; a spare is the engine's, whatever array its
   // block names; everything else is a free disk.
   RAID_ARRAY *Place = State.Detail == RAID_ROLE_MEMBER ? Owner : nullptr;
-  RaidLibPlaceDrive(Controller, Disk, Place, State.Code, State.Detail);
+  RaidLibPlaceDrive(Arrays->Controller, Disk, Place, State.Code, State.Detail);
   (VOID)RaidLibAppendToDriveTable(Table, Disk);
   Open->Disk = Disk;
   return true;
@@ -336,26 +365,25 @@ VOID SetCapacity(const CHAR16 *Line, const OPEN_BLOCK &Open) {
   }
 }
 
-[[nodiscard]] bool IsCapacityLine(const CHAR16 *Line) {
-  return RaidLibStartsWith(Line, u" Block Size") ||
-         RaidLibStartsWith(Line, u" TotalBlocks:") ||
-         RaidLibStartsWith(Line, u"    DISK_SMART_EVENT_SUPPORTED");
-}
+// The lines the second pass reads: block headers, then capacity lines.
+constexpr const CHAR16 *kBlockLines[] = {
+    u"Volume ", u"Disk ", u" Block Size", u" TotalBlocks:",
+    u"    DISK_SMART_EVENT_SUPPORTED"};
+constexpr RAID_LINE_PREFIXES kBlockLineSet = RaidLibLinePrefixes(kBlockLines);
 
 // FALSE when the pool ran out on the way.
-[[nodiscard]] bool SecondPass(RAID_LINE_CURSOR Lines,
-                              RAID_CONTROLLER *Controller,
+[[nodiscard]] bool SecondPass(RAID_LINE_CURSOR Lines, ARRAY_LOOKUP *Arrays,
                               RAID_DRIVE_TABLE_FILL *Table, UINT32 *ErrorCode) {
   bool Whole = true;
   OPEN_BLOCK Open = {nullptr, nullptr, 0};
   UINT32 VolumeCount = 0;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kBlockLineSet);
+       Line != nullptr; Line = RaidLibNextLineStartingWith(&Lines, kBlockLineSet)) {
     if (RaidLibStartsWith(Line, u"Volume ")) {
-      Whole &= OpenVolume(Controller, &Lines, &VolumeCount, &Open, ErrorCode);
+      Whole &= OpenVolume(Arrays, &Lines, &VolumeCount, &Open, ErrorCode);
     } else if (RaidLibStartsWith(Line, u"Disk ")) {
-      Whole &= OpenDisk(Controller, &Lines, Table, &Open);
-    } else if (IsCapacityLine(Line)) {
+      Whole &= OpenDisk(Arrays, &Lines, Table, &Open);
+    } else {
       SetCapacity(Line, Open);
     }
   }
@@ -400,6 +428,8 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   // before the first pass writes its line terminators.
   RAID_LINE_CURSOR Lines;
   RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
+  ARRAY_LOOKUP Arrays = {Controller, IsListEmpty(&Controller->ArrayList) != 0,
+                         nullptr};
   bool Whole = FirstPass(Lines, Controller);
   UINT32 Disks = Controller->DiskDriveCount < kMostDisks
                      ? Controller->DiskDriveCount
@@ -409,7 +439,7 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;
   }
-  Whole &= SecondPass(Lines, Controller, &Table, ErrorCode);
+  Whole &= SecondPass(Lines, &Arrays, &Table, ErrorCode);
   RaidLibFinishDriveTable(&Table);
   ScaleByLevel(Controller);
   // A record the pool could not hold leaves the model partial but

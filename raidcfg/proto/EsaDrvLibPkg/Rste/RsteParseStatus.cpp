@@ -1,4 +1,5 @@
 // "/ST", the volumes' states, and the verdict of a change command.
+#include <Library/MemoryAllocationLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
 #include "RaidLibLines.h"
@@ -29,23 +30,118 @@ constexpr const CHAR16 *kSuccessLines[] = {
     u"Removing MetaData from selected disks...Completed",
 };
 
+constexpr const CHAR16 *kNameLine[] = {u"Name:"};
+constexpr RAID_LINE_PREFIXES kNameLineSet = RaidLibLinePrefixes(kNameLine);
+
 // Where a volume's state stands below its "Name:" line.
 [[nodiscard]] UINTN StateLineOffset() { return gRsteVrocLayout != 0 ? 7 : 6; }
 
-// Sets State on the first volume of each array named Name.
-VOID SetStateByName(RAID_CONTROLLER *Controller, const CHAR16 *Name,
-                    UINT32 State) {
-  for (RAID_ARRAY *Array :
-       uefi::ListOf<&RAID_ARRAY::Link>(Controller->ArrayList)) {
-    for (RAID_VOLUME *Volume :
-         uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
-      if (Volume->IsVolume == 1 && RaidLibWordIs(Volume->Name, Name)) {
-        Volume->State = State;
-        break;
+// A name's length and characters folded into 32 bits, so that most
+// volumes of another name are told apart without comparing names.
+[[nodiscard]] UINT32 NameKey(const CHAR16 *Name) {
+  UINT32 Key = 2166136261U;
+  UINT32 Length = 0;
+  for (; Name[Length] != 0; Length++) {
+    Key = (Key ^ Name[Length]) * 16777619U;
+  }
+  return Key ^ Length;
+}
+
+// The volumes a "Name:" line may set: in each array, the first volume of
+// each name, with its name's key. The report names every volume once, so
+// an index saves walking every array for each name.
+class VolumeIndex {
+  [[nodiscard]] auto Arrays() {
+    return uefi::ListOf<&RAID_ARRAY::Link>(Controller_->ArrayList);
+  }
+
+ public:
+  explicit VolumeIndex(RAID_CONTROLLER *Controller) : Controller_(Controller) {
+    UINTN Count = 0;
+    for (RAID_ARRAY *Array : Arrays()) {
+      Count += Array->VolumeCount;
+    }
+    Entries_ = static_cast<Entry *>(AllocatePool(Count * sizeof(Entry)));
+    if (Entries_ == nullptr) {
+      return;  // the walk over every array answers alone
+    }
+    Capacity_ = Count;
+    for (RAID_ARRAY *Array : Arrays()) {
+      IndexArray(Array);
+    }
+  }
+  ~VolumeIndex() {
+    if (Entries_ != nullptr) {
+      FreePool(Entries_);
+    }
+  }
+  VolumeIndex(const VolumeIndex &) = delete;
+  VolumeIndex &operator=(const VolumeIndex &) = delete;
+
+  // Sets State on the first volume of each array named Name.
+  VOID SetState(const CHAR16 *Name, UINT32 State) {
+    if (Entries_ == nullptr) {
+      SetStateByWalk(Name, State);
+      return;
+    }
+    const UINT32 Key = NameKey(Name);
+    for (UINTN Index = 0; Index < Count_; Index++) {
+      if (Entries_[Index].Key == Key &&
+          RaidLibWordIs(Entries_[Index].Volume->Name, Name)) {
+        Entries_[Index].Volume->State = State;
       }
     }
   }
-}
+
+ private:
+  struct Entry {
+    UINT32 Key;
+    RAID_VOLUME *Volume;
+  };
+
+  // The array's volumes that no earlier volume of the array shares a name
+  // with. A count that no longer matches its list leaves the rest out of
+  // the index and to the walk.
+  VOID IndexArray(RAID_ARRAY *Array) {
+    const UINTN First = Count_;
+    for (RAID_VOLUME *Volume :
+         uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+      if (Volume->IsVolume != 1 || Volume->Name == nullptr) {
+        continue;
+      }
+      bool Shadowed = false;
+      for (UINTN Index = First; Index < Count_ && !Shadowed; Index++) {
+        Shadowed = RaidLibWordIs(Entries_[Index].Volume->Name, Volume->Name);
+      }
+      if (Shadowed) {
+        continue;
+      }
+      if (Count_ == Capacity_) {
+        FreePool(Entries_);
+        Entries_ = nullptr;
+        return;
+      }
+      Entries_[Count_++] = {NameKey(Volume->Name), Volume};
+    }
+  }
+
+  VOID SetStateByWalk(const CHAR16 *Name, UINT32 State) {
+    for (RAID_ARRAY *Array : Arrays()) {
+      for (RAID_VOLUME *Volume :
+           uefi::ListOf<&RAID_VOLUME::Link>(Array->SegmentList)) {
+        if (Volume->IsVolume == 1 && RaidLibWordIs(Volume->Name, Name)) {
+          Volume->State = State;
+          break;
+        }
+      }
+    }
+  }
+
+  RAID_CONTROLLER *Controller_;
+  Entry *Entries_ = nullptr;
+  UINTN Count_ = 0;
+  UINTN Capacity_ = 0;
+};
 
 [[nodiscard]] bool IsSuccessLine(const CHAR16 *Line) {
   for (const CHAR16 *Success : kSuccessLines) {
@@ -64,21 +160,19 @@ EFI_STATUS ParseSataInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   if (Output == nullptr || Controller == nullptr) {
     return EFI_ABORTED;
   }
+  VolumeIndex Volumes(Controller);
   RAID_LINE_CURSOR Lines;
   RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
-  for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
-       Line = RaidLibNextLine(&Lines)) {
-    if (!RaidLibStartsWith(Line, u"Name:")) {
-      continue;
-    }
+  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kNameLineSet);
+       Line != nullptr;
+       Line = RaidLibNextLineStartingWith(&Lines, kNameLineSet)) {
     RAID_ROW NameRow;
     const CHAR16 *Name = RaidLibTrimmedValue(Line, u":", &NameRow);
     RAID_ROW StateRow;
     const CHAR16 *Word = RaidLibTrimmedValue(
         RaidLibLineAhead(&Lines, StateLineOffset()), u":", &StateRow);
     if (Name != nullptr) {
-      SetStateByName(Controller, Name,
-                     RaidLibCodeOfWord(kVolumeStateTable, Word));
+      Volumes.SetState(Name, RaidLibCodeOfWord(kVolumeStateTable, Word));
     }
   }
   return EFI_SUCCESS;
