@@ -83,8 +83,7 @@ constexpr RAID_WORD_TABLE kStripeTable =
 // The second ":"-piece of the Index-th " "-word of Line; NULL without one.
 [[nodiscard]] CHAR16 *PieceOfWord(const CHAR16 *Line, UINTN Index,
                                   RAID_ROW *Scratch) {
-  RAID_ROW Row;
-  return RaidLibSecondPiece(Word(Line, Index, &Row), u":", Scratch);
+  return RaidLibPieceOfWord(Line, Index, u':', 1, Scratch);
 }
 
 [[nodiscard]] UINT64 HexPieceOfWord(const CHAR16 *Line, UINTN Index) {

@@ -76,38 +76,80 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row) {
   return RaidLibSplitRowOn(Line, u" ", Row);
 }
 
-CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator, UINTN Index,
-                         RAID_ROW *Row) {
+namespace {
+
+// Where the Index-th Separator-word of the first Limit characters of Text
+// lies (runs of Separator are one): [*Start, *End). FALSE without one.
+[[nodiscard]] bool FindWord(const CHAR16 *Text, UINTN Limit, CHAR16 Separator,
+                            UINTN Index, UINTN *Start, UINTN *End) {
+  UINTN At = 0;
+  for (UINTN Word = 0;; Word++) {
+    while (At < Limit && Text[At] == Separator) {
+      At++;
+    }
+    if (At >= Limit || Text[At] == 0) {
+      return false;
+    }
+    *Start = At;
+    while (At < Limit && Text[At] != 0 && Text[At] != Separator) {
+      At++;
+    }
+    if (Word == Index) {
+      *End = At;
+      return true;
+    }
+  }
+}
+
+// Row emptied, then holding the Length characters at Text as its only word.
+CHAR16 *CopyAlone(const CHAR16 *Text, UINTN Length, RAID_ROW *Row) {
+  CopyMem(Row->Text, Text, Length * sizeof(CHAR16));
+  Row->Text[Length] = 0;
+  Row->Words[0] = Row->Text;
+  Row->Count = 1;
+  return Row->Text;
+}
+
+VOID EmptyRow(RAID_ROW *Row) {
   for (UINTN Slot = 0; Slot < RAID_ROW_MAX_WORDS; Slot++) {
     Row->Words[Slot] = nullptr;
   }
   Row->Count = 0;
   Row->Text[0] = 0;
-  if (Line == nullptr || Index >= RAID_ROW_MAX_WORDS) {
+}
+
+// Within the part of a line a row holds, as the split sees it.
+constexpr UINTN kRowLimit = RAID_ROW_CHARS - 1;
+
+}  // namespace
+
+CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator, UINTN Index,
+                         RAID_ROW *Row) {
+  EmptyRow(Row);
+  UINTN Start = 0;
+  UINTN End = 0;
+  if (Line == nullptr || Index >= RAID_ROW_MAX_WORDS ||
+      !FindWord(Line, kRowLimit, Separator, Index, &Start, &End)) {
     return nullptr;
   }
-  // Within the part of the line a row holds, as the split sees it.
-  const UINTN Limit = RAID_ROW_CHARS - 1;
-  UINTN At = 0;
-  for (UINTN Word = 0;; Word++) {
-    while (At < Limit && Line[At] == Separator) {
-      At++;
-    }
-    if (At >= Limit || Line[At] == 0) {
-      return nullptr;
-    }
-    const UINTN Start = At;
-    while (At < Limit && Line[At] != 0 && Line[At] != Separator) {
-      At++;
-    }
-    if (Word == Index) {
-      CopyMem(Row->Text, Line + Start, (At - Start) * sizeof(CHAR16));
-      Row->Text[At - Start] = 0;
-      Row->Words[0] = Row->Text;
-      Row->Count = 1;
-      return Row->Text;
-    }
+  return CopyAlone(Line + Start, End - Start, Row);
+}
+
+CHAR16 *RaidLibPieceOfWord(const CHAR16 *Line, UINTN WordIndex,
+                           CHAR16 Separator, UINTN PieceIndex, RAID_ROW *Row) {
+  EmptyRow(Row);
+  UINTN Start = 0;
+  UINTN End = 0;
+  if (Line == nullptr || WordIndex >= RAID_ROW_MAX_WORDS ||
+      PieceIndex >= RAID_ROW_MAX_WORDS ||
+      !FindWord(Line, kRowLimit, u' ', WordIndex, &Start, &End)) {
+    return nullptr;
   }
+  const CHAR16 *Word = Line + Start;
+  if (!FindWord(Word, End - Start, Separator, PieceIndex, &Start, &End)) {
+    return nullptr;
+  }
+  return CopyAlone(Word + Start, End - Start, Row);
 }
 
 CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
