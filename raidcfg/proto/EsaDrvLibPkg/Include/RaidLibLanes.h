@@ -52,4 +52,40 @@ template <typename Compared>
   return static_cast<UINTN>(__builtin_ctz(Mask)) / 2;
 }
 
+// The first Char in Text[From, Count), or Count.
+[[nodiscard]] inline UINTN FindIn(const CHAR16 *Text, UINTN From, UINTN Count,
+                                  CHAR16 Char) {
+  for (; From + kLanes <= Count; From += kLanes) {
+    const UINT32 Found = Equal(Load(Text + From), Char);
+    if (Found != 0) {
+      return From + FirstLane(Found);
+    }
+  }
+  while (From < Count && Text[From] != Char) {
+    From++;
+  }
+  return From;
+}
+
+// The first character in Text[From, Count) that is no white space (blank,
+// tab, line feed, vertical tab, form feed, carriage return), or Count.
+[[nodiscard]] inline UINTN SkipSpaceIn(const CHAR16 *Text, UINTN From,
+                                       UINTN Count) {
+  for (; From + kLanes <= Count; From += kLanes) {
+    const CharLanes Lanes = Load(Text + From);
+    const UINT32 Space =
+        MaskOf((Lanes == static_cast<UINT16>(u' ')) |
+               ((CharLanes)(Lanes - static_cast<UINT16>(u'\t')) <=
+                static_cast<UINT16>(u'\r' - u'\t')));
+    if (Space != 0xFFFFU) {
+      return From + FirstLane(~Space & 0xFFFFU);
+    }
+  }
+  while (From < Count && (Text[From] == u' ' ||
+                          (Text[From] >= u'\t' && Text[From] <= u'\r'))) {
+    From++;
+  }
+  return From;
+}
+
 }  // namespace raidlib_lanes

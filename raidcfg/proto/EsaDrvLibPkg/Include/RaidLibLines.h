@@ -14,6 +14,7 @@ typedef struct {
   CHAR16 *Next;     // where the next line starts
   CHAR16 *End;      // one past the output's last character
   CHAR16 *Current;  // the line last returned, for RaidLibStepBack
+  CHAR16 *CurrentEnd;  // where that line ends (its terminator, or End)
 } RAID_LINE_CURSOR;
 
 // Starts a walk over an output of at most OutputChars characters (NULL: a
@@ -43,6 +44,13 @@ VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
 // end.
 VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
                        UINTN Count);
+// The characters of the line last returned (0 when there is none).
+[[nodiscard]] inline UINTN RaidLibCurrentLineChars(
+    const RAID_LINE_CURSOR *Lines) {
+  return Lines->Current != nullptr
+             ? static_cast<UINTN>(Lines->CurrentEnd - Lines->Current)
+             : 0;
+}
 // The line last returned is returned again by the next RaidLibNextLine: a
 // section reader that met the next section's first line hands it back.
 VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);

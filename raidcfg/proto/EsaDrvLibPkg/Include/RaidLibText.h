@@ -55,10 +55,10 @@ template <UINTN N>
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {
-  return (Char == u' ' || Char == u'\n' || Char == u'\t' || Char == u'\r' ||
-          Char == u'\f' || Char == u'\v')
-             ? TRUE
-             : FALSE;
+  // Tab, line feed, vertical tab, form feed, carriage return (9 to 13) and
+  // the blank (32) as bits of one word: a shift instead of six compares.
+  constexpr UINT64 kSpaces = (1ULL << 32) | (0x1FULL << 9);
+  return (Char <= u' ' && ((kSpaces >> Char) & 1) != 0) ? TRUE : FALSE;
 }
 
 // Removes leading and trailing is-space characters in place; the text moves

@@ -184,6 +184,7 @@ VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                        UINTN OutputChars) {
   Lines->Next = Output;
   Lines->Current = nullptr;
+  Lines->CurrentEnd = nullptr;
   if (Output == nullptr) {
     Lines->End = nullptr;
     return;
@@ -197,6 +198,7 @@ VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
                                UINTN BufferChars) {
   Lines->Next = Output;
   Lines->Current = nullptr;
+  Lines->CurrentEnd = nullptr;
   Lines->End = Output != nullptr
                    ? FindTerminatorInBuffer(Output, Output + BufferChars)
                    : nullptr;
@@ -224,6 +226,7 @@ CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines) {
   }
   CHAR16 *Line = Cursor;
   Cursor = FindLineBreak(Cursor, Lines->End);
+  Lines->CurrentEnd = Cursor;
   if (Cursor < Lines->End) {
     *Cursor++ = 0;
   }
