@@ -112,6 +112,10 @@ namespace m2 {
 // stripped of blanks and line ends at both ends; points into Scratch. NULL
 // when it is empty or there is no ":".
 [[nodiscard]] CHAR16 *M2LineValue(const CHAR16 *Line, RAID_ROW *Scratch);
+// The same for a line of LineChars characters (a walk's line, whose length
+// the walk knows): the line is read eight characters at a time.
+[[nodiscard]] CHAR16 *M2LineValue(const CHAR16 *Line, UINTN LineChars,
+                                  RAID_ROW *Scratch);
 
 // Which unit table a size is read with.
 enum class M2SizeOf { Volume, Drive };
@@ -140,10 +144,11 @@ struct M2DriveStatus {
 // it: most lines of a report are no key the reader wants.
 class M2KeyValue {
  public:
-  explicit M2KeyValue(const CHAR16 *Line) : Line_(Line) {}
+  M2KeyValue(const CHAR16 *Line, UINTN LineChars)
+      : Line_(Line), LineChars_(LineChars) {}
   [[nodiscard]] const CHAR16 *Get() {
     if (!Cut_) {
-      Value_ = M2LineValue(Line_, &Scratch_);
+      Value_ = M2LineValue(Line_, LineChars_, &Scratch_);
       Cut_ = true;
     }
     return Value_;
@@ -151,6 +156,7 @@ class M2KeyValue {
 
  private:
   const CHAR16 *Line_;
+  UINTN LineChars_;
   const CHAR16 *Value_ = nullptr;
   bool Cut_ = false;
   RAID_ROW Scratch_;
@@ -162,7 +168,7 @@ template <typename Visit>
 [[nodiscard]] EFI_STATUS M2EachKeyLine(RAID_LINE_CURSOR Lines, Visit &&Each) {
   for (CHAR16 *Line = RaidLibNextLine(&Lines); Line != nullptr;
        Line = RaidLibNextLine(&Lines)) {
-    M2KeyValue Value(Line);
+    M2KeyValue Value(Line, RaidLibCurrentLineChars(&Lines));
     EFI_STATUS Status = Each(static_cast<const CHAR16 *>(Line), Value);
     if (EFI_ERROR(Status)) {
       return Status;

@@ -44,7 +44,8 @@ constexpr RAID_LINE_PREFIXES kDriveCountLineSet =
        Line != nullptr;
        Line = RaidLibNextLineStartingWith(&Lines, kDriveCountLineSet)) {
     RAID_ROW Scratch;
-    Count = M2ReadCount(M2LineValue(Line, &Scratch));
+    Count = M2ReadCount(
+        M2LineValue(Line, RaidLibCurrentLineChars(&Lines), &Scratch));
   }
   return Count;
 }
@@ -67,7 +68,10 @@ VOID EndDrive(DriveRead *Read) {
   CHAR16 Location[M2_LOCATION_CHARS + 1];
   if (Id == M2_ID_NONE) {
     UnicodeSPrint(Location, sizeof(Location), u"%s", M2_LOCATION_UNKNOWN);
+  } else if (Id <= 0x7FFFFFFFU) {
+    RaidLibNumberedText(Location, M2_LOCATION_CHARS + 1, u"SSD", Id);
   } else {
+    // Printed signed, as the tool's own numbering would wrap.
     UnicodeSPrint(Location, sizeof(Location), u"SSD%d", Id);
   }
   Read->Current = RaidLibNewDrive(Id, Location, nullptr, M2_MODEL_CHARS);

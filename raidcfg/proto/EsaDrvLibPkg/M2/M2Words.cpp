@@ -3,6 +3,7 @@
 #include <Library/BaseMemoryLib.h>
 
 #include "M2Backend.h"
+#include "RaidLibLanes.h"
 #include "RaidLibText.h"
 #include "RaidLibWordTable.h"
 
@@ -66,39 +67,42 @@ constexpr UINT32 kLargestCount = ~static_cast<UINT32>(0);
 
 }  // namespace
 
-CHAR16 *M2LineValue(const CHAR16 *Line, RAID_ROW *Scratch) {
+CHAR16 *M2LineValue(const CHAR16 *Line, UINTN LineChars, RAID_ROW *Scratch) {
   if (Line == nullptr) {
     return nullptr;
   }
   // As far as a row holds the line: the piece behind the first run of
-  // colons, up to the next colon; only that piece is copied.
-  const UINTN Limit = RAID_ROW_CHARS - 1;
+  // colons, up to the next colon, stripped; only that piece is copied.
+  using namespace raidlib_lanes;
+  const UINTN Count = LineChars < RAID_ROW_CHARS - 1 ? LineChars
+                                                      : RAID_ROW_CHARS - 1;
   UINTN Index = 0;
-  while (Index < Limit && Line[Index] == u':') {
+  while (Index < Count && Line[Index] == u':') {
     Index++;
   }
-  while (Index < Limit && Line[Index] != 0 && Line[Index] != u':') {
+  Index = FindIn(Line, Index, Count, u':');
+  while (Index < Count && Line[Index] == u':') {
     Index++;
   }
-  while (Index < Limit && Line[Index] == u':') {
-    Index++;
+  const UINTN Start = SkipSpaceIn(Line, Index, Count);
+  UINTN End = FindIn(Line, Start, Count, u':');
+  while (End > Start && RaidLibIsSpace(Line[End - 1])) {
+    End--;
   }
-  UINTN Start = Index;
-  while (Index < Limit && Line[Index] != 0 && Line[Index] != u':') {
-    Index++;
-  }
-  while (Start < Index && RaidLibIsSpace(Line[Start])) {
-    Start++;
-  }
-  while (Index > Start && RaidLibIsSpace(Line[Index - 1])) {
-    Index--;
-  }
-  if (Index == Start) {
+  if (End == Start) {
     return nullptr;
   }
-  CopyMem(Scratch->Text, Line + Start, (Index - Start) * sizeof(CHAR16));
-  Scratch->Text[Index - Start] = 0;
+  CopyMem(Scratch->Text, Line + Start, (End - Start) * sizeof(CHAR16));
+  Scratch->Text[End - Start] = 0;
   return Scratch->Text;
+}
+
+CHAR16 *M2LineValue(const CHAR16 *Line, RAID_ROW *Scratch) {
+  UINTN Chars = 0;
+  while (Line != nullptr && Chars < RAID_ROW_CHARS - 1 && Line[Chars] != 0) {
+    Chars++;
+  }
+  return M2LineValue(Line, Chars, Scratch);
 }
 
 UINT64 M2ReadSize(const CHAR16 *Value, M2SizeOf What) {
