@@ -67,6 +67,21 @@ template <typename Compared>
   return From;
 }
 
+// The first character in Text[From, Count) other than Char, or Count.
+[[nodiscard]] inline UINTN SkipIn(const CHAR16 *Text, UINTN From, UINTN Count,
+                                  CHAR16 Char) {
+  for (; From + kLanes <= Count; From += kLanes) {
+    const UINT32 Same = Equal(Load(Text + From), Char);
+    if (Same != 0xFFFFU) {
+      return From + FirstLane(~Same & 0xFFFFU);
+    }
+  }
+  while (From < Count && Text[From] == Char) {
+    From++;
+  }
+  return From;
+}
+
 // The first character in Text[From, Count) that is no white space (blank,
 // tab, line feed, vertical tab, form feed, carriage return), or Count.
 [[nodiscard]] inline UINTN SkipSpaceIn(const CHAR16 *Text, UINTN From,

@@ -44,6 +44,10 @@ VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
 // end.
 VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
                        UINTN Count);
+// The same, with each line's characters in AheadChars[k - 1] (0 past the
+// end).
+VOID RaidLibLinesAheadSized(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
+                            UINTN *AheadChars, UINTN Count);
 // The characters of the line last returned (0 when there is none).
 [[nodiscard]] inline UINTN RaidLibCurrentLineChars(
     const RAID_LINE_CURSOR *Lines) {

@@ -37,6 +37,15 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 [[nodiscard]] CHAR16 *RaidLibPieceOfWord(const CHAR16 *Line, UINTN WordIndex,
                                          CHAR16 Separator, UINTN PieceIndex,
                                          RAID_ROW *Row);
+// The same two for a walk's line of LineChars characters (no terminator
+// among them; RaidLibCurrentLineChars), read eight characters at a time.
+[[nodiscard]] CHAR16 *RaidLibLineWord(const CHAR16 *Line, UINTN LineChars,
+                                      CHAR16 Separator, UINTN Index,
+                                      RAID_ROW *Row);
+[[nodiscard]] CHAR16 *RaidLibLinePieceOfWord(const CHAR16 *Line,
+                                             UINTN LineChars, UINTN WordIndex,
+                                             CHAR16 Separator,
+                                             UINTN PieceIndex, RAID_ROW *Row);
 
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.

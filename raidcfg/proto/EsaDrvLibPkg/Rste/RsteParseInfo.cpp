@@ -74,26 +74,29 @@ constexpr RAID_WORD_TABLE kStripeTable =
   return Scaled(Bytes / kGiB, 1000, 1) + (Bytes % kGiB) * 1000 / kGiB;
 }
 
-// The Index-th " "-word of Line (from 0); NULL when there is none.
-[[nodiscard]] const CHAR16 *Word(const CHAR16 *Line, UINTN Index,
+// The Index-th " "-word of a walk's line of Chars characters (from 0);
+// NULL when there is none.
+[[nodiscard]] const CHAR16 *Word(const CHAR16 *Line, UINTN Chars, UINTN Index,
                                  RAID_ROW *Row) {
-  return RaidLibRowWord(Line, Index, Row);
+  return RaidLibLineWord(Line, Chars, u' ', Index, Row);
 }
 
 // The second ":"-piece of the Index-th " "-word of Line; NULL without one.
-[[nodiscard]] CHAR16 *PieceOfWord(const CHAR16 *Line, UINTN Index,
+[[nodiscard]] CHAR16 *PieceOfWord(const CHAR16 *Line, UINTN Chars, UINTN Index,
                                   RAID_ROW *Scratch) {
-  return RaidLibPieceOfWord(Line, Index, u':', 1, Scratch);
+  return RaidLibLinePieceOfWord(Line, Chars, Index, u':', 1, Scratch);
 }
 
-[[nodiscard]] UINT64 HexPieceOfWord(const CHAR16 *Line, UINTN Index) {
+[[nodiscard]] UINT64 HexPieceOfWord(const CHAR16 *Line, UINTN Chars,
+                                    UINTN Index) {
   RAID_ROW Scratch;
-  return RaidLibReadHex(PieceOfWord(Line, Index, &Scratch));
+  return RaidLibReadHex(PieceOfWord(Line, Chars, Index, &Scratch));
 }
 
-[[nodiscard]] UINT64 DecimalPieceOfWord(const CHAR16 *Line, UINTN Index) {
+[[nodiscard]] UINT64 DecimalPieceOfWord(const CHAR16 *Line, UINTN Chars,
+                                        UINTN Index) {
   RAID_ROW Scratch;
-  return RaidLibReadDecimal(PieceOfWord(Line, Index, &Scratch));
+  return RaidLibReadDecimal(PieceOfWord(Line, Chars, Index, &Scratch));
 }
 
 [[nodiscard]] UINT64 DecimalValue(const CHAR16 *Line) {
@@ -231,8 +234,10 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   CHAR16 *Ahead[kVolumeLines];
-  RaidLibLinesAhead(Lines, Ahead, kVolumeLines);
-  RAID_ARRAY *Array = ArrayWithId(Arrays, DecimalPieceOfWord(Ahead[3], 2));
+  UINTN Chars[kVolumeLines];
+  RaidLibLinesAheadSized(Lines, Ahead, Chars, kVolumeLines);
+  RAID_ARRAY *Array =
+      ArrayWithId(Arrays, DecimalPieceOfWord(Ahead[3], Chars[3], 2));
   if (Array == nullptr) {
     return true;  // a volume of no array listed has no place in the model
   }
@@ -251,25 +256,25 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
     DropFreeSegments(Array);
   }
   const CHAR16 *Level = Ahead[1];
-  Array->RaidLevel = static_cast<UINT8>(DecimalPieceOfWord(Level, 0));
-  const RAID_WORD_CODE *Stripe =
-      RaidLibFindWord(kStripeTable, PieceOfWord(Level, 3, &Scratch));
+  Array->RaidLevel = static_cast<UINT8>(DecimalPieceOfWord(Level, Chars[1], 0));
+  const RAID_WORD_CODE *Stripe = RaidLibFindWord(
+      kStripeTable, PieceOfWord(Level, Chars[1], 3, &Scratch));
   if (Stripe != nullptr) {
     Volume->StripeSize = Stripe->Code;
   } else {
     *ErrorCode = RSTE_ERROR_STRIPE_SIZE;
   }
   RAID_ROW Row;
-  Open->BlockCount = RaidLibReadHex(Word(Ahead[2], 1, &Row));
+  Open->BlockCount = RaidLibReadHex(Word(Ahead[2], Chars[2], 1, &Row));
   Open->Volume = Volume;
   return true;
 }
 
 // The disk's model: the second ":"-piece of its line, runs of blanks made
 // one and the ends stripped, "Unknown" when nothing is left.
-VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
+VOID ReadModel(const CHAR16 *Line, UINTN Chars, CHAR16 *Model) {
   RAID_ROW Scratch;
-  const CHAR16 *Piece = RaidLibSecondPiece(Line, u":", &Scratch);
+  const CHAR16 *Piece = RaidLibLineWord(Line, Chars, u':', 1, &Scratch);
   UINTN Length = 0;
   for (; Piece != nullptr && *Piece != 0 && Length < kModelChars; Piece++) {
     if (RaidLibIsSpace(*Piece) && (Length == 0 || Model[Length - 1] == u' ')) {
@@ -291,14 +296,14 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
 // line gives them in its first word (none for a disk of another role);
 // otherwise a member or spare has them in the second word, a non-RAID disk
 // in the first.
-[[nodiscard]] UINT64 DiskBlocks(const CHAR16 *Line, UINT32 Role) {
+[[nodiscard]] UINT64 DiskBlocks(const CHAR16 *Line, UINTN Chars, UINT32 Role) {
   if (Role == RAID_ROLE_OTHER) {
     return 0;
   }
   if (RaidLibStartsWith(Line, u" TotalBlks:") || Role == RAID_ROLE_UNCONFIGURED) {
-    return HexPieceOfWord(Line, 0);
+    return HexPieceOfWord(Line, Chars, 0);
   }
-  return HexPieceOfWord(Line, 1);
+  return HexPieceOfWord(Line, Chars, 1);
 }
 
 // FALSE when the pool ran out.
@@ -307,18 +312,19 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   CHAR16 *Ahead[kDiskLines];
-  RaidLibLinesAhead(Lines, Ahead, kDiskLines);
+  UINTN Chars[kDiskLines];
+  RaidLibLinesAheadSized(Lines, Ahead, Chars, kDiskLines);
   const CHAR16 *IdLine = Ahead[3];
-  UINT64 Number = HexPieceOfWord(IdLine, 0);
+  UINT64 Number = HexPieceOfWord(IdLine, Chars[3], 0);
   UINT32 Id = Number > 0xFFFFFFFFULL ? kMissingDiskNumber
                                      : static_cast<UINT32>(Number);
   RAID_ROW Row;
   const RAID_WORD_CODE &State =
-      RaidLibClassifyWord(kDiskStateTable, Word(IdLine, 1, &Row));
+      RaidLibClassifyWord(kDiskStateTable, Word(IdLine, Chars[3], 1, &Row));
   RAID_ARRAY *Owner =
-      ArrayWithId(Arrays, HexPieceOfWord(Ahead[6], 1));
+      ArrayWithId(Arrays, HexPieceOfWord(Ahead[6], Chars[6], 1));
   CHAR16 Model[kModelChars + 1];
-  ReadModel(Ahead[0], Model);
+  ReadModel(Ahead[0], Chars[0], Model);
   // "Disk<number>", or "Missing Disk" for a disk the engine no longer sees.
   CHAR16 Location[kLocationChars];
   if (Id == kMissingDiskNumber) {
@@ -333,7 +339,7 @@ VOID ReadModel(const CHAR16 *Line, CHAR16 *Model) {
   }
   Disk->MediaType = RAID_MEDIA_SATA_SSD;
   Disk->SizeUnit = RAID_UNIT_GB;
-  Open->BlockCount = DiskBlocks(Ahead[2], State.Detail);
+  Open->BlockCount = DiskBlocks(Ahead[2], Chars[2], State.Detail);
   // Members go to their array; a spare is the engine's, whatever array its
   // block names; everything else is a free disk.
   RAID_ARRAY *Place = State.Detail == RAID_ROLE_MEMBER ? Owner : nullptr;

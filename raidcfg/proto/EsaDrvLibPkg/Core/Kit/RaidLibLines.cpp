@@ -265,6 +265,16 @@ VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
   }
 }
 
+VOID RaidLibLinesAheadSized(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
+                            UINTN *AheadChars, UINTN Count) {
+  RAID_LINE_CURSOR Walk = *Lines;
+  for (UINTN Index = 0; Index < Count; Index++) {
+    Ahead[Index] = RaidLibNextLine(&Walk);
+    AheadChars[Index] = Ahead[Index] != nullptr ? RaidLibCurrentLineChars(&Walk)
+                                                : 0;
+  }
+}
+
 VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines) {
   if (Lines->Current != nullptr) {
     Lines->Next = Lines->Current;

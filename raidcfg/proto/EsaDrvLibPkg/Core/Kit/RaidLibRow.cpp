@@ -6,6 +6,7 @@
 #include <Library/MemoryAllocationLib.h>
 
 #include "RaidLib.h"
+#include "RaidLibLanes.h"
 #include "RaidLibText.h"
 
 namespace {
@@ -101,6 +102,27 @@ namespace {
   }
 }
 
+// FindWord for a text of Count characters, none of them a terminator: eight
+// characters are looked at at once.
+[[nodiscard]] bool FindWordIn(const CHAR16 *Text, UINTN Count,
+                              CHAR16 Separator, UINTN Index, UINTN *Start,
+                              UINTN *End) {
+  using namespace raidlib_lanes;
+  UINTN At = 0;
+  for (UINTN Word = 0;; Word++) {
+    At = SkipIn(Text, At, Count, Separator);
+    if (At >= Count) {
+      return false;
+    }
+    *Start = At;
+    At = FindIn(Text, At, Count, Separator);
+    if (Word == Index) {
+      *End = At;
+      return true;
+    }
+  }
+}
+
 // Row emptied, then holding the Length characters at Text as its only word.
 CHAR16 *CopyAlone(const CHAR16 *Text, UINTN Length, RAID_ROW *Row) {
   CopyMem(Row->Text, Text, Length * sizeof(CHAR16));
@@ -150,6 +172,38 @@ CHAR16 *RaidLibPieceOfWord(const CHAR16 *Line, UINTN WordIndex,
     return nullptr;
   }
   return CopyAlone(Word + Start, End - Start, Row);
+}
+
+CHAR16 *RaidLibLinePieceOfWord(const CHAR16 *Line, UINTN LineChars,
+                               UINTN WordIndex, CHAR16 Separator,
+                               UINTN PieceIndex, RAID_ROW *Row) {
+  EmptyRow(Row);
+  UINTN Start = 0;
+  UINTN End = 0;
+  const UINTN Count = LineChars < kRowLimit ? LineChars : kRowLimit;
+  if (Line == nullptr || WordIndex >= RAID_ROW_MAX_WORDS ||
+      PieceIndex >= RAID_ROW_MAX_WORDS ||
+      !FindWordIn(Line, Count, u' ', WordIndex, &Start, &End)) {
+    return nullptr;
+  }
+  const CHAR16 *Word = Line + Start;
+  if (!FindWordIn(Word, End - Start, Separator, PieceIndex, &Start, &End)) {
+    return nullptr;
+  }
+  return CopyAlone(Word + Start, End - Start, Row);
+}
+
+CHAR16 *RaidLibLineWord(const CHAR16 *Line, UINTN LineChars,
+                        CHAR16 Separator, UINTN Index, RAID_ROW *Row) {
+  EmptyRow(Row);
+  UINTN Start = 0;
+  UINTN End = 0;
+  const UINTN Count = LineChars < kRowLimit ? LineChars : kRowLimit;
+  if (Line == nullptr || Index >= RAID_ROW_MAX_WORDS ||
+      !FindWordIn(Line, Count, Separator, Index, &Start, &End)) {
+    return nullptr;
+  }
+  return CopyAlone(Line + Start, End - Start, Row);
 }
 
 CHAR16 *RaidLibRowWord(const CHAR16 *Line, UINTN Index, RAID_ROW *Row) {
