@@ -49,8 +49,24 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
                                           const CHAR16 *Separators,
                                           RAID_ROW *Scratch);
 
-// TRUE when Word equals Text exactly (NULL never does).
-[[nodiscard]] BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text);
+// TRUE when Word equals Text exactly (NULL never does; a NULL Text is
+// empty). Inline: the parsers ask it of a row's words, mostly against a
+// short literal, and most words differ in the first character.
+[[nodiscard]] inline BOOLEAN RaidLibWordIs(const CHAR16 *Word,
+                                           const CHAR16 *Text) {
+  if (Word == nullptr) {
+    return FALSE;
+  }
+  if (Text == nullptr) {
+    Text = u"";
+  }
+  for (UINTN Index = 0; Word[Index] == Text[Index]; Index++) {
+    if (Word[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
+}
 // Unit code of a row's unit word, ignoring the CR that sticks to a row's
 // last word.
 [[nodiscard]] UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);

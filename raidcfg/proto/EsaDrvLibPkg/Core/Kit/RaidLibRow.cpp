@@ -1,7 +1,6 @@
 // Rows and "key = value" pieces of tool output.
 #include "RaidLibRow.h"
 
-#include <Library/BaseLib.h>
 #include <Library/BaseMemoryLib.h>
 #include <Library/MemoryAllocationLib.h>
 
@@ -159,15 +158,14 @@ UINTN RaidLibStrippedLength(const CHAR16 **Text) {
   while (**Text != 0 && RaidLibIsSpace(**Text)) {
     (*Text)++;
   }
-  UINTN Length = StrLen(*Text);
+  UINTN Length = 0;
+  while ((*Text)[Length] != 0) {
+    Length++;
+  }
   while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
     Length--;
   }
   return Length;
-}
-
-BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text) {
-  return (Word != nullptr && StrCmp(Word, Text) == 0) ? TRUE : FALSE;
 }
 
 UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word) {
