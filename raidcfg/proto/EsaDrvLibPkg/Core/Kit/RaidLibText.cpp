@@ -327,9 +327,8 @@ BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
   if (Word == nullptr) {
     return FALSE;
   }
-  // The first part stops at the first Separator; the second part runs to
-  // the word's end, so a second Separator in it is a character that is no
-  // digit.
+  // The first part stops at the first Separator; the second runs to the
+  // word's end, where a further Separator is read as any other character.
   UINT32 Left = 0;
   UINT32 Right = 0;
   const CHAR16 *Split = nullptr;
