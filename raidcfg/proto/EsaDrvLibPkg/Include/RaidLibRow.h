@@ -23,6 +23,14 @@ UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
                         RAID_ROW *Row);
 // The same at blanks: the words of a table row.
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
+// RaidLibSplitRow for a line of which every character before End is
+// readable (a line of a walk, End the walk's end): the line is copied and
+// its blanks found sixteen characters at a time where the processor has
+// SSE2 vectors, and nothing at or past End is read. The words and text are
+// RaidLibSplitRow's for a line that ends before End; a line that does not
+// is cut at End.
+UINTN RaidLibSplitRowBefore(const CHAR16 *Line, const CHAR16 *End,
+                            RAID_ROW *Row);
 
 // The Index-th word of Line (from 0) as RaidLibSplitRow cuts it, copied
 // alone into Row (its only word); NULL when the row has no such word.
@@ -64,8 +72,24 @@ UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
                                           const CHAR16 *Separators,
                                           RAID_ROW *Scratch);
 
-// TRUE when Word equals Text exactly (NULL never does).
-[[nodiscard]] BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text);
+// TRUE when Word equals Text exactly (NULL never does; a NULL Text is
+// empty). Inline: the parsers ask it of a row's words, mostly against a
+// short literal, and most words differ in the first character.
+[[nodiscard]] inline BOOLEAN RaidLibWordIs(const CHAR16 *Word,
+                                           const CHAR16 *Text) {
+  if (Word == nullptr) {
+    return FALSE;
+  }
+  if (Text == nullptr) {
+    Text = u"";
+  }
+  for (UINTN Index = 0; Word[Index] == Text[Index]; Index++) {
+    if (Word[Index] == 0) {
+      return TRUE;
+    }
+  }
+  return FALSE;
+}
 // Unit code of a row's unit word, ignoring the CR that sticks to a row's
 // last word.
 [[nodiscard]] UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word);

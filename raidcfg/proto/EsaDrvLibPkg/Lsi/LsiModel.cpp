@@ -71,8 +71,14 @@ constexpr RAID_WORD_TABLE kVolumeStates =
 
 // The digits after "RAID" in a type word ("RAID10" gives 10).
 [[nodiscard]] UINT8 LevelOfType(const CHAR16 *Type) {
-  if (Type == nullptr || StrLen(Type) <= 4) {
+  if (Type == nullptr) {
     return 0;
+  }
+  // Digits follow only a word of five characters or more.
+  for (UINTN Index = 0; Index <= 4; Index++) {
+    if (Type[Index] == 0) {
+      return 0;
+    }
   }
   return static_cast<UINT8>(RaidLibReadDecimal(Type + 4));
 }

@@ -72,7 +72,7 @@ VOID CheckSummaryStatus(const CHAR8 *Caller, CHAR16 *Output, RAID_LINE_CURSOR Li
        Line != nullptr && !RaidLibStartsWith(Line, u"----");
        Line = RaidLibNextLine(&Lines)) {
     RAID_ROW Row;
-    RaidLibSplitRow(Line, &Row);
+    RaidLibSplitRowBefore(Line, Lines.End, &Row);
     if (!RaidLibWordIs(Row.Words[1], u"-") || Row.Words[5] == nullptr ||
         RaidLibWordIs(Row.Words[5], u"DRIVE")) {
       continue;
@@ -93,7 +93,7 @@ VOID CheckSummaryStatus(const CHAR8 *Caller, CHAR16 *Output, RAID_LINE_CURSOR Li
   for (UINT64 Index = 0; Index < RowCount && Line != nullptr;
        Index++, Line = RaidLibNextLine(&Lines)) {
     RAID_ROW Row;
-    RaidLibSplitRow(Line, &Row);
+    RaidLibSplitRowBefore(Line, Lines.End, &Row);
     EFI_STATUS Status = LsiAddVolume(Controller, &Row);
     if (EFI_ERROR(Status)) {
       return Status;
@@ -137,7 +137,7 @@ VOID WarnSlidColumns(const RAID_ROW &Row) {
   for (UINT32 Index = 0; Index < Count && Line != nullptr;
        Index++, Line = RaidLibNextLine(&Lines)) {
     RAID_ROW Row;
-    if (RaidLibSplitRow(Line, &Row) == 0) {
+    if (RaidLibSplitRowBefore(Line, Lines.End, &Row) == 0) {
       continue;
     }
     if (Row.Words[4] != nullptr && RaidLibContains(Row.Words[4], u"B")) {

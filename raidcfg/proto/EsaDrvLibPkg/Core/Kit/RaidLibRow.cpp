@@ -1,13 +1,16 @@
 // Rows and "key = value" pieces of tool output.
 #include "RaidLibRow.h"
 
-#include <Library/BaseLib.h>
 #include <Library/BaseMemoryLib.h>
 #include <Library/MemoryAllocationLib.h>
 
 #include "RaidLib.h"
 #include "RaidLibLanes.h"
 #include "RaidLibText.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace {
 
@@ -62,7 +65,111 @@ UINTN CopyAndSplit(const CHAR16 *Line, CHAR16 Single, const CHAR16 *Delimiters,
   return Row->Count;
 }
 
+// A row's blanks as bits, 64 characters to a mask.
+constexpr UINTN kMaskChars = 64;
+
+// The words of a row as the split cuts them, built 64 characters at a
+// time: a word is a run of characters that are no blank; a word's end is
+// cut for the first RAID_ROW_MAX_WORDS + 1 words and only the first
+// RAID_ROW_MAX_WORDS are kept.
+struct RowCut {
+  RAID_ROW *Row;
+  UINTN Count;    // words kept
+  UINTN Ended;    // word ends met
+  UINT64 InWord;  // 1 when the character before the next piece is a word's
+
+  // Cuts the Chars characters copied at Row->Text + Base, of which Blanks
+  // has bit k set for each blank at Base + k (bits past Chars are ignored).
+  VOID Cut(UINTN Base, UINTN Chars, UINT64 Blanks) {
+    const UINT64 Within = Chars >= kMaskChars ? ~0ULL : (1ULL << Chars) - 1;
+    const UINT64 WordChars = ~Blanks & Within;
+    const UINT64 AfterWordChar = (WordChars << 1) | InWord;
+    for (UINT64 Starts = WordChars & ~AfterWordChar;
+         Starts != 0 && Count < RAID_ROW_MAX_WORDS; Starts &= Starts - 1) {
+      Row->Words[Count++] = &Row->Text[Base + __builtin_ctzll(Starts)];
+    }
+    for (UINT64 Ends = Blanks & Within & AfterWordChar;
+         Ends != 0 && Ended <= RAID_ROW_MAX_WORDS; Ends &= Ends - 1) {
+      Row->Text[Base + __builtin_ctzll(Ends)] = 0;
+      Ended++;
+    }
+    InWord = (WordChars >> (kMaskChars - 1)) & 1;
+  }
+};
+
+#if defined(__SSE2__)
+// Sixteen characters at a time (a piece is four times that): the bits of
+// the characters equal to Char, character k at bit k.
+constexpr UINTN kVectorChars = 16;
+
+[[nodiscard]] UINT32 CharBits(__m128i Low, __m128i High, __m128i Char) {
+  return static_cast<UINT32>(_mm_movemask_epi8(_mm_packs_epi16(
+      _mm_cmpeq_epi16(Low, Char), _mm_cmpeq_epi16(High, Char))));
+}
+#endif
+
+// Copies the next (at most 64) characters of Line from *Length on into
+// Row->Text, stopping at the terminator or Limit; *Blanks gets bit k for a
+// blank at the piece's start plus k (and maybe bits past the copy). TRUE
+// when the line ended within. Whole vectors are read while sixteen
+// characters remain before the piece's stop.
+[[nodiscard]] bool CopyRowPiece(const CHAR16 *Line, UINTN Limit, RAID_ROW *Row,
+                                UINTN *Length, UINT64 *Blanks) {
+  const UINTN Base = *Length;
+  const UINTN Stop = Limit - Base > kMaskChars ? Base + kMaskChars : Limit;
+  UINTN At = Base;
+  UINT64 Bits = 0;
+#if defined(__SSE2__)
+  const __m128i Blank = _mm_set1_epi16(u' ');
+  const __m128i Zero = _mm_setzero_si128();
+  for (; Stop - At >= kVectorChars; At += kVectorChars) {
+    const __m128i Low =
+        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Line + At));
+    const __m128i High =
+        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Line + At + 8));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(Row->Text + At), Low);
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(Row->Text + At + 8), High);
+    Bits |= static_cast<UINT64>(CharBits(Low, High, Blank)) << (At - Base);
+    if (const UINT32 Zeros = CharBits(Low, High, Zero); Zeros != 0) {
+      *Length = At + static_cast<UINTN>(__builtin_ctz(Zeros));
+      *Blanks = Bits;
+      return true;
+    }
+  }
+#endif
+  for (; At < Stop && Line[At] != 0; At++) {
+    Row->Text[At] = Line[At];
+    Bits |= static_cast<UINT64>(Line[At] == u' ') << (At - Base);
+  }
+  *Length = At;
+  *Blanks = Bits;
+  return At < Stop || At == Limit;
+}
+
 }  // namespace
+
+UINTN RaidLibSplitRowBefore(const CHAR16 *Line, const CHAR16 *End,
+                            RAID_ROW *Row) {
+  for (UINTN Index = 0; Index < RAID_ROW_MAX_WORDS; Index++) {
+    Row->Words[Index] = nullptr;
+  }
+  UINTN Length = 0;
+  RowCut Cut = {Row, 0, 0, 0};
+  if (Line != nullptr && End != nullptr && End > Line) {
+    const UINTN Readable = static_cast<UINTN>(End - Line);
+    const UINTN Limit =
+        Readable < RAID_ROW_CHARS - 1 ? Readable : RAID_ROW_CHARS - 1;
+    for (bool Ended = false; !Ended;) {
+      const UINTN Base = Length;
+      UINT64 Blanks = 0;
+      Ended = CopyRowPiece(Line, Limit, Row, &Length, &Blanks);
+      Cut.Cut(Base, Length - Base, Blanks);
+    }
+  }
+  Row->Text[Length] = 0;
+  Row->Count = Cut.Count;
+  return Row->Count;
+}
 
 UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
                         RAID_ROW *Row) {
@@ -255,15 +362,14 @@ UINTN RaidLibStrippedLength(const CHAR16 **Text) {
   while (**Text != 0 && RaidLibIsSpace(**Text)) {
     (*Text)++;
   }
-  UINTN Length = StrLen(*Text);
+  UINTN Length = 0;
+  while ((*Text)[Length] != 0) {
+    Length++;
+  }
   while (Length > 0 && RaidLibIsSpace((*Text)[Length - 1])) {
     Length--;
   }
   return Length;
-}
-
-BOOLEAN RaidLibWordIs(const CHAR16 *Word, const CHAR16 *Text) {
-  return (Word != nullptr && StrCmp(Word, Text) == 0) ? TRUE : FALSE;
 }
 
 UINT32 RaidLibUnitCodeOfWord(const CHAR16 *Word) {

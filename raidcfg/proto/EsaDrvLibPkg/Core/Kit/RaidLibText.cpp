@@ -7,11 +7,14 @@
 #include <Library/PrintLib.h>
 #include <Protocol/Host/TarnSetup.h>
 
+#include "RaidLibRow.h"
 #include "RaidLibTrace.h"
 
 namespace {
 
 constexpr UINT64 kMaxUint64 = ~static_cast<UINT64>(0);
+// The decimal digits that can never make more than 64 bits.
+constexpr UINTN kUncheckedDigits = 19;
 
 // TRUE when Char is one of the NUL-terminated Delimiters.
 [[nodiscard]] bool IsDelimiter(CHAR16 Char, const CHAR16 *Delimiters) {
@@ -66,7 +69,10 @@ INT32 HexDigitValue(CHAR16 Char) {
   UINT64 Value = 0;
   UINTN Count = 0;
   for (; IsDecimalDigit(**Text); (*Text)++) {
-    Value = AppendDigit(Value, 10, static_cast<UINT32>(**Text - u'0'));
+    const UINT32 Digit = static_cast<UINT32>(**Text - u'0');
+    // Nineteen digits always fit 64 bits; only a longer run is checked.
+    Value = Count < kUncheckedDigits ? Value * 10 + Digit
+                                     : AppendDigit(Value, 10, Digit);
     Count++;
   }
   if (DigitCount != nullptr) {
@@ -77,7 +83,7 @@ INT32 HexDigitValue(CHAR16 Char) {
 
 // TRUE when the two strings are equal; NULL equals nothing.
 [[nodiscard]] bool Equals(const CHAR16 *Text, const CHAR16 *Word) {
-  return Text != nullptr && StrCmp(Text, Word) == 0;
+  return RaidLibWordIs(Text, Word) != FALSE;
 }
 
 }  // namespace
@@ -232,7 +238,9 @@ UINT64 RaidLibReadThousandths(const CHAR16 *Text) {
       Fraction *= 10;
     }
   }
-  if (Whole > (kMaxUint64 - Fraction) / 1000) {
+  // A fraction is below 1000, so only a whole part this large may overflow.
+  if (Whole > (kMaxUint64 - 999) / 1000 &&
+      Whole > (kMaxUint64 - Fraction) / 1000) {
     return kMaxUint64;
   }
   return Whole * 1000 + Fraction;
@@ -281,20 +289,25 @@ namespace {
 
 constexpr UINT64 kMaxUint32 = 0xFFFFFFFFU;
 
-// Reads the Length characters at Text as an id.
-[[nodiscard]] bool ReadIdSpan(const CHAR16 *Text, UINTN Length, UINT32 *Id) {
-  if (Length == 0) {
-    return false;
-  }
+// Reads the text at Text up to the first Stop or terminator as an id, in
+// one pass (no length is taken first); *End is where it stopped. FALSE for
+// no digits, any other character, or a value past 32 bits.
+[[nodiscard]] bool ReadIdUpTo(const CHAR16 *Text, CHAR16 Stop, UINT32 *Id,
+                              const CHAR16 **End) {
   UINT64 Value = 0;
-  for (UINTN Index = 0; Index < Length; Index++) {
-    if (!IsDecimalDigit(Text[Index])) {
+  const CHAR16 *At = Text;
+  for (; *At != 0 && *At != Stop; At++) {
+    if (!IsDecimalDigit(*At)) {
       return false;
     }
-    Value = Value * 10 + static_cast<UINT64>(Text[Index] - u'0');
+    Value = Value * 10 + static_cast<UINT64>(*At - u'0');
     if (Value > kMaxUint32) {
       return false;
     }
+  }
+  *End = At;
+  if (At == Text) {
+    return false;
   }
   *Id = static_cast<UINT32>(Value);
   return true;
@@ -304,10 +317,8 @@ constexpr UINT64 kMaxUint32 = 0xFFFFFFFFU;
 
 // An exact 32-bit id, or nothing.
 BOOLEAN RaidLibReadId(const CHAR16 *Word, UINT32 *Id) {
-  if (Word == nullptr) {
-    return FALSE;
-  }
-  return ReadIdSpan(Word, StrLen(Word), Id) ? TRUE : FALSE;
+  const CHAR16 *End = nullptr;
+  return (Word != nullptr && ReadIdUpTo(Word, 0, Id, &End)) ? TRUE : FALSE;
 }
 
 // Two exact ids around the first Separator.
@@ -316,14 +327,14 @@ BOOLEAN RaidLibReadIdPair(const CHAR16 *Word, CHAR16 Separator, UINT32 *First,
   if (Word == nullptr) {
     return FALSE;
   }
-  UINTN Split = 0;
-  while (Word[Split] != 0 && Word[Split] != Separator) {
-    Split++;
-  }
+  // The first part stops at the first Separator; the second runs to the
+  // word's end, where a further Separator is read as any other character.
   UINT32 Left = 0;
   UINT32 Right = 0;
-  if (Word[Split] == 0 || !ReadIdSpan(Word, Split, &Left) ||
-      !RaidLibReadId(Word + Split + 1, &Right)) {
+  const CHAR16 *Split = nullptr;
+  const CHAR16 *End = nullptr;
+  if (!ReadIdUpTo(Word, Separator, &Left, &Split) || *Split == 0 ||
+      !ReadIdUpTo(Split + 1, 0, &Right, &End)) {
     return FALSE;
   }
   *First = Left;
