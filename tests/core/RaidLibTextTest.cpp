@@ -258,10 +258,14 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
 // RaidLibStartsWith finds, in order: at the walk's first character, at
 // every lane of the eight compared at once and in the last few characters,
 // behind terminators an earlier walk wrote, with one-character prefixes,
-// and where only a prefix's first two characters match.
+// and where only a prefix's first two characters match; and so do marks
+// made with a wider set of prefixes.
 TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
   static constexpr const CHAR16 *kPrefixes[] = {u"Array ", u" Total", u"#"};
   static constexpr RAID_LINE_PREFIXES kSet = RaidLibLinePrefixes(kPrefixes);
+  static constexpr const CHAR16 *kWider[] = {u"Array ", u" Total", u"#",
+                                             u"Ar"};
+  static constexpr RAID_LINE_PREFIXES kWiderSet = RaidLibLinePrefixes(kWider);
   const std::u16string Lines[] = {u"Array 1:",  u" Total: 3", u" Totl",
                                   u"Ar",        u"#",         u"x#",
                                   u"\r",       u"Arrays",    u"  Total"};
@@ -288,6 +292,14 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
         while (RaidLibNextLine(&Earlier) != nullptr) {
         }
       }
+      // The same lines from marks made with a wider set.
+      std::u16string Marked = Searched;
+      RAID_LINE_CURSOR MarkedWalk;
+      RaidLibLinesStart(&MarkedWalk, Marked.data(), Marked.size());
+      UINT32 Offsets[256];
+      RAID_LINE_MARKS Marks;
+      RaidLibMarkLines(&MarkedWalk, kWiderSet, Offsets, 256, &Marks);
+      ASSERT_NE(Marks.Offsets, nullptr);
       for (CHAR16 *Line = RaidLibNextLine(&Walk); Line != nullptr;
            Line = RaidLibNextLine(&Walk)) {
         if (!RaidLibStartsWith(Line, kPrefixes[0]) &&
@@ -299,8 +311,12 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
         ASSERT_NE(Found, nullptr);
         EXPECT_EQ(Found - Searched.data(), Line - Walked.data());
         EXPECT_EQ(std::u16string(Found), std::u16string(Line));
+        CHAR16 *FromMarks = RaidLibNextMarkedLine(&MarkedWalk, &Marks, kSet);
+        ASSERT_NE(FromMarks, nullptr);
+        EXPECT_EQ(FromMarks - Marked.data(), Line - Walked.data());
       }
       EXPECT_EQ(RaidLibNextLineStartingWith(&Search, kSet), nullptr);
+      EXPECT_EQ(RaidLibNextMarkedLine(&MarkedWalk, &Marks, kSet), nullptr);
     }
   }
 }

@@ -47,6 +47,31 @@ template <typename Compared>
                 (Lanes == static_cast<UINT16>(0)));
 }
 
+// Sixteen characters from Text on: bit k set where Text[k] is a line break.
+[[nodiscard]] inline UINT32 BreakBits16(const CHAR16 *Text) {
+  const CharLanes Low = Load(Text);
+  const CharLanes High = Load(Text + kLanes);
+  const CharLanes LowBreaks = (CharLanes)((Low == static_cast<UINT16>(u'\n')) |
+                                          (Low == static_cast<UINT16>(0)));
+  const CharLanes HighBreaks =
+      (CharLanes)((High == static_cast<UINT16>(u'\n')) |
+                  (High == static_cast<UINT16>(0)));
+#if defined(__SSE2__)
+  typedef short ShortLanes __attribute__((vector_size(16)));
+  return static_cast<UINT32>(__builtin_ia32_pmovmskb128(
+      reinterpret_cast<ByteLanes>(__builtin_ia32_packsswb128(
+          reinterpret_cast<ShortLanes>(LowBreaks),
+          reinterpret_cast<ShortLanes>(HighBreaks)))));
+#else
+  UINT32 Bits = 0;
+  for (UINTN Lane = 0; Lane < kLanes; Lane++) {
+    Bits |= (LowBreaks[Lane] != 0 ? 1U : 0U) << Lane;
+    Bits |= (HighBreaks[Lane] != 0 ? 1U : 0U) << (Lane + kLanes);
+  }
+  return Bits;
+#endif
+}
+
 // The lane of a mask's first hit.
 [[nodiscard]] inline UINTN FirstLane(UINT32 Mask) {
   return static_cast<UINTN>(__builtin_ctz(Mask)) / 2;

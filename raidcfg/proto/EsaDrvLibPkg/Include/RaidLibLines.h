@@ -65,39 +65,31 @@ VOID RaidLibStepBack(RAID_LINE_CURSOR *Lines);
                                             UINTN *Budget);
 
 // Up to eight prefixes (none empty, none holding a line break) to find
-// lines by, with the distinct pairs of characters they begin with, which a
-// search compares eight lines' starts at a time. A prefix of one character
-// pairs with any second character (AnySecond).
+// lines by, with a filter on the first two characters of a line: bit
+// RaidLibPairBit of each prefix's pair is set (every bit when a prefix
+// has a single character), so most other lines are passed over on one
+// test.
 typedef struct {
   const CHAR16 *const *Prefixes;
   UINT32 Count;
-  UINT32 PairCount;
-  CHAR16 First[8];
-  CHAR16 Second[8];
-  UINT16 AnySecond[8];  // 0xFFFF: any second character
+  UINT64 Pairs;
 } RAID_LINE_PREFIXES;
+
+// The filter's bit for a line beginning with First and Second.
+[[nodiscard]] constexpr UINT32 RaidLibPairBit(CHAR16 First, CHAR16 Second) {
+  return (static_cast<UINT32>(First) * 31U + Second) & 63U;
+}
 
 // The set over a constant array of prefixes.
 template <UINTN N>
 [[nodiscard]] constexpr RAID_LINE_PREFIXES RaidLibLinePrefixes(
     const CHAR16 *const (&Prefixes)[N]) {
   static_assert(N >= 1 && N <= 8, "one to eight prefixes");
-  RAID_LINE_PREFIXES Set = {Prefixes, static_cast<UINT32>(N), 0, {}, {}, {}};
+  RAID_LINE_PREFIXES Set = {Prefixes, static_cast<UINT32>(N), 0};
   for (UINTN Index = 0; Index < N; Index++) {
     const CHAR16 First = Prefixes[Index][0];
     const CHAR16 Second = First != 0 ? Prefixes[Index][1] : 0;
-    const UINT16 Any = Second == 0 ? 0xFFFF : 0;
-    bool Known = false;
-    for (UINT32 Pair = 0; Pair < Set.PairCount; Pair++) {
-      Known |= Set.First[Pair] == First && Set.Second[Pair] == Second &&
-               Set.AnySecond[Pair] == Any;
-    }
-    if (!Known) {
-      Set.First[Set.PairCount] = First;
-      Set.Second[Set.PairCount] = Second;
-      Set.AnySecond[Set.PairCount] = Any;
-      Set.PairCount++;
-    }
+    Set.Pairs |= Second == 0 ? ~0ULL : 1ULL << RaidLibPairBit(First, Second);
   }
   return Set;
 }
@@ -108,6 +100,28 @@ template <UINTN N>
 // finds them all the same). NULL at the end of the output.
 [[nodiscard]] CHAR16 *RaidLibNextLineStartingWith(
     RAID_LINE_CURSOR *Lines, const RAID_LINE_PREFIXES &Set);
+
+// The starts of the lines that begin with one of a set's prefixes, found
+// in one search and kept as offsets from Base, in order: passes that each
+// want some of those lines go from one to the next instead of searching
+// the whole output again. Offsets NULL: no marks (the passes search).
+typedef struct {
+  CHAR16 *Base;
+  const UINT32 *Offsets;
+  UINT32 Count;
+  UINT32 Index;  // the next mark to look at
+} RAID_LINE_MARKS;
+
+// Marks the lines from Lines on that begin with one of Set's prefixes into
+// Offsets; Marks->Offsets is NULL when there are more than Capacity.
+VOID RaidLibMarkLines(const RAID_LINE_CURSOR *Lines,
+                      const RAID_LINE_PREFIXES &Set, UINT32 *Offsets,
+                      UINT32 Capacity, RAID_LINE_MARKS *Marks);
+// RaidLibNextLineStartingWith for a walk over lines marked with a set that
+// holds all of Set's prefixes: the same line, taken from the marks.
+[[nodiscard]] CHAR16 *RaidLibNextMarkedLine(RAID_LINE_CURSOR *Lines,
+                                            RAID_LINE_MARKS *Marks,
+                                            const RAID_LINE_PREFIXES &Set);
 
 // Up to eight phrases (none empty, none holding a line feed) to count
 // lines by, with what a skip search over the text needs: the shortest

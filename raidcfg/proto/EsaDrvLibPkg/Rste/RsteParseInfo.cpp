@@ -182,13 +182,14 @@ constexpr RAID_LINE_PREFIXES kCountAndArrayLineSet =
     RaidLibLinePrefixes(kCountAndArrayLines);
 
 // FALSE when the pool ran out on the way.
-[[nodiscard]] bool FirstPass(RAID_LINE_CURSOR Lines,
+[[nodiscard]] bool FirstPass(RAID_LINE_CURSOR Lines, RAID_LINE_MARKS Marks,
                              RAID_CONTROLLER *Controller) {
   bool Whole = true;
   UINT32 ArrayCount = 0;
-  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kCountAndArrayLineSet);
+  for (CHAR16 *Line =
+           RaidLibNextMarkedLine(&Lines, &Marks, kCountAndArrayLineSet);
        Line != nullptr;
-       Line = RaidLibNextLineStartingWith(&Lines, kCountAndArrayLineSet)) {
+       Line = RaidLibNextMarkedLine(&Lines, &Marks, kCountAndArrayLineSet)) {
     if (RaidLibStartsWith(Line, u" Total Physical Disks")) {
       Controller->DiskDriveCount = SaturatingAdd(0, DecimalValue(Line));
     } else if (RaidLibStartsWith(Line, u" Total Missing Disks")) {
@@ -377,13 +378,15 @@ constexpr const CHAR16 *kBlockLines[] = {
 constexpr RAID_LINE_PREFIXES kBlockLineSet = RaidLibLinePrefixes(kBlockLines);
 
 // FALSE when the pool ran out on the way.
-[[nodiscard]] bool SecondPass(RAID_LINE_CURSOR Lines, ARRAY_LOOKUP *Arrays,
+[[nodiscard]] bool SecondPass(RAID_LINE_CURSOR Lines, RAID_LINE_MARKS Marks,
+                              ARRAY_LOOKUP *Arrays,
                               RAID_DRIVE_TABLE_FILL *Table, UINT32 *ErrorCode) {
   bool Whole = true;
   OPEN_BLOCK Open = {nullptr, nullptr, 0};
   UINT32 VolumeCount = 0;
-  for (CHAR16 *Line = RaidLibNextLineStartingWith(&Lines, kBlockLineSet);
-       Line != nullptr; Line = RaidLibNextLineStartingWith(&Lines, kBlockLineSet)) {
+  for (CHAR16 *Line = RaidLibNextMarkedLine(&Lines, &Marks, kBlockLineSet);
+       Line != nullptr;
+       Line = RaidLibNextMarkedLine(&Lines, &Marks, kBlockLineSet)) {
     if (RaidLibStartsWith(Line, u"Volume ")) {
       Whole &= OpenVolume(Arrays, &Lines, &VolumeCount, &Open, ErrorCode);
     } else if (RaidLibStartsWith(Line, u"Disk ")) {
@@ -394,6 +397,15 @@ constexpr RAID_LINE_PREFIXES kBlockLineSet = RaidLibLinePrefixes(kBlockLines);
   }
   return Whole;
 }
+
+// The lines of both passes, and how many of them are marked at once (a
+// report with more is searched as each pass goes).
+constexpr const CHAR16 *kPassLines[] = {
+    u" Total Physical Disks", u" Total Missing Disks", u"Array ",
+    u"Volume ", u"Disk ", u" Block Size", u" TotalBlocks:",
+    u"    DISK_SMART_EVENT_SUPPORTED"};
+constexpr RAID_LINE_PREFIXES kPassLineSet = RaidLibLinePrefixes(kPassLines);
+constexpr UINT32 kMostMarks = 1024;
 
 // Mirrors keep half their disks' space, RAID 5 (n - 1) of n disks; the
 // report gives the raw sums.
@@ -433,9 +445,13 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
   // before the first pass writes its line terminators.
   RAID_LINE_CURSOR Lines;
   RaidLibLinesStart(&Lines, Output, RSTE_OUTPUT_CHARS);
+  // One search finds the lines of both passes.
+  UINT32 Offsets[kMostMarks];
+  RAID_LINE_MARKS Marks;
+  RaidLibMarkLines(&Lines, kPassLineSet, Offsets, kMostMarks, &Marks);
   ARRAY_LOOKUP Arrays = {Controller, IsListEmpty(&Controller->ArrayList) != 0,
                          nullptr};
-  bool Whole = FirstPass(Lines, Controller);
+  bool Whole = FirstPass(Lines, Marks, Controller);
   UINT32 Disks = Controller->DiskDriveCount < kMostDisks
                      ? Controller->DiskDriveCount
                      : kMostDisks;
@@ -444,7 +460,7 @@ EFI_STATUS ParseControllerInfo(CHAR16 *Output, RAID_CONTROLLER *Controller,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
     return EFI_OUT_OF_RESOURCES;
   }
-  Whole &= SecondPass(Lines, &Arrays, &Table, ErrorCode);
+  Whole &= SecondPass(Lines, Marks, &Arrays, &Table, ErrorCode);
   RaidLibFinishDriveTable(&Table);
   ScaleByLevel(Controller);
   // A record the pool could not hold leaves the model partial but

@@ -7,8 +7,6 @@
 
 namespace {
 
-using raidlib_lanes::CharLanes;
-
 [[nodiscard]] bool IsLineBreak(CHAR16 Char) {
   return Char == u'\n' || Char == 0;
 }
@@ -23,37 +21,52 @@ using raidlib_lanes::CharLanes;
   return false;
 }
 
-// Set's pairs of first characters, each spread over eight lanes.
-struct PairLanes {
-  explicit PairLanes(const RAID_LINE_PREFIXES &Set) : Count(Set.PairCount) {
-    for (UINT32 Pair = 0; Pair < Count; Pair++) {
-      First[Pair] = CharLanes{} + static_cast<UINT16>(Set.First[Pair]);
-      Second[Pair] = CharLanes{} + static_cast<UINT16>(Set.Second[Pair]);
-      AnySecond[Pair] = CharLanes{} + Set.AnySecond[Pair];
-    }
-  }
-
-  // Lanes whose character (At) and the one behind it (Behind) are some
-  // prefix's first two.
-  [[nodiscard]] UINT32 Hits(CharLanes At, CharLanes Behind) const {
-    CharLanes Hit = {};
-    for (UINT32 Pair = 0; Pair < Count; Pair++) {
-      Hit |= (CharLanes)(At == First[Pair]) &
-             ((CharLanes)(Behind == Second[Pair]) | AnySecond[Pair]);
-    }
-    return raidlib_lanes::MaskOf(Hit);
-  }
-
-  UINT32 Count;
-  CharLanes First[8];
-  CharLanes Second[8];
-  CharLanes AnySecond[8];
-};
-
 // The line starting at Line, cut, with the walk moved on behind it.
 [[nodiscard]] CHAR16 *TakeLine(RAID_LINE_CURSOR *Lines, CHAR16 *Line) {
   Lines->Next = Line;
   return RaidLibNextLine(Lines);
+}
+
+// TRUE when a line beginning with First and Second may begin with one of
+// Set's prefixes.
+[[nodiscard]] bool MayStartOne(CHAR16 First, CHAR16 Second,
+                               const RAID_LINE_PREFIXES &Set) {
+  return ((Set.Pairs >> RaidLibPairBit(First, Second)) & 1) != 0;
+}
+
+// Hands each line from Cursor to End that begins with one of Set's
+// prefixes to Visit, in order, until Visit says stop (TRUE): the line that
+// stopped it, or NULL. A line starts behind each break that no break
+// follows, and at Cursor unless it is a break. Sixteen characters are
+// looked at for breaks at once, and each line behind one is passed over on
+// its first two characters unless they may begin a prefix. Reads stay
+// before End.
+template <typename Visitor>
+[[nodiscard]] CHAR16 *VisitLineStarts(CHAR16 *Cursor, CHAR16 *End,
+                                      const RAID_LINE_PREFIXES &Set,
+                                      Visitor &&Visit) {
+  if (!IsLineBreak(*Cursor) && StartsWithOne(Cursor, Set) && Visit(Cursor)) {
+    return Cursor;
+  }
+  constexpr INTN kBlock = 2 * raidlib_lanes::kLanes;
+  for (; End - Cursor >= kBlock + 2; Cursor += kBlock) {
+    for (UINT32 Found = raidlib_lanes::BreakBits16(Cursor); Found != 0;
+         Found &= Found - 1) {
+      CHAR16 *Line = Cursor + 1 + __builtin_ctz(Found);
+      if (MayStartOne(Line[0], Line[1], Set) && !IsLineBreak(Line[0]) &&
+          StartsWithOne(Line, Set) && Visit(Line)) {
+        return Line;
+      }
+    }
+  }
+  // The last few characters one at a time.
+  for (; Cursor + 1 < End; Cursor++) {
+    if (IsLineBreak(*Cursor) && !IsLineBreak(Cursor[1]) &&
+        StartsWithOne(Cursor + 1, Set) && Visit(Cursor + 1)) {
+      return Cursor + 1;
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -65,38 +78,55 @@ CHAR16 *RaidLibNextLineStartingWith(RAID_LINE_CURSOR *Lines,
   if (Cursor == nullptr || End == nullptr || Cursor >= End) {
     return RaidLibNextLine(Lines);
   }
-  // The walk's first character starts a line unless it is a break.
-  if (!IsLineBreak(*Cursor) && StartsWithOne(Cursor, Set)) {
-    return TakeLine(Lines, Cursor);
+  CHAR16 *Line =
+      VisitLineStarts(Cursor, End, Set, [](CHAR16 *) { return true; });
+  if (Line == nullptr) {
+    Lines->Next = End;
+    return nullptr;
   }
-  // A line starts behind each break that no break follows (no prefix
-  // begins with a break). Eight characters are looked at for breaks at
-  // once, and where there is one, the two characters behind each break are
-  // compared with the prefixes' first two; loads stay before End.
-  using namespace raidlib_lanes;
-  const PairLanes Pairs(Set);
-  for (; End - Cursor >= static_cast<INTN>(raidlib_lanes::kLanes) + 2;
-       Cursor += raidlib_lanes::kLanes) {
-    UINT32 Found = Breaks(Load(Cursor));
-    if (Found == 0) {
+  return TakeLine(Lines, Line);
+}
+
+VOID RaidLibMarkLines(const RAID_LINE_CURSOR *Lines,
+                      const RAID_LINE_PREFIXES &Set, UINT32 *Offsets,
+                      UINT32 Capacity, RAID_LINE_MARKS *Marks) {
+  *Marks = {Lines->Next, nullptr, 0, 0};
+  CHAR16 *Cursor = Lines->Next;
+  if (Cursor == nullptr || Lines->End == nullptr || Cursor >= Lines->End) {
+    Marks->Offsets = Offsets;  // nothing to mark
+    return;
+  }
+  UINT32 Count = 0;
+  bool Full = false;
+  (VOID)VisitLineStarts(Cursor, Lines->End, Set, [&](CHAR16 *Line) {
+    Full = Count == Capacity;
+    if (!Full) {
+      Offsets[Count++] = static_cast<UINT32>(Line - Cursor);
+    }
+    return Full;
+  });
+  if (!Full) {
+    Marks->Offsets = Offsets;
+    Marks->Count = Count;
+  }
+}
+
+CHAR16 *RaidLibNextMarkedLine(RAID_LINE_CURSOR *Lines, RAID_LINE_MARKS *Marks,
+                              const RAID_LINE_PREFIXES &Set) {
+  if (Marks->Offsets == nullptr) {
+    return RaidLibNextLineStartingWith(Lines, Set);
+  }
+  // Marks behind the walk (passed over by a look-ahead it took) are not
+  // its lines any more.
+  for (; Marks->Index < Marks->Count; Marks->Index++) {
+    CHAR16 *Line = Marks->Base + Marks->Offsets[Marks->Index];
+    if (Lines->Next == nullptr || Line < Lines->Next ||
+        !StartsWithOne(Line, Set)) {
       continue;
     }
-    // One bit per lane: the even ones.
-    Found &= Pairs.Hits(Load(Cursor + 1), Load(Cursor + 2)) & 0x5555U;
-    for (; Found != 0; Found &= Found - 1) {
-      CHAR16 *Line = Cursor + 1 + FirstLane(Found);
-      if (StartsWithOne(Line, Set)) {
-        return TakeLine(Lines, Line);
-      }
-    }
+    Marks->Index++;
+    return TakeLine(Lines, Line);
   }
-  // The last few characters one at a time.
-  for (; Cursor + 1 < End; Cursor++) {
-    if (IsLineBreak(*Cursor) && !IsLineBreak(Cursor[1]) &&
-        StartsWithOne(Cursor + 1, Set)) {
-      return TakeLine(Lines, Cursor + 1);
-    }
-  }
-  Lines->Next = End;
+  Lines->Next = Lines->End;
   return nullptr;
 }
