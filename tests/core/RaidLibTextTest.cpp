@@ -287,15 +287,14 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
       RaidLibLinesStart(&Walk, Walked.data(), Walked.size());
       RAID_LINE_CURSOR Search;
       RaidLibLinesStart(&Search, Searched.data(), Searched.size());
-      if (CutBefore) {
-        RAID_LINE_CURSOR Earlier = Search;
-        while (RaidLibNextLine(&Earlier) != nullptr) {
-        }
-      }
       // The same lines from marks made with a wider set.
       std::u16string Marked = Searched;
       RAID_LINE_CURSOR MarkedWalk;
       RaidLibLinesStart(&MarkedWalk, Marked.data(), Marked.size());
+      for (RAID_LINE_CURSOR Earlier : {Search, MarkedWalk}) {
+        while (CutBefore && RaidLibNextLine(&Earlier) != nullptr) {
+        }
+      }
       UINT32 Offsets[256];
       RAID_LINE_MARKS Marks;
       RaidLibMarkLines(&MarkedWalk, kWiderSet, Offsets, 256, &Marks);
