@@ -267,11 +267,48 @@ VOID RaidLibLinesAhead(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
 
 VOID RaidLibLinesAheadSized(const RAID_LINE_CURSOR *Lines, CHAR16 **Ahead,
                             UINTN *AheadChars, UINTN Count) {
-  RAID_LINE_CURSOR Walk = *Lines;
   for (UINTN Index = 0; Index < Count; Index++) {
-    Ahead[Index] = RaidLibNextLine(&Walk);
-    AheadChars[Index] = Ahead[Index] != nullptr ? RaidLibCurrentLineChars(&Walk)
-                                                : 0;
+    Ahead[Index] = nullptr;
+    AheadChars[Index] = 0;
+  }
+  CHAR16 *Cursor = Lines->Next;
+  CHAR16 *End = Lines->End;
+  if (Cursor == nullptr || Count == 0) {
+    return;
+  }
+  // The lines as the walk cuts them, their breaks found sixteen
+  // characters at a time: a line runs from behind a break (or Cursor) to
+  // the next break, and empty ones are passed over.
+  CHAR16 *LineStart = Cursor;
+  UINTN Found = 0;
+  const auto AtBreak = [&](CHAR16 *Break) {
+    if (Break > LineStart) {
+      Ahead[Found] = LineStart;
+      AheadChars[Found] = static_cast<UINTN>(Break - LineStart);
+      *Break = 0;
+      Found++;
+    }
+    LineStart = Break + 1;
+    return Found == Count;
+  };
+  constexpr INTN kBlock = 2 * raidlib_lanes::kLanes;
+  for (; End - Cursor >= kBlock; Cursor += kBlock) {
+    for (UINT32 Breaks = raidlib_lanes::BreakBits16(Cursor); Breaks != 0;
+         Breaks &= Breaks - 1) {
+      if (AtBreak(Cursor + __builtin_ctz(Breaks))) {
+        return;
+      }
+    }
+  }
+  for (; Cursor < End; Cursor++) {
+    if (IsLineBreak(*Cursor) && AtBreak(Cursor)) {
+      return;
+    }
+  }
+  // The last line ends at the output's end, with no break to cut.
+  if (End > LineStart) {
+    Ahead[Found] = LineStart;
+    AheadChars[Found] = static_cast<UINTN>(End - LineStart);
   }
 }
 
