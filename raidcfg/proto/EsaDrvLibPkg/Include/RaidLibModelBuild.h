@@ -64,15 +64,15 @@ VOID RaidLibReplaceDriveModel(RAID_PHYSICAL_DRIVE *Drive, CHAR16 *Model);
 [[nodiscard]] BOOLEAN RaidLibInDriveBlock(const RAID_PHYSICAL_DRIVE *Drive,
                                           const VOID *Part);
 
-// An array's or segment's record and its Extra are one pool block, Extra
-// right behind the record; TRUE when Record's Extra is that part (a record
-// made part by part has a block of its own for it).
-template <typename T>
-[[nodiscard]] BOOLEAN RaidLibExtraInRecord(const T *Record) {
-  return Record->Extra == reinterpret_cast<const UINT8 *>(Record) + sizeof(T)
-             ? TRUE
-             : FALSE;
-}
+// A record the kit makes is one pool block with its parts: the record, an
+// array's or free segment's Name (never replaced once made), then Extra. A
+// volume's Name is a block of its own, since a backend may rename it. TRUE
+// when the part is the record's own (a record made part by part, as tests
+// do, has a block for each).
+[[nodiscard]] BOOLEAN RaidLibNameInRecord(const RAID_ARRAY *Array);
+[[nodiscard]] BOOLEAN RaidLibNameInRecord(const RAID_VOLUME *Segment);
+[[nodiscard]] BOOLEAN RaidLibExtraInRecord(const RAID_ARRAY *Array);
+[[nodiscard]] BOOLEAN RaidLibExtraInRecord(const RAID_VOLUME *Segment);
 
 // Prefix and the decimal Number written to Text, cut to TextChars with its
 // terminator as the formatter cuts ("Array3", "Disk12").

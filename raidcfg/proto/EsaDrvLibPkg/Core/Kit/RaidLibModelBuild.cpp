@@ -11,25 +11,47 @@
 
 namespace {
 
-// A pool copy of a numbered name ("Array3", "FreeCapacity0").
-[[nodiscard]] CHAR16 *NewNumberedName(const CHAR16 *Prefix, UINT32 Number) {
-  CHAR16 Name[32];
-  RaidLibNumberedText(Name, 32, Prefix, Number);
-  return AllocDestStr(Name);
+// Bytes of Name with its terminator, rounded up to keep Extra aligned.
+[[nodiscard]] UINTN InlineNameBytes(const CHAR16 *Name) {
+  return Name != nullptr ? ((StrLen(Name) + 1) * sizeof(CHAR16) + 7) & ~7ULL
+                         : 0;
 }
 
-// A zeroed record of type T with ExtraSize zeroed bytes behind it as its
-// Extra: one pool block (RaidLibExtraInRecord), or NULL.
+// A zeroed record of type T in one pool block with a copy of Name (NULL:
+// none) and ExtraSize zeroed bytes as its Extra, or NULL.
 template <typename T>
-[[nodiscard]] T *NewRecordWithExtra(UINTN ExtraSize) {
-  if (ExtraSize > ~static_cast<UINTN>(0) - sizeof(T)) {
+[[nodiscard]] T *NewRecord(UINTN ExtraSize, const CHAR16 *Name) {
+  const UINTN NameBytes = InlineNameBytes(Name);
+  if (ExtraSize > ~static_cast<UINTN>(0) - sizeof(T) - NameBytes) {
     return nullptr;
   }
-  auto *Record = static_cast<T *>(AllocateZeroPool(sizeof(T) + ExtraSize));
-  if (Record != nullptr) {
-    Record->Extra = reinterpret_cast<UINT8 *>(Record) + sizeof(T);
+  auto *Record = static_cast<T *>(
+      AllocateZeroPool(sizeof(T) + NameBytes + ExtraSize));
+  if (Record == nullptr) {
+    return nullptr;
   }
+  auto *Behind = reinterpret_cast<UINT8 *>(Record + 1);
+  if (Name != nullptr) {
+    Record->Name = reinterpret_cast<CHAR16 *>(Behind);
+    CopyMem(Record->Name, Name, (StrLen(Name) + 1) * sizeof(CHAR16));
+  }
+  Record->Extra = Behind + NameBytes;
   return Record;
+}
+
+template <typename T>
+[[nodiscard]] BOOLEAN NameInBlock(const T *Record) {
+  return Record->Name == reinterpret_cast<const CHAR16 *>(Record + 1) ? TRUE
+                                                                      : FALSE;
+}
+
+template <typename T>
+[[nodiscard]] BOOLEAN ExtraInBlock(const T *Record) {
+  const UINT8 *Behind = reinterpret_cast<const UINT8 *>(Record + 1);
+  if (NameInBlock(Record)) {
+    Behind += InlineNameBytes(Record->Name);
+  }
+  return Record->Extra == Behind ? TRUE : FALSE;
 }
 
 // The list a placed drive sits in, and the count that counts it there.
@@ -70,25 +92,22 @@ RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
 
 RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller, UINT32 Id,
                                  const CHAR16 *Name, UINTN ExtraSize) {
-  uefi::PoolPtr<RAID_ARRAY> Array(NewRecordWithExtra<RAID_ARRAY>(ExtraSize));
-  if (!Array) {
+  RAID_ARRAY *Array =
+      NewRecord<RAID_ARRAY>(ExtraSize, Name != nullptr ? Name : u"");
+  if (Array == nullptr) {
     return nullptr;
   }
   InitializeListHead(&Array->DriveList);
   InitializeListHead(&Array->SegmentList);
-  Array->Name = AllocDestStr(Name);
-  if (Array->Name == nullptr) {
-    return nullptr;
-  }
   Array->Controller = Controller;
   Array->Id = Id;
   InsertTailList(&Controller->ArrayList, &Array->Link);
-  return Array.Release();
+  return Array;
 }
 
 RAID_VOLUME *RaidLibAddVolume(RAID_ARRAY *Array, UINT32 Id, const CHAR16 *Name,
                               UINTN ExtraSize) {
-  RAID_VOLUME *Volume = NewRecordWithExtra<RAID_VOLUME>(ExtraSize);
+  RAID_VOLUME *Volume = NewRecord<RAID_VOLUME>(ExtraSize, nullptr);
   if (Volume == nullptr) {
     return nullptr;
   }
@@ -108,13 +127,10 @@ RAID_VOLUME *RaidLibAddVolume(RAID_ARRAY *Array, UINT32 Id, const CHAR16 *Name,
 RAID_VOLUME *RaidLibAddFreeSegment(RAID_ARRAY *Array, UINT32 Id,
                                    UINT32 AfterVolume, UINT64 SizeFigure,
                                    UINT32 SizeUnit, UINTN ExtraSize) {
-  RAID_VOLUME *Segment = NewRecordWithExtra<RAID_VOLUME>(ExtraSize);
+  CHAR16 Name[32];
+  RaidLibNumberedText(Name, 32, u"FreeCapacity", Id);
+  RAID_VOLUME *Segment = NewRecord<RAID_VOLUME>(ExtraSize, Name);
   if (Segment == nullptr) {
-    return nullptr;
-  }
-  Segment->Name = NewNumberedName(u"FreeCapacity", Id);
-  if (Segment->Name == nullptr) {
-    RaidLibFreeSegment(Segment);
     return nullptr;
   }
   Segment->Array = Array;
@@ -282,4 +298,20 @@ VOID RaidLibNumberedText(CHAR16 *Text, UINTN TextChars, const CHAR16 *Prefix,
     Text[Length++] = Digits[--DigitCount];
   }
   Text[Length] = 0;
+}
+
+BOOLEAN RaidLibNameInRecord(const RAID_ARRAY *Array) {
+  return NameInBlock(Array);
+}
+
+BOOLEAN RaidLibNameInRecord(const RAID_VOLUME *Segment) {
+  return NameInBlock(Segment);
+}
+
+BOOLEAN RaidLibExtraInRecord(const RAID_ARRAY *Array) {
+  return ExtraInBlock(Array);
+}
+
+BOOLEAN RaidLibExtraInRecord(const RAID_VOLUME *Segment) {
+  return ExtraInBlock(Segment);
 }

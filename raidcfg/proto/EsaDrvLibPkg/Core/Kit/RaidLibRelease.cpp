@@ -39,11 +39,13 @@ VOID FreeSegmentList(LIST_ENTRY *Head) {
 
 // One array's Name, drives, segments, Extra and the record.
 VOID FreeArray(RAID_ARRAY *Array) {
-  FreePool(Array->Name);
   RaidLibFreeDriveList(&Array->DriveList);
   FreeSegmentList(&Array->SegmentList);
   if (!RaidLibExtraInRecord(Array)) {
     FreePool(Array->Extra);
+  }
+  if (!RaidLibNameInRecord(Array)) {
+    FreePool(Array->Name);
   }
   FreePool(Array);
 }
@@ -94,9 +96,11 @@ VOID RaidLibFreeSegment(RAID_VOLUME *Segment) {
   if (Segment == nullptr) {
     return;
   }
-  FreePool(Segment->Name);
   if (!RaidLibExtraInRecord(Segment)) {
     FreePool(Segment->Extra);
+  }
+  if (!RaidLibNameInRecord(Segment)) {
+    FreePool(Segment->Name);
   }
   FreePool(Segment);
 }
