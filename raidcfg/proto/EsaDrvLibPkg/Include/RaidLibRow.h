@@ -71,6 +71,11 @@ UINTN RaidLibSplitRowBefore(const CHAR16 *Line, const CHAR16 *End,
 [[nodiscard]] CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line,
                                           const CHAR16 *Separators,
                                           RAID_ROW *Scratch);
+// The same for a walk's line of LineChars characters cut at one Separator.
+[[nodiscard]] CHAR16 *RaidLibLineTrimmedValue(const CHAR16 *Line,
+                                              UINTN LineChars,
+                                              CHAR16 Separator,
+                                              RAID_ROW *Scratch);
 
 // TRUE when Word equals Text exactly (NULL never does; a NULL Text is
 // empty). Inline: the parsers ask it of a row's words, mostly against a

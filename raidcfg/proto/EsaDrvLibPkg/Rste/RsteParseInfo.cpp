@@ -74,29 +74,24 @@ constexpr RAID_WORD_TABLE kStripeTable =
   return Scaled(Bytes / kGiB, 1000, 1) + (Bytes % kGiB) * 1000 / kGiB;
 }
 
-// The Index-th " "-word of a walk's line of Chars characters (from 0);
-// NULL when there is none.
-[[nodiscard]] const CHAR16 *Word(const CHAR16 *Line, UINTN Chars, UINTN Index,
-                                 RAID_ROW *Row) {
-  return RaidLibLineWord(Line, Chars, u' ', Index, Row);
+// A walk's line of Chars characters cut into its " "-words (none for NULL).
+VOID SplitLine(const CHAR16 *Line, UINTN Chars, RAID_ROW *Words) {
+  RaidLibSplitRowBefore(Line, Line != nullptr ? Line + Chars : nullptr, Words);
 }
 
-// The second ":"-piece of the Index-th " "-word of Line; NULL without one.
-[[nodiscard]] CHAR16 *PieceOfWord(const CHAR16 *Line, UINTN Chars, UINTN Index,
-                                  RAID_ROW *Scratch) {
-  return RaidLibLinePieceOfWord(Line, Chars, Index, u':', 1, Scratch);
+// The second ":"-piece of a word; NULL without one.
+[[nodiscard]] CHAR16 *PieceOf(const CHAR16 *Word, RAID_ROW *Scratch) {
+  return RaidLibRowWordOn(Word, u':', 1, Scratch);
 }
 
-[[nodiscard]] UINT64 HexPieceOfWord(const CHAR16 *Line, UINTN Chars,
-                                    UINTN Index) {
+[[nodiscard]] UINT64 HexPieceOf(const CHAR16 *Word) {
   RAID_ROW Scratch;
-  return RaidLibReadHex(PieceOfWord(Line, Chars, Index, &Scratch));
+  return RaidLibReadHex(PieceOf(Word, &Scratch));
 }
 
-[[nodiscard]] UINT64 DecimalPieceOfWord(const CHAR16 *Line, UINTN Chars,
-                                        UINTN Index) {
+[[nodiscard]] UINT64 DecimalPieceOf(const CHAR16 *Word) {
   RAID_ROW Scratch;
-  return RaidLibReadDecimal(PieceOfWord(Line, Chars, Index, &Scratch));
+  return RaidLibReadDecimal(PieceOf(Word, &Scratch));
 }
 
 [[nodiscard]] UINT64 DecimalValue(const CHAR16 *Line) {
@@ -237,13 +232,14 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
   CHAR16 *Ahead[kVolumeLines];
   UINTN Chars[kVolumeLines];
   RaidLibLinesAheadSized(Lines, Ahead, Chars, kVolumeLines);
-  RAID_ARRAY *Array =
-      ArrayWithId(Arrays, DecimalPieceOfWord(Ahead[3], Chars[3], 2));
+  RAID_ROW Words;
+  SplitLine(Ahead[3], Chars[3], &Words);
+  RAID_ARRAY *Array = ArrayWithId(Arrays, DecimalPieceOf(Words.Words[2]));
   if (Array == nullptr) {
     return true;  // a volume of no array listed has no place in the model
   }
   RAID_ROW Scratch;
-  CHAR16 *Name = RaidLibTrimmedValue(Ahead[0], u":", &Scratch);
+  CHAR16 *Name = RaidLibLineTrimmedValue(Ahead[0], Chars[0], u':', &Scratch);
   RAID_VOLUME *Volume = RaidLibAddVolume(Array, *VolumeCount, Name, 0);
   if (Volume == nullptr) {
     return false;
@@ -256,17 +252,17 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
   if (Array->VolumeCount == 2) {
     DropFreeSegments(Array);
   }
-  const CHAR16 *Level = Ahead[1];
-  Array->RaidLevel = static_cast<UINT8>(DecimalPieceOfWord(Level, Chars[1], 0));
-  const RAID_WORD_CODE *Stripe = RaidLibFindWord(
-      kStripeTable, PieceOfWord(Level, Chars[1], 3, &Scratch));
+  SplitLine(Ahead[1], Chars[1], &Words);
+  Array->RaidLevel = static_cast<UINT8>(DecimalPieceOf(Words.Words[0]));
+  const RAID_WORD_CODE *Stripe =
+      RaidLibFindWord(kStripeTable, PieceOf(Words.Words[3], &Scratch));
   if (Stripe != nullptr) {
     Volume->StripeSize = Stripe->Code;
   } else {
     *ErrorCode = RSTE_ERROR_STRIPE_SIZE;
   }
-  RAID_ROW Row;
-  Open->BlockCount = RaidLibReadHex(Word(Ahead[2], Chars[2], 1, &Row));
+  SplitLine(Ahead[2], Chars[2], &Words);
+  Open->BlockCount = RaidLibReadHex(Words.Words[1]);
   Open->Volume = Volume;
   return true;
 }
@@ -301,10 +297,12 @@ VOID ReadModel(const CHAR16 *Line, UINTN Chars, CHAR16 *Model) {
   if (Role == RAID_ROLE_OTHER) {
     return 0;
   }
+  RAID_ROW Words;
+  SplitLine(Line, Chars, &Words);
   if (RaidLibStartsWith(Line, u" TotalBlks:") || Role == RAID_ROLE_UNCONFIGURED) {
-    return HexPieceOfWord(Line, Chars, 0);
+    return HexPieceOf(Words.Words[0]);
   }
-  return HexPieceOfWord(Line, Chars, 1);
+  return HexPieceOf(Words.Words[1]);
 }
 
 // FALSE when the pool ran out.
@@ -315,15 +313,16 @@ VOID ReadModel(const CHAR16 *Line, UINTN Chars, CHAR16 *Model) {
   CHAR16 *Ahead[kDiskLines];
   UINTN Chars[kDiskLines];
   RaidLibLinesAheadSized(Lines, Ahead, Chars, kDiskLines);
-  const CHAR16 *IdLine = Ahead[3];
-  UINT64 Number = HexPieceOfWord(IdLine, Chars[3], 0);
+  RAID_ROW IdWords;
+  SplitLine(Ahead[3], Chars[3], &IdWords);
+  UINT64 Number = HexPieceOf(IdWords.Words[0]);
   UINT32 Id = Number > 0xFFFFFFFFULL ? kMissingDiskNumber
                                      : static_cast<UINT32>(Number);
-  RAID_ROW Row;
   const RAID_WORD_CODE &State =
-      RaidLibClassifyWord(kDiskStateTable, Word(IdLine, Chars[3], 1, &Row));
-  RAID_ARRAY *Owner =
-      ArrayWithId(Arrays, HexPieceOfWord(Ahead[6], Chars[6], 1));
+      RaidLibClassifyWord(kDiskStateTable, IdWords.Words[1]);
+  RAID_ROW UsageWords;
+  SplitLine(Ahead[6], Chars[6], &UsageWords);
+  RAID_ARRAY *Owner = ArrayWithId(Arrays, HexPieceOf(UsageWords.Words[1]));
   CHAR16 Model[kModelChars + 1];
   ReadModel(Ahead[0], Chars[0], Model);
   // "Disk<number>", or "Missing Disk" for a disk the engine no longer sees.
@@ -352,11 +351,11 @@ VOID ReadModel(const CHAR16 *Line, UINTN Chars, CHAR16 *Model) {
 
 // A capacity line: " Block Size" names the block size ("Unknown" is 512),
 // the other kinds imply 512.
-VOID SetCapacity(const CHAR16 *Line, const OPEN_BLOCK &Open) {
+VOID SetCapacity(const CHAR16 *Line, UINTN Chars, const OPEN_BLOCK &Open) {
   UINT64 BlockSize = 512;
   if (RaidLibStartsWith(Line, u" Block Size")) {
     RAID_ROW Scratch;
-    const CHAR16 *Value = RaidLibTrimmedValue(Line, u":", &Scratch);
+    const CHAR16 *Value = RaidLibLineTrimmedValue(Line, Chars, u':', &Scratch);
     BlockSize = RaidLibStartsWith(Value, u"Unknown")
                     ? 512
                     : RaidLibReadDecimal(Value);
@@ -392,7 +391,7 @@ constexpr RAID_LINE_PREFIXES kBlockLineSet = RaidLibLinePrefixes(kBlockLines);
     } else if (RaidLibStartsWith(Line, u"Disk ")) {
       Whole &= OpenDisk(Arrays, &Lines, Table, &Open);
     } else {
-      SetCapacity(Line, Open);
+      SetCapacity(Line, RaidLibCurrentLineChars(&Lines), Open);
     }
   }
   return Whole;

@@ -343,11 +343,11 @@ CHAR16 *RaidLibSecondPiece(const CHAR16 *Line, const CHAR16 *Separators,
   return Scratch->Words[1];
 }
 
-CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
-                            RAID_ROW *Scratch) {
-  // The piece is the scratch row's own: stripped where it stands rather
-  // than moved to its start.
-  CHAR16 *Piece = RaidLibSecondPiece(Line, Separators, Scratch);
+namespace {
+
+// A piece of a scratch row, stripped where it stands rather than moved to
+// the row's start.
+[[nodiscard]] CHAR16 *StripInPlace(CHAR16 *Piece) {
   if (Piece == nullptr) {
     return nullptr;
   }
@@ -356,6 +356,18 @@ CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
   Piece += Start - Piece;
   Piece[Length] = 0;
   return Piece;
+}
+
+}  // namespace
+
+CHAR16 *RaidLibTrimmedValue(const CHAR16 *Line, const CHAR16 *Separators,
+                            RAID_ROW *Scratch) {
+  return StripInPlace(RaidLibSecondPiece(Line, Separators, Scratch));
+}
+
+CHAR16 *RaidLibLineTrimmedValue(const CHAR16 *Line, UINTN LineChars,
+                                CHAR16 Separator, RAID_ROW *Scratch) {
+  return StripInPlace(RaidLibLineWord(Line, LineChars, Separator, 1, Scratch));
 }
 
 UINTN RaidLibStrippedLength(const CHAR16 **Text) {
