@@ -259,7 +259,7 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
 // every lane of the eight compared at once and in the last few characters,
 // behind terminators an earlier walk wrote, with one-character prefixes,
 // and where only a prefix's first two characters match; and so do marks
-// made with a wider set of prefixes.
+// made with a wider set of prefixes. Sized look-aheads answer as walks.
 TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
   static constexpr const CHAR16 *kPrefixes[] = {u"Array ", u" Total", u"#"};
   static constexpr RAID_LINE_PREFIXES kSet = RaidLibLinePrefixes(kPrefixes);
@@ -317,6 +317,30 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
       EXPECT_EQ(RaidLibNextLineStartingWith(&Search, kSet), nullptr);
       EXPECT_EQ(RaidLibNextMarkedLine(&MarkedWalk, &Marks, kSet), nullptr);
     }
+    // A sized look-ahead from every line on gives the lines a walk's
+    // look-ahead gives, with their lengths.
+    std::u16string Walked = Text + CHAR16(0);
+    std::u16string Sized = Walked;
+    RAID_LINE_CURSOR Walk;
+    RaidLibLinesStart(&Walk, Walked.data(), Walked.size());
+    RAID_LINE_CURSOR SizedWalk;
+    RaidLibLinesStart(&SizedWalk, Sized.data(), Sized.size());
+    do {
+      CHAR16 *Ahead[9];
+      CHAR16 *SizedAhead[9];
+      UINTN Chars[9];
+      RaidLibLinesAhead(&Walk, Ahead, 9);
+      RaidLibLinesAheadSized(&SizedWalk, SizedAhead, Chars, 9);
+      for (UINTN Index = 0; Index < 9; Index++) {
+        ASSERT_EQ(Ahead[Index] == nullptr, SizedAhead[Index] == nullptr);
+        if (Ahead[Index] != nullptr) {
+          EXPECT_EQ(SizedAhead[Index] - Sized.data(),
+                    Ahead[Index] - Walked.data());
+          EXPECT_EQ(Chars[Index], StrLen(Ahead[Index]));
+        }
+      }
+    } while (RaidLibNextLine(&Walk) != nullptr &&
+             RaidLibNextLine(&SizedWalk) != nullptr);
   }
 }
 
