@@ -261,14 +261,17 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
 // and where only a prefix's first two characters match; and so do marks
 // made with a wider set of prefixes. Sized look-aheads answer as walks.
 TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
-  static constexpr const CHAR16 *kPrefixes[] = {u"Array ", u" Total", u"#"};
+  static constexpr const CHAR16 *kPrefixes[] = {u"Array ", u" Total", u"#",
+                                                u"Disk number ", u"Volume 1"};
   static constexpr RAID_LINE_PREFIXES kSet = RaidLibLinePrefixes(kPrefixes);
-  static constexpr const CHAR16 *kWider[] = {u"Array ", u" Total", u"#",
-                                             u"Ar"};
+  static constexpr const CHAR16 *kWider[] = {
+      u"Array ", u" Total", u"#", u"Disk number ", u"Volume 1", u"Ar"};
   static constexpr RAID_LINE_PREFIXES kWiderSet = RaidLibLinePrefixes(kWider);
-  const std::u16string Lines[] = {u"Array 1:",  u" Total: 3", u" Totl",
-                                  u"Ar",        u"#",         u"x#",
-                                  u"\r",       u"Arrays",    u"  Total"};
+  const std::u16string Lines[] = {
+      u"Array 1:", u" Total: 3", u" Totl",           u"Ar",
+      u"#",        u"x#",        u"\r",              u"Arrays",
+      u"  Total",  u"Disk nu",   u"Disk number 3",   u"Disk numbers",
+      u"Volume 1", u"Volume 2",  u"Volume 12 of 16"};
   std::vector<std::u16string> Texts = {u"", u"\n\n", u"#"};
   for (size_t Pad = 0; Pad < 10; Pad++) {
     std::u16string Text(Pad, u'.');
@@ -301,9 +304,11 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
       ASSERT_NE(Marks.Offsets, nullptr);
       for (CHAR16 *Line = RaidLibNextLine(&Walk); Line != nullptr;
            Line = RaidLibNextLine(&Walk)) {
-        if (!RaidLibStartsWith(Line, kPrefixes[0]) &&
-            !RaidLibStartsWith(Line, kPrefixes[1]) &&
-            !RaidLibStartsWith(Line, kPrefixes[2])) {
+        bool Wanted = false;
+        for (const CHAR16 *Prefix : kPrefixes) {
+          Wanted |= RaidLibStartsWith(Line, Prefix) != FALSE;
+        }
+        if (!Wanted) {
           continue;
         }
         CHAR16 *Found = RaidLibNextLineStartingWith(&Search, kSet);

@@ -73,6 +73,11 @@ typedef struct {
   const CHAR16 *const *Prefixes;
   UINT32 Count;
   UINT64 Pairs;
+  // Each prefix's first eight characters as two words of four (the
+  // characters past a shorter prefix's end masked off), compared with a
+  // line's first eight at once.
+  UINT64 Heads[8][2];
+  UINT64 HeadMasks[8][2];
 } RAID_LINE_PREFIXES;
 
 // The filter's bit for a line beginning with First and Second.
@@ -85,11 +90,17 @@ template <UINTN N>
 [[nodiscard]] constexpr RAID_LINE_PREFIXES RaidLibLinePrefixes(
     const CHAR16 *const (&Prefixes)[N]) {
   static_assert(N >= 1 && N <= 8, "one to eight prefixes");
-  RAID_LINE_PREFIXES Set = {Prefixes, static_cast<UINT32>(N), 0};
+  RAID_LINE_PREFIXES Set = {Prefixes, static_cast<UINT32>(N), 0, {}, {}};
   for (UINTN Index = 0; Index < N; Index++) {
     const CHAR16 First = Prefixes[Index][0];
     const CHAR16 Second = First != 0 ? Prefixes[Index][1] : 0;
     Set.Pairs |= Second == 0 ? ~0ULL : 1ULL << RaidLibPairBit(First, Second);
+    for (UINTN Char = 0; Char < 8 && Prefixes[Index][Char] != 0; Char++) {
+      const UINT32 Shift = static_cast<UINT32>(16 * (Char % 4));
+      Set.Heads[Index][Char / 4] |=
+          static_cast<UINT64>(Prefixes[Index][Char]) << Shift;
+      Set.HeadMasks[Index][Char / 4] |= 0xFFFFULL << Shift;
+    }
   }
   return Set;
 }

@@ -27,6 +27,24 @@ namespace {
   return RaidLibNextLine(Lines);
 }
 
+// StartsWithOne for a line whose first eight characters are readable:
+// those are compared with every prefix's at once, and only a prefix that
+// agrees and is longer is compared on.
+[[nodiscard]] bool StartsWithOneOfEight(const CHAR16 *Line,
+                                        const RAID_LINE_PREFIXES &Set) {
+  UINT64 Words[2];
+  __builtin_memcpy(Words, Line, sizeof(Words));
+  for (UINT32 Index = 0; Index < Set.Count; Index++) {
+    if ((Words[0] & Set.HeadMasks[Index][0]) == Set.Heads[Index][0] &&
+        (Words[1] & Set.HeadMasks[Index][1]) == Set.Heads[Index][1] &&
+        (Set.HeadMasks[Index][1] >> 48 == 0 ||
+         RaidLibStartsWith(Line + 8, Set.Prefixes[Index] + 8))) {
+      return true;
+    }
+  }
+  return false;
+}
+
 // TRUE when a line beginning with First and Second may begin with one of
 // Set's prefixes.
 [[nodiscard]] bool MayStartOne(CHAR16 First, CHAR16 Second,
@@ -48,13 +66,15 @@ template <typename Visitor>
   if (!IsLineBreak(*Cursor) && StartsWithOne(Cursor, Set) && Visit(Cursor)) {
     return Cursor;
   }
+  // A line behind a break of a block starts at most sixteen characters on,
+  // and its first eight are read: the blocks stop 24 characters before End.
   constexpr INTN kBlock = 2 * raidlib_lanes::kLanes;
-  for (; End - Cursor >= kBlock + 2; Cursor += kBlock) {
+  for (; End - Cursor >= kBlock + 8; Cursor += kBlock) {
     for (UINT32 Found = raidlib_lanes::BreakBits16(Cursor); Found != 0;
          Found &= Found - 1) {
       CHAR16 *Line = Cursor + 1 + __builtin_ctz(Found);
       if (MayStartOne(Line[0], Line[1], Set) && !IsLineBreak(Line[0]) &&
-          StartsWithOne(Line, Set) && Visit(Line)) {
+          StartsWithOneOfEight(Line, Set) && Visit(Line)) {
         return Line;
       }
     }
