@@ -140,8 +140,12 @@ CHAR16 *RaidLibNextMarkedLine(RAID_LINE_CURSOR *Lines, RAID_LINE_MARKS *Marks,
   // its lines any more.
   for (; Marks->Index < Marks->Count; Marks->Index++) {
     CHAR16 *Line = Marks->Base + Marks->Offsets[Marks->Index];
-    if (Lines->Next == nullptr || Line < Lines->Next ||
-        !StartsWithOne(Line, Set)) {
+    if (Lines->Next == nullptr || Line < Lines->Next) {
+      continue;
+    }
+    const bool Wanted = Lines->End - Line >= 8 ? StartsWithOneOfEight(Line, Set)
+                                               : StartsWithOne(Line, Set);
+    if (!Wanted) {
       continue;
     }
     Marks->Index++;

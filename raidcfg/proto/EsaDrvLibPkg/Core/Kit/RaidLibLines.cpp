@@ -42,6 +42,17 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 // before End is the buffer's: eight at a time while eight remain.
 [[nodiscard]] CHAR16 *FindTerminatorInBuffer(CHAR16 *Cursor, CHAR16 *End) {
   using namespace raidlib_lanes;
+  // Sixteen at a time while sixteen remain: no terminator in either half
+  // is one test.
+  for (; End - Cursor >= static_cast<INTN>(2 * raidlib_lanes::kLanes);
+       Cursor += 2 * raidlib_lanes::kLanes) {
+    const CharLanes Both = (CharLanes)(Load(Cursor) == static_cast<UINT16>(0)) |
+                           (CharLanes)(Load(Cursor + raidlib_lanes::kLanes) ==
+                                       static_cast<UINT16>(0));
+    if (MaskOf(Both) != 0) {
+      break;
+    }
+  }
   for (; End - Cursor >= static_cast<INTN>(raidlib_lanes::kLanes);
        Cursor += raidlib_lanes::kLanes) {
     const UINT32 Ends = Equal(Load(Cursor), 0);
