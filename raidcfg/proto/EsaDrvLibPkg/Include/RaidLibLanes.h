@@ -47,29 +47,46 @@ template <typename Compared>
                 (Lanes == static_cast<UINT16>(0)));
 }
 
-// Sixteen characters from Text on: bit k set where Text[k] is a line break.
-[[nodiscard]] inline UINT32 BreakBits16(const CHAR16 *Text) {
-  const CharLanes Low = Load(Text);
-  const CharLanes High = Load(Text + kLanes);
-  const CharLanes LowBreaks = (CharLanes)((Low == static_cast<UINT16>(u'\n')) |
-                                          (Low == static_cast<UINT16>(0)));
-  const CharLanes HighBreaks =
-      (CharLanes)((High == static_cast<UINT16>(u'\n')) |
-                  (High == static_cast<UINT16>(0)));
+// Sixteen lanes' answers (the low eight characters', then the high
+// eight's) as sixteen bits, bit k for character k.
+template <typename Compared>
+[[nodiscard]] inline UINT32 PackedMaskOf(Compared LowHits, Compared HighHits) {
 #if defined(__SSE2__)
   typedef short ShortLanes __attribute__((vector_size(16)));
   return static_cast<UINT32>(__builtin_ia32_pmovmskb128(
       reinterpret_cast<ByteLanes>(__builtin_ia32_packsswb128(
-          reinterpret_cast<ShortLanes>(LowBreaks),
-          reinterpret_cast<ShortLanes>(HighBreaks)))));
+          reinterpret_cast<ShortLanes>(LowHits),
+          reinterpret_cast<ShortLanes>(HighHits)))));
 #else
   UINT32 Bits = 0;
   for (UINTN Lane = 0; Lane < kLanes; Lane++) {
-    Bits |= (LowBreaks[Lane] != 0 ? 1U : 0U) << Lane;
-    Bits |= (HighBreaks[Lane] != 0 ? 1U : 0U) << (Lane + kLanes);
+    Bits |= (LowHits[Lane] != 0 ? 1U : 0U) << Lane;
+    Bits |= (HighHits[Lane] != 0 ? 1U : 0U) << (Lane + kLanes);
   }
   return Bits;
 #endif
+}
+
+// Sixteen characters (Low, then High) equal to Char, bit k for character k.
+[[nodiscard]] inline UINT32 EqualBits16(CharLanes Low, CharLanes High,
+                                        CHAR16 Char) {
+  return PackedMaskOf(Low == static_cast<UINT16>(Char),
+                      High == static_cast<UINT16>(Char));
+}
+
+// Sixteen characters from Text on: bit k set where Text[k] is a line break.
+[[nodiscard]] inline UINT32 BreakBits16(const CHAR16 *Text) {
+  const CharLanes Low = Load(Text);
+  const CharLanes High = Load(Text + kLanes);
+  return PackedMaskOf((Low == static_cast<UINT16>(u'\n')) |
+                          (Low == static_cast<UINT16>(0)),
+                      (High == static_cast<UINT16>(u'\n')) |
+                          (High == static_cast<UINT16>(0)));
+}
+
+// Stores Lanes' eight characters at Text (any alignment).
+inline VOID Store(CHAR16 *Text, CharLanes Lanes) {
+  __builtin_memcpy(Text, &Lanes, sizeof(Lanes));
 }
 
 // The lane of a mask's first hit.

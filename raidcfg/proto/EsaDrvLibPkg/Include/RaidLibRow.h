@@ -25,8 +25,8 @@ UINTN RaidLibSplitRowOn(const CHAR16 *Line, const CHAR16 *Delimiters,
 UINTN RaidLibSplitRow(const CHAR16 *Line, RAID_ROW *Row);
 // RaidLibSplitRow for a line of which every character before End is
 // readable (a line of a walk, End the walk's end): the line is copied and
-// its blanks found sixteen characters at a time where the processor has
-// SSE2 vectors, and nothing at or past End is read. The words and text are
+// its blanks found sixteen characters at a time (RaidLibLanes.h), and
+// nothing at or past End is read. The words and text are
 // RaidLibSplitRow's for a line that ends before End; a line that does not
 // is cut at End.
 UINTN RaidLibSplitRowBefore(const CHAR16 *Line, const CHAR16 *End,

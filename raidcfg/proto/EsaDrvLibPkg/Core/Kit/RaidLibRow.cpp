@@ -8,10 +8,6 @@
 #include "RaidLibLanes.h"
 #include "RaidLibText.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace {
 
 // TRUE when Char is one of the NUL-terminated Delimiters.
@@ -97,16 +93,8 @@ struct RowCut {
   }
 };
 
-#if defined(__SSE2__)
-// Sixteen characters at a time (a piece is four times that): the bits of
-// the characters equal to Char, character k at bit k.
-constexpr UINTN kVectorChars = 16;
-
-[[nodiscard]] UINT32 CharBits(__m128i Low, __m128i High, __m128i Char) {
-  return static_cast<UINT32>(_mm_movemask_epi8(_mm_packs_epi16(
-      _mm_cmpeq_epi16(Low, Char), _mm_cmpeq_epi16(High, Char))));
-}
-#endif
+// Sixteen characters at a time (a piece is four times that).
+constexpr UINTN kVectorChars = 2 * raidlib_lanes::kLanes;
 
 // Copies the next (at most 64) characters of Line from *Length on into
 // Row->Text, stopping at the terminator or Limit; *Blanks gets bit k for a
@@ -119,24 +107,19 @@ constexpr UINTN kVectorChars = 16;
   const UINTN Stop = Limit - Base > kMaskChars ? Base + kMaskChars : Limit;
   UINTN At = Base;
   UINT64 Bits = 0;
-#if defined(__SSE2__)
-  const __m128i Blank = _mm_set1_epi16(u' ');
-  const __m128i Zero = _mm_setzero_si128();
+  using namespace raidlib_lanes;
   for (; Stop - At >= kVectorChars; At += kVectorChars) {
-    const __m128i Low =
-        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Line + At));
-    const __m128i High =
-        _mm_loadu_si128(reinterpret_cast<const __m128i *>(Line + At + 8));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(Row->Text + At), Low);
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(Row->Text + At + 8), High);
-    Bits |= static_cast<UINT64>(CharBits(Low, High, Blank)) << (At - Base);
-    if (const UINT32 Zeros = CharBits(Low, High, Zero); Zeros != 0) {
+    const CharLanes Low = Load(Line + At);
+    const CharLanes High = Load(Line + At + kLanes);
+    Store(Row->Text + At, Low);
+    Store(Row->Text + At + kLanes, High);
+    Bits |= static_cast<UINT64>(EqualBits16(Low, High, u' ')) << (At - Base);
+    if (const UINT32 Zeros = EqualBits16(Low, High, 0); Zeros != 0) {
       *Length = At + static_cast<UINTN>(__builtin_ctz(Zeros));
       *Blanks = Bits;
       return true;
     }
   }
-#endif
   for (; At < Stop && Line[At] != 0; At++) {
     Row->Text[At] = Line[At];
     Bits |= static_cast<UINT64>(Line[At] == u' ') << (At - Base);
