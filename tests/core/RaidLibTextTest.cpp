@@ -254,6 +254,13 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
   EXPECT_EQ(RaidLibContainsEach(nullptr, kNeedleSet), 0U);
 }
 
+// A walk over the whole of Text.
+RAID_LINE_CURSOR StartWalk(std::u16string &Text) {
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStart(&Lines, Text.data(), Text.size());
+  return Lines;
+}
+
 // The prefix search finds the lines a walk line by line with
 // RaidLibStartsWith finds, in order: at the walk's first character, at
 // every lane of the eight compared at once and in the last few characters,
@@ -286,14 +293,11 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
     for (bool CutBefore : {false, true}) {
       std::u16string Walked = Text + CHAR16(0);
       std::u16string Searched = Walked;
-      RAID_LINE_CURSOR Walk;
-      RaidLibLinesStart(&Walk, Walked.data(), Walked.size());
-      RAID_LINE_CURSOR Search;
-      RaidLibLinesStart(&Search, Searched.data(), Searched.size());
+      RAID_LINE_CURSOR Walk = StartWalk(Walked);
+      RAID_LINE_CURSOR Search = StartWalk(Searched);
       // The same lines from marks made with a wider set.
       std::u16string Marked = Searched;
-      RAID_LINE_CURSOR MarkedWalk;
-      RaidLibLinesStart(&MarkedWalk, Marked.data(), Marked.size());
+      RAID_LINE_CURSOR MarkedWalk = StartWalk(Marked);
       for (RAID_LINE_CURSOR Earlier : {Search, MarkedWalk}) {
         while (CutBefore && RaidLibNextLine(&Earlier) != nullptr) {
         }
@@ -326,10 +330,8 @@ TEST(RaidLibText, LineSearchFindsWhatAWalkFinds) {
     // look-ahead gives, with their lengths.
     std::u16string Walked = Text + CHAR16(0);
     std::u16string Sized = Walked;
-    RAID_LINE_CURSOR Walk;
-    RaidLibLinesStart(&Walk, Walked.data(), Walked.size());
-    RAID_LINE_CURSOR SizedWalk;
-    RaidLibLinesStart(&SizedWalk, Sized.data(), Sized.size());
+    RAID_LINE_CURSOR Walk = StartWalk(Walked);
+    RAID_LINE_CURSOR SizedWalk = StartWalk(Sized);
     do {
       CHAR16 *Ahead[9];
       CHAR16 *SizedAhead[9];

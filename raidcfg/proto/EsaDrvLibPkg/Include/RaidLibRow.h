@@ -39,21 +39,12 @@ UINTN RaidLibSplitRowBefore(const CHAR16 *Line, const CHAR16 *End,
 // The same for words separated by Separator (runs of it are one).
 [[nodiscard]] CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator,
                                        UINTN Index, RAID_ROW *Row);
-// The PieceIndex-th Separator-piece of the WordIndex-th word of Line, as
-// RaidLibRowWordOn would cut it from the word RaidLibRowWord copies: one
-// walk and one copy.
-[[nodiscard]] CHAR16 *RaidLibPieceOfWord(const CHAR16 *Line, UINTN WordIndex,
-                                         CHAR16 Separator, UINTN PieceIndex,
-                                         RAID_ROW *Row);
-// The same two for a walk's line of LineChars characters (no terminator
-// among them; RaidLibCurrentLineChars), read eight characters at a time.
+// RaidLibRowWordOn for a walk's line of LineChars characters (no
+// terminator among them; RaidLibCurrentLineChars), read eight characters
+// at a time.
 [[nodiscard]] CHAR16 *RaidLibLineWord(const CHAR16 *Line, UINTN LineChars,
                                       CHAR16 Separator, UINTN Index,
                                       RAID_ROW *Row);
-[[nodiscard]] CHAR16 *RaidLibLinePieceOfWord(const CHAR16 *Line,
-                                             UINTN LineChars, UINTN WordIndex,
-                                             CHAR16 Separator,
-                                             UINTN PieceIndex, RAID_ROW *Row);
 
 // The text behind the first Separator of Line, untouched (leading blank and
 // trailing CR included); NULL without one.

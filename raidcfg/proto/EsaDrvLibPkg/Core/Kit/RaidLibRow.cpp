@@ -247,42 +247,6 @@ CHAR16 *RaidLibRowWordOn(const CHAR16 *Line, CHAR16 Separator, UINTN Index,
   return CopyAlone(Line + Start, End - Start, Row);
 }
 
-CHAR16 *RaidLibPieceOfWord(const CHAR16 *Line, UINTN WordIndex,
-                           CHAR16 Separator, UINTN PieceIndex, RAID_ROW *Row) {
-  EmptyRow(Row);
-  UINTN Start = 0;
-  UINTN End = 0;
-  if (Line == nullptr || WordIndex >= RAID_ROW_MAX_WORDS ||
-      PieceIndex >= RAID_ROW_MAX_WORDS ||
-      !FindWord(Line, kRowLimit, u' ', WordIndex, &Start, &End)) {
-    return nullptr;
-  }
-  const CHAR16 *Word = Line + Start;
-  if (!FindWord(Word, End - Start, Separator, PieceIndex, &Start, &End)) {
-    return nullptr;
-  }
-  return CopyAlone(Word + Start, End - Start, Row);
-}
-
-CHAR16 *RaidLibLinePieceOfWord(const CHAR16 *Line, UINTN LineChars,
-                               UINTN WordIndex, CHAR16 Separator,
-                               UINTN PieceIndex, RAID_ROW *Row) {
-  EmptyRow(Row);
-  UINTN Start = 0;
-  UINTN End = 0;
-  const UINTN Count = LineChars < kRowLimit ? LineChars : kRowLimit;
-  if (Line == nullptr || WordIndex >= RAID_ROW_MAX_WORDS ||
-      PieceIndex >= RAID_ROW_MAX_WORDS ||
-      !FindWordIn(Line, Count, u' ', WordIndex, &Start, &End)) {
-    return nullptr;
-  }
-  const CHAR16 *Word = Line + Start;
-  if (!FindWordIn(Word, End - Start, Separator, PieceIndex, &Start, &End)) {
-    return nullptr;
-  }
-  return CopyAlone(Word + Start, End - Start, Row);
-}
-
 CHAR16 *RaidLibLineWord(const CHAR16 *Line, UINTN LineChars,
                         CHAR16 Separator, UINTN Index, RAID_ROW *Row) {
   EmptyRow(Row);
