@@ -107,14 +107,14 @@ BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
   return FALSE;
 }
 
-// The terminator's bit joins the first characters', so that the loop over
-// the characters that start nothing makes one test per character.
+// The terminator's bit joins the anchors', so that the loop over the
+// characters that anchor nothing makes one test per character.
 UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
   if (Line == nullptr) {
     return 0;
   }
   const UINT32 All = Set.Count >= 32 ? ~0U : (1U << Set.Count) - 1;
-  const UINT64 Stops = Set.Firsts | 1;
+  const UINT64 Stops = Set.Anchors | 1;
   UINT32 Found = 0;
   for (const CHAR16 *At = Line;; At++) {
     if (((Stops >> (*At & 63)) & 1) == 0) {
@@ -123,9 +123,11 @@ UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
     if (*At == 0) {
       break;
     }
+    const UINTN Before = static_cast<UINTN>(At - Line);
     for (UINT32 Index = 0; Index < Set.Count; Index++) {
-      if ((Found & (1U << Index)) == 0 &&
-          RaidLibStartsWith(At, Set.Needles[Index])) {
+      const UINTN Anchor = Set.AnchorAt[Index];
+      if ((Found & (1U << Index)) == 0 && Anchor <= Before &&
+          RaidLibStartsWith(At - Anchor, Set.Needles[Index])) {
         Found |= 1U << Index;
       }
     }
