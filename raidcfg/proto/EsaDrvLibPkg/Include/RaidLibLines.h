@@ -28,6 +28,10 @@ VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
 // The characters before the first terminator of such a buffer, or
 // BufferChars when it holds none (0 for NULL).
 [[nodiscard]] UINTN RaidLibBufferTextChars(CHAR16 *Text, UINTN BufferChars);
+// Starts a walk over the TextChars characters at Text, an output whose end
+// was found before (none of them is a terminator): the end is not looked
+// for again.
+VOID RaidLibLinesOver(RAID_LINE_CURSOR *Lines, CHAR16 *Text, UINTN TextChars);
 // The next line, or NULL at the end of the output.
 [[nodiscard]] CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines);
 // The next line without moving on, or NULL.
@@ -100,6 +104,14 @@ template <UINTN N>
   }
   return Set;
 }
+
+// The skip search of Set over the Chars characters at Text: the place of
+// the first character, at From or behind it, on which one of the phrases
+// ends (the phrase wholly within the text), or Chars when none does.
+// *Which receives the phrases ending there, bit k for Set.Phrases[k].
+[[nodiscard]] UINTN RaidLibNextPhraseEnd(const CHAR16 *Text, UINTN Chars,
+                                         UINTN From, const RAID_PHRASES &Set,
+                                         UINT32 *Which);
 
 // Counts the lines a walk from Lines on would return, without cutting
 // them, and in LinesWith[k] those among them that hold Set.Phrases[k]

@@ -117,17 +117,6 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   return Count;
 }
 
-// TRUE when the Length characters at Text are Phrase's.
-[[nodiscard]] bool PhraseAt(const CHAR16 *Text, const CHAR16 *Phrase,
-                            UINT32 Length) {
-  for (UINT32 Index = 0; Index < Length; Index++) {
-    if (Text[Index] != Phrase[Index]) {
-      return false;
-    }
-  }
-  return true;
-}
-
 }  // namespace
 
 UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
@@ -145,26 +134,16 @@ UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
     return 0;
   }
   // Phrases hold no line break, so a phrase found lies within one line.
-  // The pair of characters that ends the window says how far it may move
-  // on; where a phrase may end, every phrase is compared.
   const UINTN Chars = static_cast<UINTN>(End - Text);
-  for (UINTN Last = Set.Shortest - 1; Last < Chars;) {
-    const UINT8 Shift =
-        Last == 0 ? 0 : Set.Shift[RaidLibPairEntry(Text[Last - 1], Text[Last])];
-    if (Shift != 0) {
-      Last += Shift;
-      continue;
-    }
+  UINT32 Which = 0;
+  for (UINTN Last = RaidLibNextPhraseEnd(Text, Chars, 0, Set, &Which);
+       Last < Chars;
+       Last = RaidLibNextPhraseEnd(Text, Chars, Last + 1, Set, &Which)) {
     for (UINT32 Index = 0; Index < Set.Count; Index++) {
-      const UINT32 Length = Set.Lengths[Index];
-      const CHAR16 *Phrase = Set.Phrases[Index];
-      if (Last < Length - 1) {
+      if ((Which & (1U << Index)) == 0) {
         continue;
       }
-      const CHAR16 *Start = Text + Last - (Length - 1);
-      if (!PhraseAt(Start, Phrase, Length)) {
-        continue;
-      }
+      const CHAR16 *Start = Text + Last + 1 - Set.Lengths[Index];
       bool Another = Found[Index] == nullptr;
       for (const CHAR16 *At = Start; !Another && At > Found[Index]; At--) {
         Another = IsLineBreak(At[-1]);
@@ -172,7 +151,6 @@ UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
       LinesWith[Index] += Another ? 1 : 0;
       Found[Index] = Start;
     }
-    Last++;
   }
   return CountLineStarts(Text, End);
 }
