@@ -109,6 +109,17 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
                                                RAID_CONTROLLER *Controller,
                                                UINT32 *ErrorCode);
 
+// The same two for a report of exactly TextChars characters at Text, its
+// end found by the caller (none of them is a terminator). Their trace lines
+// carry the names above.
+[[nodiscard]] EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
+                                                 RAID_CONTROLLER *Controller,
+                                                 UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseControllerShowFSText(CHAR16 *Text,
+                                                   UINTN TextChars,
+                                                   RAID_CONTROLLER *Controller,
+                                                   UINT32 *ErrorCode);
+
 // The physical device section; the walk stands on the line after its
 // heading. Used by ParseControllerShow, whose name (Caller) its trace
 // lines carry.

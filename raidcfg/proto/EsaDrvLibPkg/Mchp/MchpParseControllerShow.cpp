@@ -321,30 +321,30 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
 
 }  // namespace
 
-EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
-                               RAID_CONTROLLER *Controller,
-                               UINT32 *ErrorCode) {
-  if (Output == nullptr) {
-    return EFI_ABORTED;
-  }
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
-  UINT32 HardDrives = CountHardDrives(__func__, &Lines, Controller);
+namespace {
+
+// The report's trace lines carry the name of the parser it is given to.
+constexpr CHAR8 kCaller[] = "ParseControllerShow";
+
+[[nodiscard]] EFI_STATUS ParseReport(RAID_LINE_CURSOR *Lines,
+                                     RAID_CONTROLLER *Controller,
+                                     UINT32 *ErrorCode) {
+  UINT32 HardDrives = CountHardDrives(kCaller, Lines, Controller);
   EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   RAID_ARRAY *LastArray = nullptr;
   BOOLEAN ArraysComplete = FALSE;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines);
-       Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLine(Lines);
+       Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(Lines)) {
     if (RaidLibStartsWith(Line, u"Controller information")) {
-      Status = ParseControllerSection(__func__, &Lines, Controller);
+      Status = ParseControllerSection(kCaller, Lines, Controller);
     } else if (RaidLibStartsWith(Line, u"Array Information") &&
                !ArraysComplete) {
-      Status = ParseArraySection(&Lines, Controller, &LastArray,
+      Status = ParseArraySection(Lines, Controller, &LastArray,
                                  &ArraysComplete);
     } else if (RaidLibStartsWith(Line, u"Logical device information")) {
-      Status = ParseVolumeSection(&Lines, Controller, &LastArray);
+      Status = ParseVolumeSection(Lines, Controller, &LastArray);
     } else if (RaidLibStartsWith(Line, u"Physical Device information")) {
-      Status = ParsePhysicalDevices(__func__, &Lines, Controller, HardDrives,
+      Status = ParsePhysicalDevices(kCaller, Lines, Controller, HardDrives,
                                     ErrorCode);
       break;
     }
@@ -353,6 +353,30 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
   }
   return Status;
+}
+
+}  // namespace
+
+EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
+                               RAID_CONTROLLER *Controller,
+                               UINT32 *ErrorCode) {
+  if (Output == nullptr) {
+    return EFI_ABORTED;
+  }
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
+  return ParseReport(&Lines, Controller, ErrorCode);
+}
+
+EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
+                                   RAID_CONTROLLER *Controller,
+                                   UINT32 *ErrorCode) {
+  if (Text == nullptr) {
+    return EFI_ABORTED;
+  }
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesOver(&Lines, Text, TextChars);
+  return ParseReport(&Lines, Controller, ErrorCode);
 }
 
 }  // namespace mchp

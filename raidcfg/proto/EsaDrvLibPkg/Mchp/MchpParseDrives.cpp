@@ -36,6 +36,11 @@ constexpr UINT32 kLocationKey = 1U << 1;
 constexpr UINT32 kModelKey = 1U << 2;
 constexpr UINT32 kStateKey = 1U << 3;
 
+// The line of a drive's block that gives its configuration type, found by
+// a skip search: it lies far into lines of the drive's other keys.
+constexpr const CHAR16 *kConfigurationTexts[] = {u"Drive Configuration Type"};
+constexpr RAID_PHRASES kConfiguration = RaidLibPhrases(kConfigurationTexts);
+
 // Where one classification of a drive puts it.
 typedef struct {
   UINT32 State;
@@ -106,7 +111,10 @@ VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
     if (Line == nullptr) {
       return;
     }
-    if (!RaidLibContains(Line, u"Drive Configuration Type")) {
+    // The line and its terminator lie before the next line's start.
+    const UINTN Span = static_cast<UINTN>(Ahead.Next - Line);
+    UINT32 Which;
+    if (RaidLibNextPhraseEnd(Line, Span, 0, kConfiguration, &Which) == Span) {
       continue;
     }
     BOOLEAN Hba = RaidLibContains(Line, u"HBA");

@@ -73,7 +73,8 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
       ErrorCode, u"%S getconfig %d", Controller->Capability->ToolName,
       Own->CardId));
   // Both parsers cut the text in place, so the second reads a copy, of the
-  // output's head only.
+  // output's head only. The report's end is found once: the copy's is the
+  // same, or the copy's size.
   const UINTN Chars =
       RaidLibBufferTextChars(gMchpGetconfigOutput, kOutputChars);
   if (Chars > kCopyChars) {
@@ -81,11 +82,12 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
                          MCHP_GETCONFIG_COPY_BYTES);
   }
   CopyMem(gMchpGetconfigCopy, gMchpGetconfigOutput, MCHP_GETCONFIG_COPY_BYTES);
-  Status = ParseControllerShow(gMchpGetconfigOutput, kOutputChars, Controller,
-                               ErrorCode);
-  if (*ErrorCode == 0) {
-    Status = ParseControllerShowFS(gMchpGetconfigCopy, kCopyChars, Controller,
+  Status = ParseControllerShowText(gMchpGetconfigOutput, Chars, Controller,
                                    ErrorCode);
+  if (*ErrorCode == 0) {
+    Status = ParseControllerShowFSText(gMchpGetconfigCopy,
+                                       Chars < kCopyChars ? Chars : kCopyChars, Controller,
+                                       ErrorCode);
     SetStripeSizes(Controller);
   }
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;
