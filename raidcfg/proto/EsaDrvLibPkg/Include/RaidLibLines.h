@@ -113,6 +113,12 @@ template <UINTN N>
                                          UINTN From, const RAID_PHRASES &Set,
                                          UINT32 *Which);
 
+// Counts in LinesWith[k] the lines among the Chars characters at Text
+// that hold Set.Phrases[k] (each line once; line feeds and terminators
+// separate lines).
+VOID RaidLibCountPhraseLines(const CHAR16 *Text, UINTN Chars,
+                             const RAID_PHRASES &Set, UINT32 *LinesWith);
+
 // Counts the lines a walk from Lines on would return, without cutting
 // them, and in LinesWith[k] those among them that hold Set.Phrases[k]
 // (each line once). Returns the line count.

@@ -90,6 +90,10 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 // The lines from Cursor to End: a line starts at a character that is no
 // line break behind one that is (or behind the start).
 [[nodiscard]] UINT32 CountLineStarts(const CHAR16 *Cursor, const CHAR16 *End) {
+  // Most words of a report hold no line break and follow none: a lane may
+  // be a break (0 or 10) only when it has no bit but those of 10 (it is 0,
+  // 2, 8 or 10), and only such words are told lane by lane.
+  constexpr UINT64 kNoBreakBits = kLaneOnes * static_cast<UINT16>(~u'\n');
   UINT32 Count = 0;
   // Each lane counts its own starts, at most 0xFFFF before they are added.
   UINT64 Lanes = 0;
@@ -97,16 +101,22 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   UINT64 BreakBefore = kLaneTops & 0xFFFF;  // lane 0: the start counts
   while (End - Cursor >= static_cast<INTN>(kLanes)) {
     const UINT64 Word = LoadLanes(Cursor);
+    Cursor += kLanes;
+    if (BreakBefore == 0 && !HasZeroLane(Word & kNoBreakBits)) {
+      continue;
+    }
     const UINT64 Breaks = ZeroLanes(Word) | ZeroLanes(Word ^ kLineFeeds);
     Lanes += (~Breaks & kLaneTops & ((Breaks << 16) | BreakBefore)) >> 15;
     BreakBefore = (Breaks >> 48) & 0x8000;
-    Cursor += kLanes;
-    if (++Words == 0xFFFF || End - Cursor < static_cast<INTN>(kLanes)) {
+    if (++Words == 0xFFFF) {
       for (; Lanes != 0; Lanes >>= 16) {
         Count += static_cast<UINT32>(Lanes & 0xFFFF);
       }
       Words = 0;
     }
+  }
+  for (; Lanes != 0; Lanes >>= 16) {
+    Count += static_cast<UINT32>(Lanes & 0xFFFF);
   }
   bool AfterBreak = BreakBefore != 0;
   for (; Cursor < End; Cursor++) {
@@ -121,37 +131,14 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 
 UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
                          const RAID_PHRASES &Set, UINT32 *LinesWith) {
-  // Where each phrase was found last: a line break between that and the
-  // next find makes it another line. Each character is looked back at
-  // once per phrase at most, however long a line.
-  const CHAR16 *Found[8] = {};
-  for (UINT32 Index = 0; Index < Set.Count; Index++) {
-    LinesWith[Index] = 0;
-  }
   const CHAR16 *Text = Lines->Next;
   const CHAR16 *End = Lines->End;
   if (Text == nullptr || End == nullptr || Text >= End) {
+    RaidLibCountPhraseLines(nullptr, 0, Set, LinesWith);
     return 0;
   }
-  // Phrases hold no line break, so a phrase found lies within one line.
-  const UINTN Chars = static_cast<UINTN>(End - Text);
-  UINT32 Which = 0;
-  for (UINTN Last = RaidLibNextPhraseEnd(Text, Chars, 0, Set, &Which);
-       Last < Chars;
-       Last = RaidLibNextPhraseEnd(Text, Chars, Last + 1, Set, &Which)) {
-    for (UINT32 Index = 0; Index < Set.Count; Index++) {
-      if ((Which & (1U << Index)) == 0) {
-        continue;
-      }
-      const CHAR16 *Start = Text + Last + 1 - Set.Lengths[Index];
-      bool Another = Found[Index] == nullptr;
-      for (const CHAR16 *At = Start; !Another && At > Found[Index]; At--) {
-        Another = IsLineBreak(At[-1]);
-      }
-      LinesWith[Index] += Another ? 1 : 0;
-      Found[Index] = Start;
-    }
-  }
+  RaidLibCountPhraseLines(Text, static_cast<UINTN>(End - Text), Set,
+                          LinesWith);
   return CountLineStarts(Text, End);
 }
 
