@@ -203,7 +203,8 @@ TEST(RaidLibText, StartsWithContainsIsSpace) {
   EXPECT_FALSE(RaidLibIsSpace(u'a'));
 }
 
-// The one-pass searches answer as a walk line by line with RaidLibContains
+// The one-pass searches (over a terminated line, over a line's extent,
+// over the whole text) answer as a walk line by line with RaidLibContains
 // does: characters sharing a needle's low bits ("\u0141" and "A"), the
 // terminator's ("@"), a phrase twice on a line, at a line's ends, cut by a
 // line break or by a terminator an earlier walk wrote, a last line without
@@ -240,6 +241,9 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
          Line = RaidLibNextLine(&Walk)) {
       Expected++;
       const UINT32 Found = RaidLibContainsEach(Line, kNeedleSet);
+      EXPECT_EQ(RaidLibContainsEachIn(
+                    Line, static_cast<UINTN>(Walk.Next - Line), kNeedleSet),
+                Found);
       for (UINT32 Index = 0; Index < kCount; Index++) {
         const bool Contains = RaidLibContains(Line, kNeedles[Index]);
         EXPECT_EQ((Found >> Index) & 1, Contains ? 1U : 0U);

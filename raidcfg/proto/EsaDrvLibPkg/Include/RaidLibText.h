@@ -61,6 +61,12 @@ template <UINTN N>
 // Needles[k], as RaidLibContains would answer for each (0 for NULL).
 [[nodiscard]] UINT32 RaidLibContainsEach(const CHAR16 *Line,
                                          const RAID_NEEDLES &Set);
+// The same for a line whose extent is known: it ends at its terminator
+// among the Chars characters at Line, or behind them. Runs of four blanks
+// (a report's lines are mostly blanks that align its columns) are passed
+// over a word at a time.
+[[nodiscard]] UINT32 RaidLibContainsEachIn(const CHAR16 *Line, UINTN Chars,
+                                           const RAID_NEEDLES &Set);
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {

@@ -144,6 +144,13 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
 [[nodiscard]] CHAR16 *sGetKeyWord(const CHAR16 *Line, CHAR16 *Output,
                                   UINTN OutputChars);
 
+// The characters of Line, the line the walk Lines returned last, with its
+// terminator: it lies wholly before the next line's start.
+[[nodiscard]] inline UINTN MchpLineChars(const RAID_LINE_CURSOR *Lines,
+                                         const CHAR16 *Line) {
+  return static_cast<UINTN>(Lines->Next - Line);
+}
+
 // A size word pair ("457873 MB") as thousandths and a unit code.
 VOID MchpReadSize(const CHAR16 *Value, UINT64 *Figure, UINT32 *Unit);
 

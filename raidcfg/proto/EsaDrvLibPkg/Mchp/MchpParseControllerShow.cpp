@@ -164,7 +164,8 @@ VOID ParseArrayBlock(RAID_LINE_CURSOR *Lines, RAID_ARRAY *Array) {
   UINTN Budget = kArrayBlockLines;
   for (CHAR16 *Line = RaidLibNextLineWithin(Lines, &Budget); Line != nullptr;
        Line = RaidLibNextLineWithin(Lines, &Budget)) {
-    const UINT32 Found = RaidLibContainsEach(Line, kArrayBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kArrayBlockKeys);
     if ((Found & (kArrayNumberKey | kVolumeSectionKey)) != 0) {
       RaidLibStepBack(Lines);
       return;
@@ -241,7 +242,8 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
       }
       continue;
     }
-    const UINT32 Found = RaidLibContainsEach(Line, kVolumeBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kVolumeBlockKeys);
     if ((Found & kVolumeStatusKey) != 0) {
       if (sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS) != nullptr) {
         Volume->State = VolumeStateCode(Value);

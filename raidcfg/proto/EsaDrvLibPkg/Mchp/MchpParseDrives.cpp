@@ -111,8 +111,7 @@ VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
     if (Line == nullptr) {
       return;
     }
-    // The line and its terminator lie before the next line's start.
-    const UINTN Span = static_cast<UINTN>(Ahead.Next - Line);
+    const UINTN Span = MchpLineChars(&Ahead, Line);
     UINT32 Which;
     if (RaidLibNextPhraseEnd(Line, Span, 0, kConfiguration, &Which) == Span) {
       continue;
@@ -194,7 +193,8 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
       return;
     }
     // The line stays as it is below, so its keys are looked for at once.
-    const UINT32 Found = RaidLibContainsEach(Line, kDriveBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kDriveBlockKeys);
     if ((Found & kDriveSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Block->SizeFigure, &Block->SizeUnit);

@@ -107,13 +107,35 @@ BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
   return FALSE;
 }
 
+namespace {
+
+// The needles of Set not yet in Found that occur at At with their anchor,
+// At lying Before characters into its line.
+[[nodiscard]] UINT32 NeedlesAnchoredAt(const CHAR16 *At, UINTN Before,
+                                       const RAID_NEEDLES &Set, UINT32 Found) {
+  for (UINT32 Index = 0; Index < Set.Count; Index++) {
+    const UINTN Anchor = Set.AnchorAt[Index];
+    if ((Found & (1U << Index)) == 0 && Anchor <= Before &&
+        RaidLibStartsWith(At - Anchor, Set.Needles[Index])) {
+      Found |= 1U << Index;
+    }
+  }
+  return Found;
+}
+
+[[nodiscard]] UINT32 AllNeedles(const RAID_NEEDLES &Set) {
+  return Set.Count >= 32 ? ~0U : (1U << Set.Count) - 1;
+}
+
+}  // namespace
+
 // The terminator's bit joins the anchors', so that the loop over the
 // characters that anchor nothing makes one test per character.
 UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
   if (Line == nullptr) {
     return 0;
   }
-  const UINT32 All = Set.Count >= 32 ? ~0U : (1U << Set.Count) - 1;
+  const UINT32 All = AllNeedles(Set);
   const UINT64 Stops = Set.Anchors | 1;
   UINT32 Found = 0;
   for (const CHAR16 *At = Line;; At++) {
@@ -123,16 +145,44 @@ UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
     if (*At == 0) {
       break;
     }
-    const UINTN Before = static_cast<UINTN>(At - Line);
-    for (UINT32 Index = 0; Index < Set.Count; Index++) {
-      const UINTN Anchor = Set.AnchorAt[Index];
-      if ((Found & (1U << Index)) == 0 && Anchor <= Before &&
-          RaidLibStartsWith(At - Anchor, Set.Needles[Index])) {
-        Found |= 1U << Index;
-      }
-    }
+    Found = NeedlesAnchoredAt(At, static_cast<UINTN>(At - Line), Set, Found);
     if (Found == All) {
       break;
+    }
+  }
+  return Found;
+}
+
+UINT32 RaidLibContainsEachIn(const CHAR16 *Line, UINTN Chars,
+                             const RAID_NEEDLES &Set) {
+  if (Line == nullptr) {
+    return 0;
+  }
+  const UINT32 All = AllNeedles(Set);
+  const UINT64 Stops = Set.Anchors | 1;
+  const CHAR16 *End = Line + Chars;
+  UINT32 Found = 0;
+  for (const CHAR16 *At = Line; At < End;) {
+    // Four characters that anchor nothing are passed with one test.
+    if (End - At >= 4 &&
+        (((Stops >> (At[0] & 63)) | (Stops >> (At[1] & 63)) |
+          (Stops >> (At[2] & 63)) | (Stops >> (At[3] & 63))) &
+         1) == 0) {
+      At += 4;
+      continue;
+    }
+    const CHAR16 *Stop = End - At >= 4 ? At + 4 : End;
+    for (; At < Stop; At++) {
+      if (((Stops >> (*At & 63)) & 1) == 0) {
+        continue;
+      }
+      if (*At == 0) {
+        return Found;
+      }
+      Found = NeedlesAnchoredAt(At, static_cast<UINTN>(At - Line), Set, Found);
+      if (Found == All) {
+        return Found;
+      }
     }
   }
   return Found;
