@@ -204,7 +204,7 @@ TEST(RaidLibText, StartsWithContainsIsSpace) {
 }
 
 // The one-pass searches (over a terminated line, over a line's extent,
-// over the whole text) answer as a walk line by line with RaidLibContains
+// over the whole text, over a buffer whose end they find) answer as a walk line by line with RaidLibContains
 // does: characters sharing a needle's low bits ("\u0141" and "A"), the
 // terminator's ("@"), a phrase twice on a line, at a line's ends, cut by a
 // line break or by a terminator an earlier walk wrote, a last line without
@@ -251,6 +251,16 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
       }
     }
     EXPECT_EQ(Count, Expected);
+    for (UINT32 Index = 0; Index < kCount; Index++) {
+      EXPECT_EQ(With[Index], ExpectedWith[Index]) << Index;
+    }
+    // The same count over the buffer, its end found in the same pass.
+    std::u16string Fresh = Text + CHAR16(0);
+    UINTN TextChars = 0;
+    EXPECT_EQ(RaidLibCountBufferLines(Fresh.data(), Fresh.size(), kPhraseSet,
+                                      With, &TextChars),
+              Expected);
+    EXPECT_EQ(TextChars, static_cast<UINTN>(Lines.End - Lines.Next));
     for (UINT32 Index = 0; Index < kCount; Index++) {
       EXPECT_EQ(With[Index], ExpectedWith[Index]) << Index;
     }

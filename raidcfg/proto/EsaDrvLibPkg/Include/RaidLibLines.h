@@ -126,6 +126,17 @@ VOID RaidLibCountPhraseLines(const CHAR16 *Text, UINTN Chars,
                                        const RAID_PHRASES &Set,
                                        UINT32 *LinesWith);
 
+// The same over the text at Text in a buffer of which every one of
+// BufferChars characters is readable, as a walk started there by
+// RaidLibLinesStartInBuffer would see it: its end, the first terminator
+// (or the buffer's end), is found in the same pass, and *TextChars
+// receives the text's length.
+[[nodiscard]] UINT32 RaidLibCountBufferLines(const CHAR16 *Text,
+                                             UINTN BufferChars,
+                                             const RAID_PHRASES &Set,
+                                             UINT32 *LinesWith,
+                                             UINTN *TextChars);
+
 // Traces every line of the output between Output and End as
 // "[<Caller>]<line>"; terminates the lines it meets.
 VOID RaidLibTraceAllLines(const CHAR8 *Caller, CHAR16 *Output, CHAR16 *End);

@@ -88,8 +88,11 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
 }
 
 // The lines from Cursor to End: a line starts at a character that is no
-// line break behind one that is (or behind the start).
-[[nodiscard]] UINT32 CountLineStarts(const CHAR16 *Cursor, const CHAR16 *End) {
+// line break behind one that is (or behind the start). With TextEnd the
+// text ends at its first terminator instead, and *TextEnd receives its
+// place (End without one).
+[[nodiscard]] UINT32 CountLineStarts(const CHAR16 *Cursor, const CHAR16 *End,
+                                     const CHAR16 **TextEnd) {
   // Most words of a report hold no line break and follow none: a lane may
   // be a break (0 or 10) only when it has no bit but those of 10 (it is 0,
   // 2, 8 or 10), and only such words are told lane by lane.
@@ -101,9 +104,14 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   UINT64 BreakBefore = kLaneTops & 0xFFFF;  // lane 0: the start counts
   while (End - Cursor >= static_cast<INTN>(kLanes)) {
     const UINT64 Word = LoadLanes(Cursor);
+    __builtin_prefetch(Cursor + 1024);
     Cursor += kLanes;
     if (BreakBefore == 0 && !HasZeroLane(Word & kNoBreakBits)) {
       continue;
+    }
+    if (TextEnd != nullptr && ZeroLanes(Word) != 0) {
+      Cursor -= kLanes;  // the text ends in this word
+      break;
     }
     const UINT64 Breaks = ZeroLanes(Word) | ZeroLanes(Word ^ kLineFeeds);
     Lanes += (~Breaks & kLaneTops & ((Breaks << 16) | BreakBefore)) >> 15;
@@ -119,15 +127,29 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
     Count += static_cast<UINT32>(Lanes & 0xFFFF);
   }
   bool AfterBreak = BreakBefore != 0;
-  for (; Cursor < End; Cursor++) {
+  for (; Cursor < End && (TextEnd == nullptr || *Cursor != 0); Cursor++) {
     const bool Break = IsLineBreak(*Cursor);
     Count += (!Break && AfterBreak) ? 1 : 0;
     AfterBreak = Break;
+  }
+  if (TextEnd != nullptr) {
+    *TextEnd = Cursor;
   }
   return Count;
 }
 
 }  // namespace
+
+UINT32 RaidLibCountBufferLines(const CHAR16 *Text, UINTN BufferChars,
+                               const RAID_PHRASES &Set, UINT32 *LinesWith,
+                               UINTN *TextChars) {
+  const CHAR16 *End = Text;
+  const UINT32 Count =
+      Text != nullptr ? CountLineStarts(Text, Text + BufferChars, &End) : 0;
+  *TextChars = static_cast<UINTN>(End - Text);
+  RaidLibCountPhraseLines(Text, *TextChars, Set, LinesWith);
+  return Count;
+}
 
 UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
                          const RAID_PHRASES &Set, UINT32 *LinesWith) {
@@ -139,7 +161,7 @@ UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
   }
   RaidLibCountPhraseLines(Text, static_cast<UINTN>(End - Text), Set,
                           LinesWith);
-  return CountLineStarts(Text, End);
+  return CountLineStarts(Text, End, nullptr);
 }
 
 VOID RaidLibLinesStart(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
