@@ -109,12 +109,23 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
                                                RAID_CONTROLLER *Controller,
                                                UINT32 *ErrorCode);
 
-// The same two for a report of exactly TextChars characters at Text, its
-// end found by the caller (none of them is a terminator). Their trace lines
-// carry the names above.
-[[nodiscard]] EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
-                                                 RAID_CONTROLLER *Controller,
-                                                 UINT32 *ErrorCode);
+// The count of a getconfig report that the parser traces: its lines and
+// those naming a hard drive, a logical device and an array.
+typedef struct {
+  UINT32 Lines;
+  UINT32 With[3];
+} MCHP_REPORT_COUNT;
+
+// Counts the report in a buffer of BufferChars characters, all readable,
+// and finds its end in the same pass: returns the report's length.
+[[nodiscard]] UINTN MchpCountReport(const CHAR16 *Output, UINTN BufferChars,
+                                    MCHP_REPORT_COUNT *Count);
+// The two parsers for a report of exactly TextChars characters at Text,
+// its end found and Count taken by MchpCountReport (none of the characters
+// is a terminator). Their trace lines carry the names above.
+[[nodiscard]] EFI_STATUS ParseControllerShowText(
+    CHAR16 *Text, UINTN TextChars, const MCHP_REPORT_COUNT &Count,
+    RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
 [[nodiscard]] EFI_STATUS ParseControllerShowFSText(CHAR16 *Text,
                                                    UINTN TextChars,
                                                    RAID_CONTROLLER *Controller,

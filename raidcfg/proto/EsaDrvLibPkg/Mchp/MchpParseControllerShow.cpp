@@ -307,18 +307,16 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
   return EFI_SUCCESS;
 }
 
-// Counts the report's lines and the hard drives among its devices; the
-// volumes and arrays too, for the trace. A line counts once for each phrase
-// it holds.
-[[nodiscard]] UINT32 CountHardDrives(const CHAR8 *Caller,
-                                     const RAID_LINE_CURSOR *Lines,
-                                     RAID_CONTROLLER *Controller) {
-  UINT32 With[3];
-  const UINT32 LineCount = RaidLibCountLines(Lines, kCountedPhrases, With);
+// Traces the report's count (a line counts once for each phrase it holds)
+// and gives its hard drives.
+[[nodiscard]] UINT32 TraceCount(const CHAR8 *Caller,
+                                const MCHP_REPORT_COUNT &Count,
+                                RAID_CONTROLLER *Controller) {
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "[%a] : %d LineCount:%d pds/lds/ars:%d/%d/%d\n",
-                    Controller->Id, LineCount, With[0], With[1], With[2]);
-  return With[0];
+                    Controller->Id, Count.Lines, Count.With[0], Count.With[1],
+                    Count.With[2]);
+  return Count.With[0];
 }
 
 }  // namespace
@@ -329,9 +327,10 @@ namespace {
 constexpr CHAR8 kCaller[] = "ParseControllerShow";
 
 [[nodiscard]] EFI_STATUS ParseReport(RAID_LINE_CURSOR *Lines,
+                                     const MCHP_REPORT_COUNT &Count,
                                      RAID_CONTROLLER *Controller,
                                      UINT32 *ErrorCode) {
-  UINT32 HardDrives = CountHardDrives(kCaller, Lines, Controller);
+  UINT32 HardDrives = TraceCount(kCaller, Count, Controller);
   EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   RAID_ARRAY *LastArray = nullptr;
   BOOLEAN ArraysComplete = FALSE;
@@ -359,18 +358,28 @@ constexpr CHAR8 kCaller[] = "ParseControllerShow";
 
 }  // namespace
 
+UINTN MchpCountReport(const CHAR16 *Output, UINTN BufferChars,
+                      MCHP_REPORT_COUNT *Count) {
+  UINTN TextChars = 0;
+  Count->Lines = RaidLibCountBufferLines(Output, BufferChars, kCountedPhrases,
+                                         Count->With, &TextChars);
+  return TextChars;
+}
+
 EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
                                RAID_CONTROLLER *Controller,
                                UINT32 *ErrorCode) {
   if (Output == nullptr) {
     return EFI_ABORTED;
   }
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
-  return ParseReport(&Lines, Controller, ErrorCode);
+  MCHP_REPORT_COUNT Count;
+  const UINTN TextChars = MchpCountReport(Output, OutputChars, &Count);
+  return ParseControllerShowText(Output, TextChars, Count, Controller,
+                                 ErrorCode);
 }
 
 EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
+                                   const MCHP_REPORT_COUNT &Count,
                                    RAID_CONTROLLER *Controller,
                                    UINT32 *ErrorCode) {
   if (Text == nullptr) {
@@ -378,7 +387,7 @@ EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
   }
   RAID_LINE_CURSOR Lines;
   RaidLibLinesOver(&Lines, Text, TextChars);
-  return ParseReport(&Lines, Controller, ErrorCode);
+  return ParseReport(&Lines, Count, Controller, ErrorCode);
 }
 
 }  // namespace mchp
