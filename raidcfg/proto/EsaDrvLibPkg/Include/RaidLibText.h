@@ -37,6 +37,7 @@ typedef struct {
   UINT32 Count;
   UINT64 Anchors;        // the anchors' low six bits, one bit each
   UINT8 AnchorAt[32];    // where needle k's anchor lies in it
+  CHAR16 Anchor[32];     // needle k's anchor
 } RAID_NEEDLES;
 
 // The set over a constant array of non-empty needles.
@@ -44,7 +45,7 @@ template <UINTN N>
 [[nodiscard]] constexpr RAID_NEEDLES RaidLibNeedles(
     const CHAR16 *const (&Needles)[N]) {
   static_assert(N <= 32, "a needle set is a 32-bit mask");
-  RAID_NEEDLES Set = {Needles, static_cast<UINT32>(N), 0, {}};
+  RAID_NEEDLES Set = {Needles, static_cast<UINT32>(N), 0, {}, {}};
   for (UINTN Index = 0; Index < N; Index++) {
     const CHAR16 *Needle = Needles[Index];
     UINT32 At = 0;
@@ -52,6 +53,7 @@ template <UINTN N>
       At++;
     }
     Set.AnchorAt[Index] = static_cast<UINT8>(At);
+    Set.Anchor[Index] = Needle[At];
     Set.Anchors |= 1ULL << (Needle[At] & 63);
   }
   return Set;
