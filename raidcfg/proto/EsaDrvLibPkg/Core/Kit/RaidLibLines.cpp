@@ -103,8 +103,20 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   UINT32 Words = 0;
   UINT64 BreakBefore = kLaneTops & 0xFFFF;  // lane 0: the start counts
   while (End - Cursor >= static_cast<INTN>(kLanes)) {
+    // Such words pass two at a time, with one test.
+    while (BreakBefore == 0 && End - Cursor >= static_cast<INTN>(2 * kLanes)) {
+      const UINT64 First = LoadLanes(Cursor) & kNoBreakBits;
+      const UINT64 Second = LoadLanes(Cursor + kLanes) & kNoBreakBits;
+      const UINT64 Zeros =
+          ((First - kLaneOnes) & ~First) | ((Second - kLaneOnes) & ~Second);
+      if ((Zeros & kLaneTops) != 0) {
+        break;
+      }
+      // This is the text's first reading: what follows is asked for ahead.
+      __builtin_prefetch(Cursor + 256);
+      Cursor += 2 * kLanes;
+    }
     const UINT64 Word = LoadLanes(Cursor);
-    __builtin_prefetch(Cursor + 1024);
     Cursor += kLanes;
     if (BreakBefore == 0 && !HasZeroLane(Word & kNoBreakBits)) {
       continue;
