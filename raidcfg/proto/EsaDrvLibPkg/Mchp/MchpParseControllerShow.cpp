@@ -46,6 +46,16 @@ constexpr UINT32 kVolumeStatusKey = 1U << 0;
 constexpr UINT32 kVolumeSizeKey = 1U << 1;
 constexpr UINT32 kVolumeNameKey = 1U << 2;
 
+// What ends the logical device section where it appears in a line: the
+// maxCache section (either spelling) or the note that there are none.
+constexpr const CHAR16 *kVolumeSectionEndTexts[] = {
+    u"maxCache information", u"MaxCache information",
+    u"No logical devices configured"};
+constexpr RAID_NEEDLES kVolumeSectionEnds =
+    RaidLibNeedles(kVolumeSectionEndTexts);
+constexpr UINT32 kMaxCacheKeys = (1U << 0) | (1U << 1);
+constexpr UINT32 kNoVolumesKey = 1U << 2;
+
 // Status words of a logical device that are taken as they are.
 constexpr RAID_WORD_CODE kVolumeStateWords[] = {
     {u"Optimal", RAID_STATE2_OPTIMAL},
@@ -268,8 +278,9 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
                                             RAID_ARRAY **LastArray) {
   for (CHAR16 *Line = RaidLibNextLine(Lines); Line != nullptr;
        Line = RaidLibNextLine(Lines)) {
-    if (RaidLibContains(Line, u"maxCache information") ||
-        RaidLibContains(Line, u"MaxCache information")) {
+    const UINT32 Ends = RaidLibContainsEachIn(
+        Line, MchpLineChars(Lines, Line), kVolumeSectionEnds);
+    if ((Ends & kMaxCacheKeys) != 0) {
       for (Line = RaidLibNextLine(Lines); Line != nullptr &&
                                           !RaidLibStartsWith(
                                               Line, u"Physical Device information");
@@ -278,7 +289,7 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
       RaidLibStepBack(Lines);
       return EFI_SUCCESS;
     }
-    if (RaidLibContains(Line, u"No logical devices configured")) {
+    if ((Ends & kNoVolumesKey) != 0) {
       return EFI_SUCCESS;
     }
     if (RaidLibStartsWith(Line, u"Physical Device information")) {
