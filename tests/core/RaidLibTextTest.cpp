@@ -204,16 +204,18 @@ TEST(RaidLibText, StartsWithContainsIsSpace) {
 }
 
 // The one-pass searches (over a terminated line, over a line's extent,
-// over the whole text, over a buffer whose end they find) answer as a walk line by line with RaidLibContains
-// does: characters sharing a needle's low bits ("\u0141" and "A"), the
-// terminator's ("@"), a phrase twice on a line, at a line's ends, cut by a
-// line break or by a terminator an earlier walk wrote, a last line without
-// a line feed, a needle led by blanks (whole, or its blanks cut off at a
-// line's start), runs of blank lines.
+// over the whole text, over a buffer whose end they find) answer as a walk
+// line by line with RaidLibContains does: characters sharing a needle's
+// low bits ("\u0141" and "A"), the terminator's ("@"), a phrase twice on a
+// line, at a line's ends, cut by a line break or by a terminator an
+// earlier walk wrote, a last line without a line feed, a needle led by
+// blanks (whole, or its blanks cut off at a line's start), one led by a
+// small letter, runs of blank lines.
 TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
   static constexpr const CHAR16 *kNeedles[] = {
-      u"Array Number", u"Device is a HardDrive", u"@x", u"   Array"};
-  constexpr UINT32 kCount = 4;
+      u"Array Number", u"Device is a HardDrive", u"@x", u"   Array",
+      u"x Array"};
+  constexpr UINT32 kCount = 5;
   static constexpr RAID_NEEDLES kNeedleSet = RaidLibNeedles(kNeedles);
   static constexpr RAID_PHRASES kPhraseSet = RaidLibPhrases(kNeedles);
   const std::u16string Texts[] = {
@@ -225,6 +227,7 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
       std::u16string(u"Array Num") + CHAR16(0) + u"ber\nArray Number",
       u"  \u0144evice is a HardDrive Device is a HardDrive\r\nx",
       u"   Array 1\r\nArray 2\r\n  Array 3\r\n    Array Number\r\n  ",
+      u"box Array Number and x Array\r\nax Arra\r\ny",
       std::u16string(u"Array Number") + u"\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n" +
           u"\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n   Array Number\r\n\r\n\r\n",
   };

@@ -35,9 +35,9 @@
 typedef struct {
   const CHAR16 *const *Needles;
   UINT32 Count;
-  UINT64 Anchors;        // the anchors' low six bits, one bit each
-  UINT8 AnchorAt[32];    // where needle k's anchor lies in it
-  CHAR16 Anchor[32];     // needle k's anchor
+  UINT64 Anchors;      // the anchors' low six bits, one bit each
+  UINT8 AnchorAt[32];  // where needle k's anchor lies in it
+  CHAR16 Anchor[32];   // needle k's anchor
 } RAID_NEEDLES;
 
 // The set over a constant array of non-empty needles.
@@ -64,9 +64,8 @@ template <UINTN N>
 [[nodiscard]] UINT32 RaidLibContainsEach(const CHAR16 *Line,
                                          const RAID_NEEDLES &Set);
 // The same for a line whose extent is known: it ends at its terminator
-// among the Chars characters at Line, or behind them. Runs of four blanks
-// (a report's lines are mostly blanks that align its columns) are passed
-// over a word at a time.
+// among the Chars characters at Line, or behind them. Four characters are
+// passed at a time where none can anchor a needle.
 [[nodiscard]] UINT32 RaidLibContainsEachIn(const CHAR16 *Line, UINTN Chars,
                                            const RAID_NEEDLES &Set);
 

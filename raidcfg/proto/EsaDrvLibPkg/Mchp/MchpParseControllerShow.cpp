@@ -330,10 +330,6 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
   return Count.With[0];
 }
 
-}  // namespace
-
-namespace {
-
 // The report's trace lines carry the name of the parser it is given to.
 constexpr CHAR8 kCaller[] = "ParseControllerShow";
 

@@ -36,8 +36,8 @@ constexpr UINT32 kLocationKey = 1U << 1;
 constexpr UINT32 kModelKey = 1U << 2;
 constexpr UINT32 kStateKey = 1U << 3;
 
-// The line of a drive's block that gives its configuration type, found by
-// a skip search: it lies far into lines of the drive's other keys.
+// What marks the line that gives a drive's configuration type; the lines
+// ahead are searched for it with a skip search over each line's extent.
 constexpr const CHAR16 *kConfigurationTexts[] = {u"Drive Configuration Type"};
 constexpr RAID_PHRASES kConfiguration = RaidLibPhrases(kConfigurationTexts);
 
@@ -74,14 +74,15 @@ typedef struct {
 // its line) goes on exactly as that entry did, since the text ahead is
 // only ever cut where the walk cut it.
 typedef struct {
-  const CHAR16 *From;    // where the look-ahead started
+  const CHAR16 *From;     // where the look-ahead started
   RAID_LINE_CURSOR Walk;  // the look-ahead, for lines not walked yet
   RAID_LINE_CURSOR After[kConfigurationLookAhead];
-  UINTN Count;  // lines walked
-  UINTN Taken;  // entries the block reader has taken
+  UINTN Count;    // lines walked
+  UINTN Taken;    // entries the block reader has taken
   BOOLEAN Ended;  // the output ended within the look-ahead
 } LINES_AHEAD;
 
+// A look-ahead from where Lines stands, none of its lines walked yet.
 VOID StartAhead(LINES_AHEAD *Ahead, const RAID_LINE_CURSOR *Lines) {
   Ahead->From = Lines->Next;
   Ahead->Walk = *Lines;
@@ -238,7 +239,7 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
   const CHAR16 *Interface = nullptr;
   const CHAR16 *Medium = nullptr;
   CHAR16 Value[MCHP_KEYWORD_CHARS];
-  LINES_AHEAD Ahead = {};
+  LINES_AHEAD Ahead = {};  // nothing walked ahead until a "State" line
   for (UINTN Budget = kDriveBlockLines; Budget > 0; Budget--) {
     CHAR16 *Line = NextLineSeen(&Ahead, Lines);
     if (Line == nullptr) {

@@ -60,10 +60,9 @@ namespace {
 EFI_STATUS ParseControllerShowFS(CHAR16 *Output, UINTN OutputChars,
                                  RAID_CONTROLLER *Controller,
                                  UINT32 *ErrorCode) {
-  (VOID)ErrorCode;
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
-  return ReadFreeSpace(&Lines, Controller);
+  return ParseControllerShowFSText(
+      Output, RaidLibBufferTextChars(Output, OutputChars), Controller,
+      ErrorCode);
 }
 
 EFI_STATUS ParseControllerShowFSText(CHAR16 *Text, UINTN TextChars,

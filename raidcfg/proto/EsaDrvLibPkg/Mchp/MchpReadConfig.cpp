@@ -86,9 +86,9 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
   Status = ParseControllerShowText(gMchpGetconfigOutput, Chars, Count,
                                    Controller, ErrorCode);
   if (*ErrorCode == 0) {
-    Status = ParseControllerShowFSText(gMchpGetconfigCopy,
-                                       Chars < kCopyChars ? Chars : kCopyChars, Controller,
-                                       ErrorCode);
+    const UINTN CopyChars = Chars < kCopyChars ? Chars : kCopyChars;
+    Status = ParseControllerShowFSText(gMchpGetconfigCopy, CopyChars,
+                                       Controller, ErrorCode);
     SetStripeSizes(Controller);
   }
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;
