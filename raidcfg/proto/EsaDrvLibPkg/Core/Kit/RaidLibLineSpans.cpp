@@ -93,8 +93,8 @@ typedef struct {
 }  // namespace
 
 VOID RaidLibLinesOver(RAID_LINE_CURSOR *Lines, CHAR16 *Text, UINTN TextChars) {
+  *Lines = {};  // no line returned yet, whatever else the walk keeps
   Lines->Next = Text;
-  Lines->Current = nullptr;
   Lines->End = Text != nullptr ? Text + TextChars : nullptr;
 }
 
