@@ -97,6 +97,11 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   // be a break (0 or 10) only when it has no bit but those of 10 (it is 0,
   // 2, 8 or 10), and only such words are told lane by lane.
   constexpr UINT64 kNoBreakBits = kLaneOnes * static_cast<UINT16>(~u'\n');
+  // The top bit of a lane that may be a break (others too, by a borrow).
+  const auto MayBreak = [](UINT64 Word) {
+    const UINT64 Masked = Word & kNoBreakBits;
+    return (Masked - kLaneOnes) & ~Masked & kLaneTops;
+  };
   UINT32 Count = 0;
   // Each lane counts its own starts, at most 0xFFFF before they are added.
   UINT64 Lanes = 0;
@@ -105,11 +110,8 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
   while (End - Cursor >= static_cast<INTN>(kLanes)) {
     // Such words pass two at a time, with one test.
     while (BreakBefore == 0 && End - Cursor >= static_cast<INTN>(2 * kLanes)) {
-      const UINT64 First = LoadLanes(Cursor) & kNoBreakBits;
-      const UINT64 Second = LoadLanes(Cursor + kLanes) & kNoBreakBits;
-      const UINT64 Zeros =
-          ((First - kLaneOnes) & ~First) | ((Second - kLaneOnes) & ~Second);
-      if ((Zeros & kLaneTops) != 0) {
+      if ((MayBreak(LoadLanes(Cursor)) |
+           MayBreak(LoadLanes(Cursor + kLanes))) != 0) {
         break;
       }
       // This is the text's first reading: what follows is asked for ahead.
@@ -118,7 +120,7 @@ constexpr UINTN kLanes = sizeof(UINT64) / sizeof(CHAR16);
     }
     const UINT64 Word = LoadLanes(Cursor);
     Cursor += kLanes;
-    if (BreakBefore == 0 && !HasZeroLane(Word & kNoBreakBits)) {
+    if (BreakBefore == 0 && MayBreak(Word) == 0) {
       continue;
     }
     if (TextEnd != nullptr && ZeroLanes(Word) != 0) {
