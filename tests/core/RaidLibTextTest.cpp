@@ -205,14 +205,19 @@ TEST(RaidLibText, StartsWithContainsIsSpace) {
   EXPECT_FALSE(RaidLibIsSpace(u'a'));
 }
 
-// The one-pass searches answer as a walk line by line with RaidLibContains
-// does: characters sharing a needle's low bits ("\u0141" and "A"), the
-// terminator's ("@"), a phrase twice on a line, at a line's ends, cut by a
-// line break or by a terminator an earlier walk wrote, a last line without
-// a line feed.
+// The one-pass searches (over a terminated line, over a line's extent,
+// over the whole text, over a buffer whose end they find) answer as a walk
+// line by line with RaidLibContains does: characters sharing a needle's
+// low bits ("\u0141" and "A"), the terminator's ("@"), a phrase twice on a
+// line, at a line's ends, cut by a line break or by a terminator an
+// earlier walk wrote, a last line without a line feed, a needle led by
+// blanks (whole, or its blanks cut off at a line's start), one led by a
+// small letter, runs of blank lines.
 TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
-  static constexpr const CHAR16 *kNeedles[] = {u"Array Number",
-                                               u"Device is a HardDrive", u"@x"};
+  static constexpr const CHAR16 *kNeedles[] = {
+      u"Array Number", u"Device is a HardDrive", u"@x", u"   Array",
+      u"x Array"};
+  constexpr UINT32 kCount = 5;
   static constexpr RAID_NEEDLES kNeedleSet = RaidLibNeedles(kNeedles);
   static constexpr RAID_PHRASES kPhraseSet = RaidLibPhrases(kNeedles);
   const std::u16string Texts[] = {
@@ -223,28 +228,45 @@ TEST(RaidLibText, ContainsEachAndCountLinesAnswerAsContains) {
       u"Device is a HardDriv\ne Array Number@x\n\n\n@@x",
       std::u16string(u"Array Num") + CHAR16(0) + u"ber\nArray Number",
       u"  \u0144evice is a HardDrive Device is a HardDrive\r\nx",
+      u"   Array 1\r\nArray 2\r\n  Array 3\r\n    Array Number\r\n  ",
+      u"box Array Number and x Array\r\nax Arra\r\ny",
+      std::u16string(u"Array Number") + u"\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n" +
+          u"\r\n\r\n\r\n\r\n\r\n\r\n\r\n\r\n   Array Number\r\n\r\n\r\n",
   };
   for (const std::u16string &Text : Texts) {
     std::u16string Buffer = Text + CHAR16(0);
     RAID_LINE_CURSOR Lines;
     RaidLibLinesStart(&Lines, Buffer.data(), Buffer.size());
-    UINT32 With[3];
+    UINT32 With[kCount];
     const UINT32 Count = RaidLibCountLines(&Lines, kPhraseSet, With);
     UINT32 Expected = 0;
-    UINT32 ExpectedWith[3] = {};
+    UINT32 ExpectedWith[kCount] = {};
     RAID_LINE_CURSOR Walk = Lines;
     for (CHAR16 *Line = RaidLibNextLine(&Walk); Line != nullptr;
          Line = RaidLibNextLine(&Walk)) {
       Expected++;
       const UINT32 Found = RaidLibContainsEach(Line, kNeedleSet);
-      for (UINT32 Index = 0; Index < 3; Index++) {
+      EXPECT_EQ(RaidLibContainsEachIn(
+                    Line, static_cast<UINTN>(Walk.Next - Line), kNeedleSet),
+                Found);
+      for (UINT32 Index = 0; Index < kCount; Index++) {
         const bool Contains = RaidLibContains(Line, kNeedles[Index]);
         EXPECT_EQ((Found >> Index) & 1, Contains ? 1U : 0U);
         ExpectedWith[Index] += Contains ? 1 : 0;
       }
     }
     EXPECT_EQ(Count, Expected);
-    for (UINT32 Index = 0; Index < 3; Index++) {
+    for (UINT32 Index = 0; Index < kCount; Index++) {
+      EXPECT_EQ(With[Index], ExpectedWith[Index]) << Index;
+    }
+    // The same count over the buffer, its end found in the same pass.
+    std::u16string Fresh = Text + CHAR16(0);
+    UINTN TextChars = 0;
+    EXPECT_EQ(RaidLibCountBufferLines(Fresh.data(), Fresh.size(), kPhraseSet,
+                                      With, &TextChars),
+              Expected);
+    EXPECT_EQ(TextChars, static_cast<UINTN>(Lines.End - Lines.Next));
+    for (UINT32 Index = 0; Index < kCount; Index++) {
       EXPECT_EQ(With[Index], ExpectedWith[Index]) << Index;
     }
     // Once the walk has cut the lines, its terminators separate them.

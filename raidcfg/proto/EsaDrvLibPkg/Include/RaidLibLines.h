@@ -29,6 +29,10 @@ VOID RaidLibLinesStartInBuffer(RAID_LINE_CURSOR *Lines, CHAR16 *Output,
 // The characters before the first terminator of such a buffer, or
 // BufferChars when it holds none (0 for NULL).
 [[nodiscard]] UINTN RaidLibBufferTextChars(CHAR16 *Text, UINTN BufferChars);
+// Starts a walk over the TextChars characters at Text, an output whose end
+// was found before (none of them is a terminator): the end is not looked
+// for again.
+VOID RaidLibLinesOver(RAID_LINE_CURSOR *Lines, CHAR16 *Text, UINTN TextChars);
 // The next line, or NULL at the end of the output.
 [[nodiscard]] CHAR16 *RaidLibNextLine(RAID_LINE_CURSOR *Lines);
 // The next line without moving on, or NULL.
@@ -183,12 +187,37 @@ template <UINTN N>
   return Set;
 }
 
+// The skip search of Set over the Chars characters at Text: the place of
+// the first character, at From or behind it, on which one of the phrases
+// ends (the phrase wholly within the text), or Chars when none does.
+// *Which receives the phrases ending there, bit k for Set.Phrases[k].
+[[nodiscard]] UINTN RaidLibNextPhraseEnd(const CHAR16 *Text, UINTN Chars,
+                                         UINTN From, const RAID_PHRASES &Set,
+                                         UINT32 *Which);
+
+// Counts in LinesWith[k] the lines among the Chars characters at Text
+// that hold Set.Phrases[k] (each line once; line feeds and terminators
+// separate lines).
+VOID RaidLibCountPhraseLines(const CHAR16 *Text, UINTN Chars,
+                             const RAID_PHRASES &Set, UINT32 *LinesWith);
+
 // Counts the lines a walk from Lines on would return, without cutting
 // them, and in LinesWith[k] those among them that hold Set.Phrases[k]
 // (each line once). Returns the line count.
 [[nodiscard]] UINT32 RaidLibCountLines(const RAID_LINE_CURSOR *Lines,
                                        const RAID_PHRASES &Set,
                                        UINT32 *LinesWith);
+
+// The same over the text at Text in a buffer of which every one of
+// BufferChars characters is readable, as a walk started there by
+// RaidLibLinesStartInBuffer would see it: its end, the first terminator
+// (or the buffer's end), is found in the same pass, and *TextChars
+// receives the text's length.
+[[nodiscard]] UINT32 RaidLibCountBufferLines(const CHAR16 *Text,
+                                             UINTN BufferChars,
+                                             const RAID_PHRASES &Set,
+                                             UINT32 *LinesWith,
+                                             UINTN *TextChars);
 
 // Traces every line of the output between Output and End as
 // "[<Caller>]<line>"; terminates the lines it meets.

@@ -27,13 +27,17 @@
 // NULL never matches.
 [[nodiscard]] BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle);
 
-// Up to 32 needles to look for in a line at once, with the set of their
-// first characters' low six bits: only a character in that set starts a
+// Up to 32 needles to look for in a line at once. Each is looked for by
+// its anchor, its first character that is no blank (a needle may begin
+// with the blanks that indent a key, and blanks fill a report's lines);
+// only a character whose low six bits are some anchor's starts a
 // comparison.
 typedef struct {
   const CHAR16 *const *Needles;
   UINT32 Count;
-  UINT64 Firsts;
+  UINT64 Anchors;      // the anchors' low six bits, one bit each
+  UINT8 AnchorAt[32];  // where needle k's anchor lies in it
+  CHAR16 Anchor[32];   // needle k's anchor
 } RAID_NEEDLES;
 
 // The set over a constant array of non-empty needles.
@@ -41,17 +45,29 @@ template <UINTN N>
 [[nodiscard]] constexpr RAID_NEEDLES RaidLibNeedles(
     const CHAR16 *const (&Needles)[N]) {
   static_assert(N <= 32, "a needle set is a 32-bit mask");
-  UINT64 Firsts = 0;
-  for (const CHAR16 *Needle : Needles) {
-    Firsts |= 1ULL << (Needle[0] & 63);
+  RAID_NEEDLES Set = {Needles, static_cast<UINT32>(N), 0, {}, {}};
+  for (UINTN Index = 0; Index < N; Index++) {
+    const CHAR16 *Needle = Needles[Index];
+    UINT32 At = 0;
+    while (Needle[At] == u' ' && Needle[At + 1] != 0 && At < 255) {
+      At++;
+    }
+    Set.AnchorAt[Index] = static_cast<UINT8>(At);
+    Set.Anchor[Index] = Needle[At];
+    Set.Anchors |= 1ULL << (Needle[At] & 63);
   }
-  return {Needles, static_cast<UINT32>(N), Firsts};
+  return Set;
 }
 
 // Which needles occur in Line, in one pass over it: bit k for
 // Needles[k], as RaidLibContains would answer for each (0 for NULL).
 [[nodiscard]] UINT32 RaidLibContainsEach(const CHAR16 *Line,
                                          const RAID_NEEDLES &Set);
+// The same for a line whose extent is known: it ends at its terminator
+// among the Chars characters at Line, or behind them. Four characters are
+// passed at a time where none can anchor a needle.
+[[nodiscard]] UINT32 RaidLibContainsEachIn(const CHAR16 *Line, UINTN Chars,
+                                           const RAID_NEEDLES &Set);
 
 // TRUE for blank, line feed, tab, carriage return, form feed, vertical tab.
 [[nodiscard]] inline BOOLEAN RaidLibIsSpace(CHAR16 Char) {

@@ -109,6 +109,28 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
                                                RAID_CONTROLLER *Controller,
                                                UINT32 *ErrorCode);
 
+// The count of a getconfig report that the parser traces: its lines and
+// those naming a hard drive, a logical device and an array.
+typedef struct {
+  UINT32 Lines;
+  UINT32 With[3];
+} MCHP_REPORT_COUNT;
+
+// Counts the report in a buffer of BufferChars characters, all readable,
+// and finds its end in the same pass: returns the report's length.
+[[nodiscard]] UINTN MchpCountReport(const CHAR16 *Output, UINTN BufferChars,
+                                    MCHP_REPORT_COUNT *Count);
+// The two parsers for a report of exactly TextChars characters at Text,
+// its end found and Count taken by MchpCountReport (none of the characters
+// is a terminator). Their trace lines carry the names above.
+[[nodiscard]] EFI_STATUS ParseControllerShowText(
+    CHAR16 *Text, UINTN TextChars, const MCHP_REPORT_COUNT &Count,
+    RAID_CONTROLLER *Controller, UINT32 *ErrorCode);
+[[nodiscard]] EFI_STATUS ParseControllerShowFSText(CHAR16 *Text,
+                                                   UINTN TextChars,
+                                                   RAID_CONTROLLER *Controller,
+                                                   UINT32 *ErrorCode);
+
 // The physical device section; the walk stands on the line after its
 // heading. Used by ParseControllerShow, whose name (Caller) its trace
 // lines carry.
@@ -132,6 +154,13 @@ extern CHAR16 gMchpGetconfigCopy[MCHP_GETCONFIG_OUTPUT_BYTES / sizeof(CHAR16)];
 // The value text (Output), or NULL when there is none.
 [[nodiscard]] CHAR16 *sGetKeyWord(const CHAR16 *Line, CHAR16 *Output,
                                   UINTN OutputChars);
+
+// The characters of Line, the line the walk Lines returned last, with its
+// terminator: it lies wholly before the next line's start.
+[[nodiscard]] inline UINTN MchpLineChars(const RAID_LINE_CURSOR *Lines,
+                                         const CHAR16 *Line) {
+  return static_cast<UINTN>(Lines->Next - Line);
+}
 
 // A size word pair ("457873 MB") as thousandths and a unit code.
 VOID MchpReadSize(const CHAR16 *Value, UINT64 *Figure, UINT32 *Unit);

@@ -46,6 +46,16 @@ constexpr UINT32 kVolumeStatusKey = 1U << 0;
 constexpr UINT32 kVolumeSizeKey = 1U << 1;
 constexpr UINT32 kVolumeNameKey = 1U << 2;
 
+// What ends the logical device section where it appears in a line: the
+// maxCache section (either spelling) or the note that there are none.
+constexpr const CHAR16 *kVolumeSectionEndTexts[] = {
+    u"maxCache information", u"MaxCache information",
+    u"No logical devices configured"};
+constexpr RAID_NEEDLES kVolumeSectionEnds =
+    RaidLibNeedles(kVolumeSectionEndTexts);
+constexpr UINT32 kMaxCacheKeys = (1U << 0) | (1U << 1);
+constexpr UINT32 kNoVolumesKey = 1U << 2;
+
 // Status words of a logical device that are taken as they are.
 constexpr RAID_WORD_CODE kVolumeStateWords[] = {
     {u"Optimal", RAID_STATE2_OPTIMAL},
@@ -164,7 +174,8 @@ VOID ParseArrayBlock(RAID_LINE_CURSOR *Lines, RAID_ARRAY *Array) {
   UINTN Budget = kArrayBlockLines;
   for (CHAR16 *Line = RaidLibNextLineWithin(Lines, &Budget); Line != nullptr;
        Line = RaidLibNextLineWithin(Lines, &Budget)) {
-    const UINT32 Found = RaidLibContainsEach(Line, kArrayBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kArrayBlockKeys);
     if ((Found & (kArrayNumberKey | kVolumeSectionKey)) != 0) {
       RaidLibStepBack(Lines);
       return;
@@ -241,7 +252,8 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
       }
       continue;
     }
-    const UINT32 Found = RaidLibContainsEach(Line, kVolumeBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kVolumeBlockKeys);
     if ((Found & kVolumeStatusKey) != 0) {
       if (sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS) != nullptr) {
         Volume->State = VolumeStateCode(Value);
@@ -266,8 +278,9 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
                                             RAID_ARRAY **LastArray) {
   for (CHAR16 *Line = RaidLibNextLine(Lines); Line != nullptr;
        Line = RaidLibNextLine(Lines)) {
-    if (RaidLibContains(Line, u"maxCache information") ||
-        RaidLibContains(Line, u"MaxCache information")) {
+    const UINT32 Ends = RaidLibContainsEachIn(
+        Line, MchpLineChars(Lines, Line), kVolumeSectionEnds);
+    if ((Ends & kMaxCacheKeys) != 0) {
       for (Line = RaidLibNextLine(Lines); Line != nullptr &&
                                           !RaidLibStartsWith(
                                               Line, u"Physical Device information");
@@ -276,7 +289,7 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
       RaidLibStepBack(Lines);
       return EFI_SUCCESS;
     }
-    if (RaidLibContains(Line, u"No logical devices configured")) {
+    if ((Ends & kNoVolumesKey) != 0) {
       return EFI_SUCCESS;
     }
     if (RaidLibStartsWith(Line, u"Physical Device information")) {
@@ -305,46 +318,41 @@ VOID ParseVolumeBlock(RAID_LINE_CURSOR *Lines, RAID_CONTROLLER *Controller,
   return EFI_SUCCESS;
 }
 
-// Counts the report's lines and the hard drives among its devices; the
-// volumes and arrays too, for the trace. A line counts once for each phrase
-// it holds.
-[[nodiscard]] UINT32 CountHardDrives(const CHAR8 *Caller,
-                                     const RAID_LINE_CURSOR *Lines,
-                                     RAID_CONTROLLER *Controller) {
-  UINT32 With[3];
-  const UINT32 LineCount = RaidLibCountLines(Lines, kCountedPhrases, With);
+// Traces the report's count (a line counts once for each phrase it holds)
+// and gives its hard drives.
+[[nodiscard]] UINT32 TraceCount(const CHAR8 *Caller,
+                                const MCHP_REPORT_COUNT &Count,
+                                RAID_CONTROLLER *Controller) {
   RAID_LIB_TRACE_AS(Caller, TARN_DEBUG_INFO,
                     "[%a] : %d LineCount:%d pds/lds/ars:%d/%d/%d\n",
-                    Controller->Id, LineCount, With[0], With[1], With[2]);
-  return With[0];
+                    Controller->Id, Count.Lines, Count.With[0], Count.With[1],
+                    Count.With[2]);
+  return Count.With[0];
 }
 
-}  // namespace
+// The report's trace lines carry the name of the parser it is given to.
+constexpr CHAR8 kCaller[] = "ParseControllerShow";
 
-EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
-                               RAID_CONTROLLER *Controller,
-                               UINT32 *ErrorCode) {
-  if (Output == nullptr) {
-    return EFI_ABORTED;
-  }
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
-  UINT32 HardDrives = CountHardDrives(__func__, &Lines, Controller);
+[[nodiscard]] EFI_STATUS ParseReport(RAID_LINE_CURSOR *Lines,
+                                     const MCHP_REPORT_COUNT &Count,
+                                     RAID_CONTROLLER *Controller,
+                                     UINT32 *ErrorCode) {
+  UINT32 HardDrives = TraceCount(kCaller, Count, Controller);
   EFI_STATUS Status = RaidLibResetControllerModel(Controller);
   RAID_ARRAY *LastArray = nullptr;
   BOOLEAN ArraysComplete = FALSE;
-  for (CHAR16 *Line = RaidLibNextLine(&Lines);
-       Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(&Lines)) {
+  for (CHAR16 *Line = RaidLibNextLine(Lines);
+       Line != nullptr && !EFI_ERROR(Status); Line = RaidLibNextLine(Lines)) {
     if (RaidLibStartsWith(Line, u"Controller information")) {
-      Status = ParseControllerSection(__func__, &Lines, Controller);
+      Status = ParseControllerSection(kCaller, Lines, Controller);
     } else if (RaidLibStartsWith(Line, u"Array Information") &&
                !ArraysComplete) {
-      Status = ParseArraySection(&Lines, Controller, &LastArray,
+      Status = ParseArraySection(Lines, Controller, &LastArray,
                                  &ArraysComplete);
     } else if (RaidLibStartsWith(Line, u"Logical device information")) {
-      Status = ParseVolumeSection(&Lines, Controller, &LastArray);
+      Status = ParseVolumeSection(Lines, Controller, &LastArray);
     } else if (RaidLibStartsWith(Line, u"Physical Device information")) {
-      Status = ParsePhysicalDevices(__func__, &Lines, Controller, HardDrives,
+      Status = ParsePhysicalDevices(kCaller, Lines, Controller, HardDrives,
                                     ErrorCode);
       break;
     }
@@ -353,6 +361,40 @@ EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
     *ErrorCode = RAID_ERROR_OUT_OF_RESOURCES;
   }
   return Status;
+}
+
+}  // namespace
+
+UINTN MchpCountReport(const CHAR16 *Output, UINTN BufferChars,
+                      MCHP_REPORT_COUNT *Count) {
+  UINTN TextChars = 0;
+  Count->Lines = RaidLibCountBufferLines(Output, BufferChars, kCountedPhrases,
+                                         Count->With, &TextChars);
+  return TextChars;
+}
+
+EFI_STATUS ParseControllerShow(CHAR16 *Output, UINTN OutputChars,
+                               RAID_CONTROLLER *Controller,
+                               UINT32 *ErrorCode) {
+  if (Output == nullptr) {
+    return EFI_ABORTED;
+  }
+  MCHP_REPORT_COUNT Count;
+  const UINTN TextChars = MchpCountReport(Output, OutputChars, &Count);
+  return ParseControllerShowText(Output, TextChars, Count, Controller,
+                                 ErrorCode);
+}
+
+EFI_STATUS ParseControllerShowText(CHAR16 *Text, UINTN TextChars,
+                                   const MCHP_REPORT_COUNT &Count,
+                                   RAID_CONTROLLER *Controller,
+                                   UINT32 *ErrorCode) {
+  if (Text == nullptr) {
+    return EFI_ABORTED;
+  }
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesOver(&Lines, Text, TextChars);
+  return ParseReport(&Lines, Count, Controller, ErrorCode);
 }
 
 }  // namespace mchp

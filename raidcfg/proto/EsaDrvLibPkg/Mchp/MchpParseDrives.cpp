@@ -36,6 +36,11 @@ constexpr UINT32 kLocationKey = 1U << 1;
 constexpr UINT32 kModelKey = 1U << 2;
 constexpr UINT32 kStateKey = 1U << 3;
 
+// What marks the line that gives a drive's configuration type; the lines
+// ahead are searched for it with a skip search over each line's extent.
+constexpr const CHAR16 *kConfigurationTexts[] = {u"Drive Configuration Type"};
+constexpr RAID_PHRASES kConfiguration = RaidLibPhrases(kConfigurationTexts);
+
 // Where one classification of a drive puts it.
 typedef struct {
   UINT32 State;
@@ -62,14 +67,69 @@ typedef struct {
   UINT32 EarlierOthers;
 } DRIVE_BLOCK;
 
+// The lines a "State" line's look-aheads walked, kept so that the block
+// reader, which reads the same lines next, takes them from here instead of
+// walking them again. Each entry is the walk as it stood after one more
+// line; a walk standing where one of them started (or stepped back onto
+// its line) goes on exactly as that entry did, since the text ahead is
+// only ever cut where the walk cut it.
+typedef struct {
+  const CHAR16 *From;     // where the look-ahead started
+  RAID_LINE_CURSOR Walk;  // the look-ahead, for lines not walked yet
+  RAID_LINE_CURSOR After[kConfigurationLookAhead];
+  UINTN Count;    // lines walked
+  UINTN Taken;    // entries the block reader has taken
+  BOOLEAN Ended;  // the output ended within the look-ahead
+} LINES_AHEAD;
+
+// A look-ahead from where Lines stands, none of its lines walked yet.
+VOID StartAhead(LINES_AHEAD *Ahead, const RAID_LINE_CURSOR *Lines) {
+  Ahead->From = Lines->Next;
+  Ahead->Walk = *Lines;
+  Ahead->Count = 0;
+  Ahead->Taken = 0;
+  Ahead->Ended = FALSE;
+}
+
+// The line Index + 1 further on from where the look-ahead started, walked
+// when first asked for; NULL past the output's end.
+[[nodiscard]] CHAR16 *LineAhead(LINES_AHEAD *Ahead, UINTN Index) {
+  while (Ahead->Count <= Index && !Ahead->Ended) {
+    if (RaidLibNextLine(&Ahead->Walk) == nullptr) {
+      Ahead->Ended = TRUE;
+    } else {
+      Ahead->After[Ahead->Count++] = Ahead->Walk;
+    }
+  }
+  return Index < Ahead->Count ? Ahead->After[Index].Current : nullptr;
+}
+
+// The next line of Lines, from the look-ahead's entries where they reach.
+[[nodiscard]] CHAR16 *NextLineSeen(LINES_AHEAD *Ahead,
+                                   RAID_LINE_CURSOR *Lines) {
+  UINTN Index = Ahead->Taken > 0 ? Ahead->Taken - 1 : 0;
+  for (; Index < Ahead->Count; Index++) {
+    const RAID_LINE_CURSOR &Entry = Ahead->After[Index];
+    const CHAR16 *Before =
+        Index == 0 ? Ahead->From : Ahead->After[Index - 1].Next;
+    if (Lines->End != Entry.End || Before > Lines->Next) {
+      break;
+    }
+    if (Lines->Next == Before || Lines->Next == Entry.Current) {
+      *Lines = Entry;
+      Ahead->Taken = Index + 1;
+      return Entry.Current;
+    }
+  }
+  return RaidLibNextLine(Lines);
+}
+
 // The array number on the first "         Array" line of the next lines;
 // Previous when there is none.
-[[nodiscard]] UINT32 ArrayNumberAhead(const RAID_LINE_CURSOR *Lines,
-                                      UINT32 Previous) {
+[[nodiscard]] UINT32 ArrayNumberAhead(LINES_AHEAD *Ahead, UINT32 Previous) {
   CHAR16 Value[MCHP_KEYWORD_CHARS];
-  RAID_LINE_CURSOR Ahead = *Lines;
-  for (UINTN Count = 1; Count <= kArrayLookAhead; Count++) {
-    CHAR16 *Line = RaidLibNextLine(&Ahead);
+  for (UINTN Index = 0; Index < kArrayLookAhead; Index++) {
+    CHAR16 *Line = LineAhead(Ahead, Index);
     if (Line == nullptr) {
       break;
     }
@@ -98,15 +158,16 @@ VOID Classify(DRIVE_BLOCK *Block, UINT32 State, UINT32 Role, BOOLEAN InArray) {
 // A state word that needs the drive's configuration type, classified once
 // for each "Drive Configuration Type" line of the look-ahead (the report
 // prints one; each found counts, the last one wins).
-VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
-                             const CHAR16 *Word, DRIVE_BLOCK *Block) {
-  RAID_LINE_CURSOR Ahead = *Lines;
-  for (UINTN Count = 1; Count <= kConfigurationLookAhead; Count++) {
-    CHAR16 *Line = RaidLibNextLine(&Ahead);
+VOID ClassifyByConfiguration(LINES_AHEAD *Ahead, const CHAR16 *Word,
+                             DRIVE_BLOCK *Block) {
+  for (UINTN Index = 0; Index < kConfigurationLookAhead; Index++) {
+    CHAR16 *Line = LineAhead(Ahead, Index);
     if (Line == nullptr) {
       return;
     }
-    if (!RaidLibContains(Line, u"Drive Configuration Type")) {
+    const UINTN Span = MchpLineChars(&Ahead->After[Index], Line);
+    UINT32 Which;
+    if (RaidLibNextPhraseEnd(Line, Span, 0, kConfiguration, &Which) == Span) {
       continue;
     }
     BOOLEAN Hba = RaidLibContains(Line, u"HBA");
@@ -126,9 +187,9 @@ VOID ClassifyByConfiguration(const RAID_LINE_CURSOR *Lines,
   }
 }
 
-// A "State" line of a drive's block.
+// A "State" line of a drive's block; Lines stands behind it.
 VOID ClassifyStateLine(const RAID_LINE_CURSOR *Lines, const CHAR16 *Line,
-                       DRIVE_BLOCK *Block) {
+                       LINES_AHEAD *Ahead, DRIVE_BLOCK *Block) {
   if (RaidLibContains(Line, u"Dedicated Hot-Spare")) {
     Classify(Block, RAID_STATE2_DEDICATED, RAID_ROLE_HOT_SPARE, FALSE);
     return;
@@ -141,13 +202,14 @@ VOID ClassifyStateLine(const RAID_LINE_CURSOR *Lines, const CHAR16 *Line,
   if (sGetKeyWord(Line, Word, MCHP_KEYWORD_CHARS) == nullptr) {
     Word[0] = 0;
   }
-  Block->ArrayNumber = ArrayNumberAhead(Lines, Block->ArrayNumber);
+  StartAhead(Ahead, Lines);
+  Block->ArrayNumber = ArrayNumberAhead(Ahead, Block->ArrayNumber);
   if (RaidLibWordIs(Word, u"Ready")) {
     Classify(Block, RAID_STATE2_UGOOD, RAID_ROLE_UNCONFIGURED, FALSE);
   } else if (RaidLibWordIs(Word, u"Offline")) {
     Classify(Block, RAID_STATE2_OFFLINE, RAID_ROLE_MEMBER, TRUE);
   } else {
-    ClassifyByConfiguration(Lines, Word, Block);
+    ClassifyByConfiguration(Ahead, Word, Block);
   }
 }
 
@@ -177,16 +239,20 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
   const CHAR16 *Interface = nullptr;
   const CHAR16 *Medium = nullptr;
   CHAR16 Value[MCHP_KEYWORD_CHARS];
-  UINTN Budget = kDriveBlockLines;
-  for (CHAR16 *Line = RaidLibNextLineWithin(Lines, &Budget); Line != nullptr;
-       Line = RaidLibNextLineWithin(Lines, &Budget)) {
+  LINES_AHEAD Ahead = {};  // nothing walked ahead until a "State" line
+  for (UINTN Budget = kDriveBlockLines; Budget > 0; Budget--) {
+    CHAR16 *Line = NextLineSeen(&Ahead, Lines);
+    if (Line == nullptr) {
+      return;
+    }
     if (RaidLibStartsWith(Line, u"      Device #") ||
         RaidLibStartsWith(Line, u"Connector information")) {
       RaidLibStepBack(Lines);
       return;
     }
     // The line stays as it is below, so its keys are looked for at once.
-    const UINT32 Found = RaidLibContainsEach(Line, kDriveBlockKeys);
+    const UINT32 Found = RaidLibContainsEachIn(Line, MchpLineChars(Lines, Line),
+                                               kDriveBlockKeys);
     if ((Found & kDriveSizeKey) != 0) {
       MchpReadSize(sGetKeyWord(Line, Value, MCHP_KEYWORD_CHARS),
                    &Block->SizeFigure, &Block->SizeUnit);
@@ -203,7 +269,10 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
     if (Interface != nullptr && Medium != nullptr) {
       // The state and the array come before these lines in the report.
       Block->MediaType = RaidLibMediaCode(Interface, Medium);
-      (VOID)RaidLibSkipLines(Lines, kLinesAfterMedium);
+      for (UINTN Count = 0; Count < kLinesAfterMedium &&
+                            NextLineSeen(&Ahead, Lines) != nullptr;
+           Count++) {
+      }
       return;
     }
     if ((Found & kModelKey) != 0) {
@@ -217,7 +286,7 @@ VOID ReadDriveBlock(const CHAR8 *Caller, RAID_LINE_CURSOR *Lines,
       }
     }
     if ((Found & kStateKey) != 0) {
-      ClassifyStateLine(Lines, Line, Block);
+      ClassifyStateLine(Lines, Line, &Ahead, Block);
     }
   }
 }

@@ -15,22 +15,17 @@ namespace {
   return Unit != RAID_UNIT_MB ? Figure > 1 : Figure > 100;
 }
 
-}  // namespace
-
-EFI_STATUS ParseControllerShowFS(CHAR16 *Output, UINTN OutputChars,
-                                 RAID_CONTROLLER *Controller,
-                                 UINT32 *ErrorCode) {
-  (VOID)ErrorCode;
-  RAID_LINE_CURSOR Lines;
-  RaidLibLinesStartInBuffer(&Lines, Output, OutputChars);
-  CHAR16 *Line = RaidLibNextLine(&Lines);
+// The array section of the report, read for its arrays' free space.
+[[nodiscard]] EFI_STATUS ReadFreeSpace(RAID_LINE_CURSOR *Lines,
+                                       RAID_CONTROLLER *Controller) {
+  CHAR16 *Line = RaidLibNextLine(Lines);
   while (Line != nullptr && !RaidLibStartsWith(Line, u"Array Information")) {
-    Line = RaidLibNextLine(&Lines);
+    Line = RaidLibNextLine(Lines);
   }
   UINT32 ArrayLines = 0;
   for (; Line != nullptr &&
          !RaidLibStartsWith(Line, u"Logical device information");
-       Line = RaidLibNextLine(&Lines)) {
+       Line = RaidLibNextLine(Lines)) {
     if (!RaidLibStartsWith(Line, u"Array Number")) {
       continue;
     }
@@ -58,6 +53,25 @@ EFI_STATUS ParseControllerShowFS(CHAR16 *Output, UINTN OutputChars,
     Array->FreeCapacityUnit = RAID_UNIT_MB;
   }
   return EFI_SUCCESS;
+}
+
+}  // namespace
+
+EFI_STATUS ParseControllerShowFS(CHAR16 *Output, UINTN OutputChars,
+                                 RAID_CONTROLLER *Controller,
+                                 UINT32 *ErrorCode) {
+  return ParseControllerShowFSText(
+      Output, RaidLibBufferTextChars(Output, OutputChars), Controller,
+      ErrorCode);
+}
+
+EFI_STATUS ParseControllerShowFSText(CHAR16 *Text, UINTN TextChars,
+                                     RAID_CONTROLLER *Controller,
+                                     UINT32 *ErrorCode) {
+  (VOID)ErrorCode;
+  RAID_LINE_CURSOR Lines;
+  RaidLibLinesOver(&Lines, Text, TextChars);
+  return ReadFreeSpace(&Lines, Controller);
 }
 
 }  // namespace mchp

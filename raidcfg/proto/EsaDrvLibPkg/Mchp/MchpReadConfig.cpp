@@ -73,19 +73,22 @@ EFI_STATUS MchpGetControllerInfo(RAID_CONTROLLER *Controller,
       ErrorCode, u"%S getconfig %d", Controller->Capability->ToolName,
       Own->CardId));
   // Both parsers cut the text in place, so the second reads a copy, of the
-  // output's head only.
+  // output's head only. The report's end is found once, by its count: the
+  // copy's is the same, or the copy's size.
+  MCHP_REPORT_COUNT Count;
   const UINTN Chars =
-      RaidLibBufferTextChars(gMchpGetconfigOutput, kOutputChars);
+      MchpCountReport(gMchpGetconfigOutput, kOutputChars, &Count);
   if (Chars > kCopyChars) {
     RaidLibNoteCutOutput(__func__, (Chars + 1) * sizeof(CHAR16),
                          MCHP_GETCONFIG_COPY_BYTES);
   }
   CopyMem(gMchpGetconfigCopy, gMchpGetconfigOutput, MCHP_GETCONFIG_COPY_BYTES);
-  Status = ParseControllerShow(gMchpGetconfigOutput, kOutputChars, Controller,
-                               ErrorCode);
+  Status = ParseControllerShowText(gMchpGetconfigOutput, Chars, Count,
+                                   Controller, ErrorCode);
   if (*ErrorCode == 0) {
-    Status = ParseControllerShowFS(gMchpGetconfigCopy, kCopyChars, Controller,
-                                   ErrorCode);
+    const UINTN CopyChars = Chars < kCopyChars ? Chars : kCopyChars;
+    Status = ParseControllerShowFSText(gMchpGetconfigCopy, CopyChars,
+                                       Controller, ErrorCode);
     SetStripeSizes(Controller);
   }
   Own->Flags |= RAID_FLAG_OUTPUT_VALID;

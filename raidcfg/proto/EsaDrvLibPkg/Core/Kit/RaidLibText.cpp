@@ -113,14 +113,37 @@ BOOLEAN RaidLibContains(const CHAR16 *Line, const CHAR16 *Needle) {
   return FALSE;
 }
 
-// The terminator's bit joins the first characters', so that the loop over
-// the characters that start nothing makes one test per character.
+namespace {
+
+// The needles of Set not yet in Found that occur at At with their anchor,
+// At lying Before characters into its line.
+[[nodiscard]] UINT32 NeedlesAnchoredAt(const CHAR16 *At, UINTN Before,
+                                       const RAID_NEEDLES &Set, UINT32 Found) {
+  for (UINT32 Index = 0; Index < Set.Count; Index++) {
+    const UINTN Anchor = Set.AnchorAt[Index];
+    if (*At == Set.Anchor[Index] && (Found & (1U << Index)) == 0 &&
+        Anchor <= Before &&
+        RaidLibStartsWith(At - Anchor, Set.Needles[Index])) {
+      Found |= 1U << Index;
+    }
+  }
+  return Found;
+}
+
+[[nodiscard]] UINT32 AllNeedles(const RAID_NEEDLES &Set) {
+  return Set.Count >= 32 ? ~0U : (1U << Set.Count) - 1;
+}
+
+}  // namespace
+
+// The terminator's bit joins the anchors', so that the loop over the
+// characters that anchor nothing makes one test per character.
 UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
   if (Line == nullptr) {
     return 0;
   }
-  const UINT32 All = Set.Count >= 32 ? ~0U : (1U << Set.Count) - 1;
-  const UINT64 Stops = Set.Firsts | 1;
+  const UINT32 All = AllNeedles(Set);
+  const UINT64 Stops = Set.Anchors | 1;
   UINT32 Found = 0;
   for (const CHAR16 *At = Line;; At++) {
     if (((Stops >> (*At & 63)) & 1) == 0) {
@@ -129,14 +152,52 @@ UINT32 RaidLibContainsEach(const CHAR16 *Line, const RAID_NEEDLES &Set) {
     if (*At == 0) {
       break;
     }
-    for (UINT32 Index = 0; Index < Set.Count; Index++) {
-      if ((Found & (1U << Index)) == 0 &&
-          RaidLibStartsWith(At, Set.Needles[Index])) {
-        Found |= 1U << Index;
-      }
-    }
+    Found = NeedlesAnchoredAt(At, static_cast<UINTN>(At - Line), Set, Found);
     if (Found == All) {
       break;
+    }
+  }
+  return Found;
+}
+
+UINT32 RaidLibContainsEachIn(const CHAR16 *Line, UINTN Chars,
+                             const RAID_NEEDLES &Set) {
+  if (Line == nullptr) {
+    return 0;
+  }
+  const UINT32 All = AllNeedles(Set);
+  const UINT64 Stops = Set.Anchors | 1;
+  // When no anchor's low six bits reach 32 (capitals, as keys begin), a
+  // character with bit 5 (blanks, digits, small letters: most of a line)
+  // anchors nothing, and four such are passed with one test.
+  constexpr UINT64 kBit5 = 0x0020002000200020ULL;
+  const bool Bit5Passes = (Stops >> 32) == 0;
+  const CHAR16 *End = Line + Chars;
+  UINT32 Found = 0;
+  for (const CHAR16 *At = Line; At < End;) {
+    if (End - At >= 4) {
+      UINT64 Word;
+      __builtin_memcpy(&Word, At, sizeof(Word));
+      if ((Bit5Passes && (Word & kBit5) == kBit5) ||
+          (((Stops >> (At[0] & 63)) | (Stops >> (At[1] & 63)) |
+            (Stops >> (At[2] & 63)) | (Stops >> (At[3] & 63))) &
+           1) == 0) {
+        At += 4;
+        continue;
+      }
+    }
+    const CHAR16 *Stop = End - At >= 4 ? At + 4 : End;
+    for (; At < Stop; At++) {
+      if (((Stops >> (*At & 63)) & 1) == 0) {
+        continue;
+      }
+      if (*At == 0) {
+        return Found;
+      }
+      Found = NeedlesAnchoredAt(At, static_cast<UINTN>(At - Line), Set, Found);
+      if (Found == All) {
+        return Found;
+      }
     }
   }
   return Found;
