@@ -451,9 +451,9 @@ TEST(RaidLibText, RowSplitsAtBlanksCutTokens) {
     if (Case.Delimiters == nullptr || Case.Delimiters != std::u16string(u" ")) {
       continue;
     }
-    Tokens Expected(Case.Expected.begin(),
-                    Case.Expected.begin() +
-                        std::min<size_t>(Case.Expected.size(), RAID_ROW_MAX_WORDS));
+    const size_t Kept =
+        std::min<size_t>(Case.Expected.size(), RAID_ROW_MAX_WORDS);
+    Tokens Expected(Case.Expected.begin(), Case.Expected.begin() + Kept);
     const CHAR16 *Line = Case.Text.c_str();
     RAID_ROW Row;
     RaidLibSplitRow(Line, &Row);

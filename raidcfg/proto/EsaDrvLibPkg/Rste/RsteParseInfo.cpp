@@ -225,8 +225,9 @@ VOID DropFreeSegments(RAID_ARRAY *Array) {
 }
 
 // FALSE when the pool ran out.
-[[nodiscard]] bool OpenVolume(ARRAY_LOOKUP *Arrays, RAID_LINE_CURSOR *Lines, UINT32 *VolumeCount,
-                              OPEN_BLOCK *Open, UINT32 *ErrorCode) {
+[[nodiscard]] bool OpenVolume(ARRAY_LOOKUP *Arrays, RAID_LINE_CURSOR *Lines,
+                              UINT32 *VolumeCount, OPEN_BLOCK *Open,
+                              UINT32 *ErrorCode) {
   Open->Volume = nullptr;
   Open->Disk = nullptr;
   CHAR16 *Ahead[kVolumeLines];
