@@ -92,8 +92,9 @@ RAID_ARRAY *RaidLibAddArray(RAID_CONTROLLER *Controller, UINT32 Id,
 
 RAID_ARRAY *RaidLibAddNamedArray(RAID_CONTROLLER *Controller, UINT32 Id,
                                  const CHAR16 *Name, UINTN ExtraSize) {
+  // An array has a name: none given makes no array.
   RAID_ARRAY *Array =
-      NewRecord<RAID_ARRAY>(ExtraSize, Name != nullptr ? Name : u"");
+      Name != nullptr ? NewRecord<RAID_ARRAY>(ExtraSize, Name) : nullptr;
   if (Array == nullptr) {
     return nullptr;
   }
