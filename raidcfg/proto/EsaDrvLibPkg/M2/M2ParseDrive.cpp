@@ -71,7 +71,7 @@ VOID EndDrive(DriveRead *Read) {
   } else if (Id <= 0x7FFFFFFFU) {
     RaidLibNumberedText(Location, M2_LOCATION_CHARS + 1, u"SSD", Id);
   } else {
-    // Printed signed, as the tool's own numbering would wrap.
+    // An id past the signed range is printed signed, as it always was.
     UnicodeSPrint(Location, sizeof(Location), u"SSD%d", Id);
   }
   Read->Current = RaidLibNewDrive(Id, Location, nullptr, M2_MODEL_CHARS);
